@@ -1,0 +1,186 @@
+#include "QuillonController.h"
+
+#include "ItemTableModel.h"
+#include "Log.h"
+#include "MainWindow.h"
+#include "PowerService.h"
+#include "PreferencesDialog.h"
+#include "Texts.h"
+#include "WallClock.h"
+#include "Workspace.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <QTableView>
+#include <QTimer>
+
+namespace Quillon {
+
+QuillonController::QuillonController(Platform platform, QObject *parent)
+    : QObject(parent)
+    , m_platform(platform)
+    , m_schedule(m_preferences, platform.clock)
+    , m_launcher(m_preferences, platform.workspace, platform.scripts,
+                 [this](const QString &body, const QString &subject) { sendMail(body, subject); })
+{
+    // What the window layout would hold: the window and its controls exist before awakeFromNib.
+    m_window = new MainWindow(m_schedule, m_preferences, platform.workspace);
+}
+
+QuillonController::~QuillonController()
+{
+    delete m_window;
+}
+
+void QuillonController::awakeFromNib()
+{
+    m_updateDisplayTimer = new QTimer(this);
+    m_updateDisplayTimer->setInterval(500);
+    connect(m_updateDisplayTimer, &QTimer::timeout, this, &QuillonController::handleUpdateDisplayTimer);
+    m_updateDisplayTimer->start();
+
+    m_window->setupDatePickerControl();
+    m_schedule.createArrays();
+
+    m_schedule.setLauncher([this](const QString &path) { launchItem(path); });
+    connect(&m_schedule, &Schedule::runningStateChanged, m_window, &MainWindow::showRunningState);
+    connect(&m_schedule, &Schedule::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
+    connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::terminate, Qt::QueuedConnection);
+    connect(m_window, &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
+    connect(m_window, &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
+    connect(m_window, &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
+    connect(m_window, &MainWindow::helpRequested, this, &QuillonController::openHelpURL);
+    connect(m_window, &MainWindow::quitRequested, this, &QuillonController::terminate);
+
+    m_schedule.setPowerService(&m_platform.power);
+    // A wake noticed by logind and by the timer itself must run the after-wake action once.
+    connect(&m_platform.power, &PowerService::willSleep, &m_schedule, &Schedule::scheduleWakeUp);
+    connect(&m_platform.power, &PowerService::didWake, &m_platform.clock, &WallClock::checkForResume);
+    m_platform.power.registerForNotifications();
+
+    if (m_preferences.rememberItems())
+        m_schedule.restoreItems();
+
+    connect(m_window, &MainWindow::doubleClicked, this, &QuillonController::doubleAction);
+    setUpTray();
+}
+
+void QuillonController::applicationWillFinishLaunching()
+{
+    showMainWindow();
+}
+
+void QuillonController::terminate()
+{
+    // exit(), not quit(): quit() asks every window to close first, and a window that only
+    // minimises would cancel it.
+    QCoreApplication::exit(0);
+}
+
+void QuillonController::applicationWillTerminate()
+{
+    m_window->saveWindowState();
+    if (m_preferences.rememberItems())
+        m_schedule.saveItems();
+}
+
+void QuillonController::showMainWindow()
+{
+    if (m_window->isMinimized())
+        m_window->showNormal();
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void QuillonController::setUpTray()
+{
+    const bool trayAvailable = QSystemTrayIcon::isSystemTrayAvailable();
+    m_window->setCloseHides(trayAvailable);
+    if (!trayAvailable)
+        return;
+    m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
+    m_tray->setToolTip(QStringLiteral("Quillon"));
+    auto *menu = new QMenu(m_window);
+    menu->addAction(tr("Show Quillon"), this, &QuillonController::showMainWindow);
+    menu->addAction(tr("Quit"), this, &QuillonController::terminate);
+    m_tray->setContextMenu(menu);
+    connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            showMainWindow();
+    });
+    m_tray->show();
+}
+
+void QuillonController::handleUpdateDisplayTimer()
+{
+    if (m_schedule.timersRunning())
+        m_window->model()->refreshCountdown();
+}
+
+void QuillonController::doubleAction()
+{
+    m_launcher.doubleAction(m_window->selectedRow(), m_schedule.paths());
+}
+
+void QuillonController::doAlert(const QString &message, const QString &informative)
+{
+    doAlert(message, informative.isNull() ? QString(QLatin1String("")) : informative, m_window, 0);
+}
+
+void QuillonController::doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle)
+{
+    QApplication::beep();
+    static const QMessageBox::Icon styles[] = {QMessageBox::Warning, QMessageBox::Information, QMessageBox::Critical};
+    // A sheet keeps the default style whatever was asked; only a free-standing alert takes it.
+    const QMessageBox::Icon icon = parentWindow || alertStyle < 0 || alertStyle > 2 ? QMessageBox::Warning : styles[alertStyle];
+    auto *box = new QMessageBox(icon, QStringLiteral("Quillon"), message, QMessageBox::Ok, parentWindow);
+    box->setTextFormat(Qt::PlainText);
+    if (informative)
+        box->setInformativeText(*informative);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    // Never a nested event loop: timers go on firing while the alert is up.
+    box->setWindowModality(parentWindow ? Qt::WindowModal : Qt::ApplicationModal);
+    m_alert = box;
+    box->open();
+}
+
+void QuillonController::openHelpURL()
+{
+    const QString appDir = QCoreApplication::applicationDirPath();
+    for (const QString &candidate : {appDir + QLatin1String("/../share/quillon/help/index.html"),
+                                     QStringLiteral("/usr/share/quillon/help/index.html")}) {
+        if (QFileInfo::exists(candidate)) {
+            m_platform.workspace.openUrl(QUrl::fromLocalFile(QDir::cleanPath(candidate)));
+            return;
+        }
+    }
+}
+
+void QuillonController::sendMail(const QString &body, const QString &subject)
+{
+    Q_UNUSED(body);
+    systemLog(QStringLiteral("Mail delivery is not available in this version; not sent: %1").arg(subject));
+}
+
+void QuillonController::testEmail()
+{
+    sendMail(Texts::TestBody, Texts::TestSubject);
+}
+
+void QuillonController::showPreferences()
+{
+    if (!m_preferencesDialog) {
+        m_preferencesDialog = new PreferencesDialog(m_preferences, m_window);
+        m_preferencesDialog->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_preferencesDialog, &PreferencesDialog::testEmailRequested, this, &QuillonController::testEmail);
+    }
+    m_preferencesDialog->show();
+    m_preferencesDialog->raise();
+    m_preferencesDialog->activateWindow();
+}
+
+} // namespace Quillon

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Launcher.h"
+#include "Preferences.h"
+#include "Schedule.h"
+
+#include <QMessageBox>
+#include <QObject>
+#include <QPointer>
+
+class QSystemTrayIcon;
+class QTimer;
+
+namespace Quillon {
+
+class MainWindow;
+class PowerService;
+class PreferencesDialog;
+class ScriptRunner;
+class WallClock;
+class Workspace;
+
+// The desktop services the application runs on; tests hand in fakes.
+struct Platform
+{
+    WallClock &clock;
+    PowerService &power;
+    Workspace &workspace;
+    ScriptRunner &scripts;
+};
+
+// Brings the application up and down, wires the window to the schedule, and tells the user
+// about failures.
+class QuillonController final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(QuillonController)
+public:
+    explicit QuillonController(Platform platform, QObject *parent = nullptr);
+    ~QuillonController() override;
+
+    void awakeFromNib();
+    void applicationWillFinishLaunching();
+    void applicationWillTerminate();
+    // The one way out: every quit ends here and then in applicationWillTerminate.
+    static void terminate();
+
+    void doAlert(const QString &message, const QString &informative = QString());
+    void doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle);
+    void openHelpURL();
+
+    void handleUpdateDisplayTimer();
+    void launchItem(const QString &path) { m_launcher.launchItem(path); }
+    void launchAllNow() { m_launcher.launchAllNow(m_schedule.paths()); }
+    void doubleAction();
+    void sendMail(const QString &body, const QString &subject);
+    void testEmail();
+    void showPreferences();
+    void showMainWindow();
+
+    Schedule &schedule() { return m_schedule; }
+    Preferences &preferences() { return m_preferences; }
+    MainWindow *fileListWindow() const { return m_window; }
+    QTimer *updateDisplayTimer() const { return m_updateDisplayTimer; }
+    QMessageBox *currentAlert() const { return m_alert; }
+
+private:
+    void setUpTray();
+
+    Platform m_platform;
+    Preferences m_preferences;
+    Schedule m_schedule;
+    Launcher m_launcher;
+    MainWindow *m_window = nullptr;
+    QTimer *m_updateDisplayTimer = nullptr;
+    QSystemTrayIcon *m_tray = nullptr;
+    QPointer<PreferencesDialog> m_preferencesDialog;
+    QPointer<QMessageBox> m_alert;
+};
+
+} // namespace Quillon

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace Quillon {
+
+// One plain line for the journal: desktop sessions route a GUI program's stderr there.
+void systemLog(const QString &line);
+
+// Tests capture log lines instead of reading stderr. Pass an empty function to restore stderr.
+using LogSink = std::function<void(const QString &line)>;
+void setLogSink(LogSink sink);
+
+} // namespace Quillon

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+#include <QUrl>
+
+namespace Quillon {
+
+// What the desktop does with files: open them, show them in the file manager, give their icons.
+class Workspace
+{
+public:
+    virtual ~Workspace() = default;
+    // Open as a double click in the file manager would. False when it could not be started.
+    virtual bool openFile(const QString &path) = 0;
+    // Show the file selected in the file manager.
+    virtual void selectFile(const QString &path) = 0;
+    virtual QIcon iconForFile(const QString &path) = 0;
+    virtual bool openUrl(const QUrl &url) = 0;
+};
+
+} // namespace Quillon

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Workspace.h"
+
+#include <QStringList>
+
+namespace Quillon {
+
+class FakeWorkspace final : public Workspace
+{
+public:
+    bool openFile(const QString &path) override
+    {
+        opened << path;
+        return openSucceeds;
+    }
+    void selectFile(const QString &path) override { selected << path; }
+    QIcon iconForFile(const QString &path) override
+    {
+        iconPaths << path;
+        return {};
+    }
+    bool openUrl(const QUrl &url) override
+    {
+        urls << url;
+        return true;
+    }
+
+    bool openSucceeds = true;
+    QStringList opened;
+    QStringList selected;
+    QStringList iconPaths;
+    QList<QUrl> urls;
+};
+
+} // namespace Quillon

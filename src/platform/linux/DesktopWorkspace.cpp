@@ -1,0 +1,135 @@
+#include "DesktopWorkspace.h"
+
+#include "Log.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QFileInfo>
+#include <QProcess>
+
+#undef signals
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+
+namespace Quillon {
+namespace {
+
+template<typename T>
+struct GFree
+{
+    void operator()(T *p) const { g_object_unref(p); }
+};
+template<typename T>
+using GPtr = std::unique_ptr<T, GFree<T>>;
+
+bool logFailure(const QString &path, GError *error)
+{
+    systemLog(QStringLiteral("Could not open %1: %2").arg(path, error ? QString::fromUtf8(error->message) : QStringLiteral("unknown error")));
+    if (error)
+        g_error_free(error);
+    return false;
+}
+
+bool launchDesktopFile(const QString &path)
+{
+    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
+    if (!info)
+        return logFailure(path, nullptr);
+    GError *error = nullptr;
+    if (!g_app_info_launch(G_APP_INFO(info.get()), nullptr, nullptr, &error))
+        return logFailure(path, error);
+    return true;
+}
+
+bool openWithDefaultHandler(const QString &uri, const QString &what)
+{
+    GError *error = nullptr;
+    if (!g_app_info_launch_default_for_uri(uri.toUtf8().constData(), nullptr, &error))
+        return logFailure(what, error);
+    return true;
+}
+
+QIcon desktopFileIcon(const QString &path)
+{
+    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
+    if (!info)
+        return {};
+    GIcon *icon = g_app_info_get_icon(G_APP_INFO(info.get()));
+    if (G_IS_THEMED_ICON(icon)) {
+        for (const gchar *const *name = g_themed_icon_get_names(G_THEMED_ICON(icon)); name && *name; ++name) {
+            const QIcon themed = QIcon::fromTheme(QString::fromUtf8(*name));
+            if (!themed.isNull())
+                return themed;
+        }
+    } else if (G_IS_FILE_ICON(icon)) {
+        gchar *file = g_file_get_path(g_file_icon_get_file(G_FILE_ICON(icon)));
+        QIcon fromFile(QString::fromUtf8(file));
+        g_free(file);
+        return fromFile;
+    }
+    return {};
+}
+
+} // namespace
+
+bool DesktopWorkspace::openFile(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink())
+        return logFailure(path, nullptr);
+    if (info.isFile() && info.suffix() == QLatin1String("desktop"))
+        return launchDesktopFile(path);
+    if (info.isFile() && info.isExecutable()) {
+        // Detached: double-forked, so it never becomes our zombie and never blocks us.
+        if (!QProcess::startDetached(info.absoluteFilePath(), {}, info.absolutePath())) {
+            systemLog(QStringLiteral("Could not start %1").arg(path));
+            return false;
+        }
+        return true;
+    }
+    return openWithDefaultHandler(QUrl::fromLocalFile(info.absoluteFilePath()).toString(QUrl::FullyEncoded), path);
+}
+
+void DesktopWorkspace::selectFile(const QString &path)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+                                                       QStringLiteral("/org/freedesktop/FileManager1"),
+                                                       QStringLiteral("org.freedesktop.FileManager1"),
+                                                       QStringLiteral("ShowItems"));
+    call << QStringList{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << QString();
+    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, path](QDBusPendingCallWatcher *w) {
+        w->deleteLater();
+        if (!w->isError())
+            return;
+        // No file manager on the bus: show the folder that holds it instead.
+        openWithDefaultHandler(QUrl::fromLocalFile(QFileInfo(path).absolutePath()).toString(QUrl::FullyEncoded), path);
+    });
+}
+
+QIcon DesktopWorkspace::iconForFile(const QString &path)
+{
+    const QFileInfo info(path);
+    if (info.isDir())
+        return QIcon::fromTheme(QStringLiteral("folder"));
+    if (info.suffix() == QLatin1String("desktop")) {
+        const QIcon own = desktopFileIcon(path);
+        if (!own.isNull())
+            return own;
+    }
+    const QMimeType type = m_mimes.mimeTypeForFile(info, info.exists() ? QMimeDatabase::MatchDefault : QMimeDatabase::MatchExtension);
+    QIcon icon = QIcon::fromTheme(type.iconName());
+    if (icon.isNull())
+        icon = QIcon::fromTheme(type.genericIconName());
+    if (icon.isNull())
+        icon = QIcon::fromTheme(info.isExecutable() ? QStringLiteral("application-x-executable") : QStringLiteral("text-x-generic"));
+    return icon;
+}
+
+bool DesktopWorkspace::openUrl(const QUrl &url)
+{
+    return openWithDefaultHandler(url.toString(QUrl::FullyEncoded), url.toDisplayString());
+}
+
+} // namespace Quillon

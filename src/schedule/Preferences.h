@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QSettings>
+#include <QVariant>
+
+namespace Quillon {
+
+// The user's settings and the saved schedule, in $XDG_CONFIG_HOME/Quillon/Quillon.conf.
+// No defaults are registered: an absent key reads as false, 0 or nothing, except rememberItems.
+class Preferences final
+{
+    Q_DISABLE_COPY_MOVE(Preferences)
+public:
+    Preferences();
+
+    bool contains(QAnyStringView key) const { return m_settings.contains(key); }
+    QVariant value(QAnyStringView key) const { return m_settings.value(key); }
+    bool boolValue(QAnyStringView key) const { return toBool(m_settings.value(key)); }
+    int intValue(QAnyStringView key) const { return m_settings.value(key).toInt(); }
+    QString stringValue(QAnyStringView key) const;
+
+    // Writes go to disk at once, readable by the user alone: the file holds the mail password.
+    void setValue(QAnyStringView key, const QVariant &value);
+    void setValues(const QList<std::pair<QAnyStringView, QVariant>> &values);
+
+    // Re-read the file, so that a change made by another window or process is seen.
+    void synchronize();
+    QString fileName() const { return m_settings.fileName(); }
+
+    bool rememberItems() const;
+    bool addFolderFiles() const { return boolValue(QLatin1StringView("addFolderFiles")); }
+    bool addFolderFilesRecursively() const { return boolValue(QLatin1StringView("addFolderFilesRecursively")); }
+
+    // A stored boolean as the settings file may hold it: a real boolean, a number, or text.
+    static bool toBool(const QVariant &value);
+
+private:
+    void writeOut();
+    mutable QSettings m_settings;
+};
+
+} // namespace Quillon

@@ -1,0 +1,341 @@
+#include "Schedule.h"
+
+#include "FileReference.h"
+#include "Log.h"
+#include "PowerService.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+#include "Texts.h"
+#include "TimerQueue.h"
+#include "WallClock.h"
+
+#include <algorithm>
+
+namespace Quillon {
+namespace {
+constexpr int InitialCapacity = 50;
+constexpr quint32 WakeLeadSeconds = 15;
+
+quint32 unitFactor(int unit)
+{
+    switch (unit) {
+    case 1:
+        return 60;
+    case 2:
+        return 3600;
+    case 3:
+        return 86400;
+    default:
+        return 1;
+    }
+}
+
+// A hand-written settings file has no date type of its own; ISO 8601 text is what people write.
+QDateTime toDate(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QDateTime)
+        return value.toDateTime();
+    if (value.typeId() == QMetaType::QString)
+        return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
+    return {};
+}
+
+QVariantList asList(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QVariantList)
+        return value.toList();
+    if (value.typeId() == QMetaType::QStringList) {
+        QVariantList out;
+        for (const QString &s : value.toStringList())
+            out << s;
+        return out;
+    }
+    return {};
+}
+} // namespace
+
+Schedule::Schedule(Preferences &preferences, WallClock &clock, QObject *parent)
+    : QObject(parent)
+    , m_preferences(preferences)
+    , m_clock(clock)
+    , m_queue(new TimerQueue(clock, this))
+{
+    m_queue->setFireHandler([this](const TimerSlot &t) { launch(t); });
+    connect(&m_clock, &WallClock::resumed, this, &Schedule::afterWake);
+}
+
+Schedule::~Schedule() = default;
+
+QDateTime Schedule::now() const
+{
+    return m_clock.now();
+}
+
+void Schedule::createArrays()
+{
+    m_paths.reserve(InitialCapacity);
+    m_dates.reserve(InitialCapacity);
+    m_timers.reserve(InitialCapacity);
+}
+
+void Schedule::addPath(const QString &path, int index)
+{
+    Q_EMIT rowsAboutToBeInserted(index, index);
+    m_paths.insert(index, path);
+    m_dates.insert(std::min<qsizetype>(index, m_dates.size()), now());
+    m_timers.insert(index, TimerSlot());
+    Q_EMIT rowsInserted();
+}
+
+void Schedule::appendPaths(const QStringList &paths)
+{
+    if (paths.isEmpty())
+        return;
+    Q_EMIT rowsAboutToBeInserted(count(), count() + int(paths.size()) - 1);
+    for (const QString &path : paths) {
+        m_paths.append(path);
+        m_dates.append(now());
+        m_timers.append(TimerSlot());
+    }
+    Q_EMIT rowsInserted();
+}
+
+void Schedule::insertPaths(int index, const QStringList &paths)
+{
+    if (paths.isEmpty())
+        return;
+    const qsizetype n = paths.size();
+    Q_EMIT rowsAboutToBeInserted(index, index + int(n) - 1);
+    const QDateTime stamp = now();
+    m_paths.insert(index, n, QString());
+    std::copy(paths.begin(), paths.end(), m_paths.begin() + index);
+    m_dates.insert(std::min<qsizetype>(index, m_dates.size()), n, stamp);
+    m_timers.insert(index, n, TimerSlot());
+    Q_EMIT rowsInserted();
+}
+
+void Schedule::removeRows(QList<int> rows)
+{
+    std::sort(rows.begin(), rows.end(), std::greater<>());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    for (int row : std::as_const(rows)) {
+        if (row < 0 || row >= count())
+            continue;
+        Q_EMIT rowsAboutToBeRemoved(row, row);
+        m_paths.removeAt(row);
+        if (row < m_dates.size())
+            m_dates.removeAt(row);
+        m_timers.removeAt(row);
+        Q_EMIT rowsRemoved();
+    }
+}
+
+void Schedule::removeAll()
+{
+    Q_EMIT aboutToReset();
+    m_paths.clear();
+    m_dates.clear();
+    m_timers.clear();
+    Q_EMIT reset();
+}
+
+void Schedule::moveRow(int from, int to)
+{
+    if (from == to || from < 0 || to < 0 || from >= count() || to >= count())
+        return;
+    Q_EMIT rowAboutToBeMoved(from, to);
+    moveElement(m_paths, from, to);
+    moveElement(m_timers, from, to);
+    moveElement(m_dates, from, to);
+    Q_EMIT rowMoved();
+}
+
+void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
+{
+    for (qsizetype i = 0; i < m_dates.size(); ++i) {
+        if (rows.contains(int(i)))
+            m_dates[i] = date;
+    }
+}
+
+void Schedule::saveItems()
+{
+    QVariantList items;
+    items.reserve(m_paths.size());
+    for (const QString &path : std::as_const(m_paths)) {
+        const QByteArray reference = FileReference::make(path);
+        if (reference.isEmpty()) {
+            systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(path));
+            continue;
+        }
+        items.append(reference);
+    }
+    QVariantList dates;
+    dates.reserve(m_dates.size());
+    for (const QDateTime &date : std::as_const(m_dates))
+        dates.append(date);
+    m_preferences.setValues({{Keys::Items, items}, {Keys::Dates, dates}, {Keys::TimersRunning, m_timersRunning}});
+}
+
+void Schedule::restoreItems()
+{
+    const bool datesAbsent = !m_preferences.contains(Keys::Dates);
+    Q_EMIT aboutToReset();
+    if (!datesAbsent) {
+        for (const QVariant &element : asList(m_preferences.value(Keys::Dates))) {
+            const QDateTime date = toDate(element);
+            m_dates.append(date.isValid() ? date : now());
+        }
+    }
+    if (m_preferences.contains(Keys::TimersRunning))
+        m_timersRunning = Preferences::toBool(m_preferences.value(Keys::TimersRunning));
+
+    for (const QVariant &element : asList(m_preferences.value(Keys::Items))) {
+        const QByteArray reference = element.typeId() == QMetaType::QString ? element.toString().toUtf8() : element.toByteArray();
+        if (reference.isEmpty())
+            continue;
+        const auto path = FileReference::resolve(reference);
+        if (!path) {
+            systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
+            continue;
+        }
+        m_paths.append(*path);
+        if (datesAbsent)
+            m_dates.append(now());
+        m_timers.append(TimerSlot());
+    }
+    Q_EMIT reset();
+    Q_EMIT reloadTable();
+    if (m_timersRunning)
+        startTimers(true);
+}
+
+TimerSlot Schedule::armTimer(const QString &path, qint64 fireMSecs)
+{
+    return m_queue->schedule(path, fireMSecs);
+}
+
+void Schedule::showStopped()
+{
+    m_timersRunning = false;
+    Q_EMIT runningStateChanged(false);
+    Q_EMIT reloadTable();
+}
+
+void Schedule::showRunning()
+{
+    m_timersRunning = true;
+    Q_EMIT runningStateChanged(true);
+    Q_EMIT reloadTable();
+}
+
+void Schedule::startTimers(bool quiet)
+{
+    m_timersRemaining = 0;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    for (qsizetype i = 0; i < m_timers.size(); ++i) {
+        if (i >= m_dates.size())
+            continue;
+        const double interval = double(m_dates.at(i).toMSecsSinceEpoch() - nowMSecs) / 1000.0;
+        if (interval > 0.0) {
+            m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
+            ++m_timersRemaining;
+        } else {
+            m_timers[i] = TimerSlot();
+        }
+    }
+    if (m_timersRemaining < 1) {
+        showStopped();
+        if (!quiet)
+            Q_EMIT alertRequested(Texts::NoItemsScheduled, Texts::NoItemsScheduledInfo);
+        return;
+    }
+    showRunning();
+}
+
+void Schedule::invalidateTimers(bool keepSlots)
+{
+    for (TimerSlot &slot : m_timers) {
+        if (!slot)
+            continue;
+        slot->invalidate();
+        if (!keepSlots)
+            slot = TimerSlot();
+    }
+    showStopped();
+}
+
+void Schedule::restartTimers()
+{
+    invalidateTimers(false);
+    startTimers(true);
+}
+
+void Schedule::startStopButtonClicked()
+{
+    if (!m_timersRunning) {
+        invalidateTimers(true);
+        startTimers(false);
+    } else {
+        invalidateTimers(false);
+    }
+}
+
+void Schedule::launch(const TimerSlot &timer)
+{
+    if (m_launchItem)
+        m_launchItem(timer->path());
+
+    const int repeat = m_preferences.intValue(Keys::RepeatSeconds);
+    if (repeat == 0) {
+        --m_timersRemaining;
+    } else {
+        // 32-bit unsigned on purpose: a negative count or a huge product wraps as the stored type does.
+        const quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
+        const qint64 next = timer->fireMSecs() + qint64(period) * 1000;
+        const qint64 nowMSecs = m_clock.nowMSecs();
+        // A late item fires again at once, and from then on its series counts from the present.
+        const qint64 fireAt = next - nowMSecs > 0 ? next : nowMSecs;
+        const qsizetype k = m_timers.indexOf(timer);
+        if (k < 0) {
+            systemLog(QStringLiteral("A repeating item fired after its row was removed; it is not re-armed."));
+        } else {
+            m_timers[k] = armTimer(timer->path(), fireAt);
+            if (k < m_dates.size())
+                m_dates[k] = QDateTime::fromMSecsSinceEpoch(next);
+            scheduleWakeUp();
+        }
+    }
+    timer->invalidate();
+    Q_EMIT reloadTable();
+
+    if (m_timersRemaining == 0) {
+        m_timersRunning = false;
+        invalidateTimers(true);
+        showStopped();
+        if (m_preferences.boolValue(Keys::QuitWhenDone))
+            Q_EMIT quitRequested();
+    }
+}
+
+void Schedule::scheduleWakeUp()
+{
+    if (m_timers.isEmpty() || !m_power)
+        return;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    std::optional<qint64> earliest;
+    for (const TimerSlot &slot : std::as_const(m_timers)) {
+        if (slot && slot->isValid() && slot->fireMSecs() > nowMSecs && (!earliest || slot->fireMSecs() < *earliest))
+            earliest = slot->fireMSecs();
+    }
+    if (earliest)
+        m_power->schedulePowerWake(QDateTime::fromMSecsSinceEpoch(*earliest), WakeLeadSeconds);
+}
+
+void Schedule::afterWake()
+{
+    if (m_timersRunning)
+        restartTimers();
+}
+
+} // namespace Quillon

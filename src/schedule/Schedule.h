@@ -1,0 +1,116 @@
+#pragma once
+
+#include "ItemTimer.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+#include <functional>
+
+namespace Quillon {
+
+class Preferences;
+class PowerService;
+class TimerQueue;
+class WallClock;
+
+// The schedule: three parallel lists (path, launch date, timer slot per row), the running flag
+// and the timers that open items. The one owner of this state; everything else holds a reference.
+class Schedule final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(Schedule)
+public:
+    using Launcher = std::function<void(const QString &path)>;
+
+    Schedule(Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
+    ~Schedule() override;
+
+    void setLauncher(Launcher launcher) { m_launchItem = std::move(launcher); }
+    void setPowerService(PowerService *power) { m_power = power; }
+
+    const QStringList &paths() const { return m_paths; }
+    const QList<QDateTime> &dates() const { return m_dates; }
+    const QList<TimerSlot> &timers() const { return m_timers; }
+    int count() const { return int(m_paths.size()); }
+    bool timersRunning() const { return m_timersRunning; }
+    int timersRemaining() const { return m_timersRemaining; }
+    QDateTime now() const;
+    WallClock &clock() const { return m_clock; }
+
+    void createArrays();
+    void addPath(const QString &path, int index);
+    void appendPaths(const QStringList &paths);
+    // A block inserted at index in the order given; what addPath does one by one, without the cost.
+    void insertPaths(int index, const QStringList &paths);
+    void removeRows(QList<int> rows);
+    void removeAll();
+    void moveRow(int from, int to);
+    void setDate(const QList<int> &rows, const QDateTime &date);
+
+    void saveItems();
+    void restoreItems();
+
+    void startTimers(bool quiet);
+    void invalidateTimers(bool keepSlots);
+    void restartTimers();
+    void launch(const TimerSlot &timer);
+    void startStopButtonClicked();
+    void scheduleWakeUp();
+    // The machine came back from sleep.
+    void afterWake();
+
+Q_SIGNALS:
+    // Row changes, for the table model.
+    void rowsAboutToBeInserted(int first, int last);
+    void rowsInserted();
+    void rowsAboutToBeRemoved(int first, int last);
+    void rowsRemoved();
+    void rowAboutToBeMoved(int from, int to);
+    void rowMoved();
+    void aboutToReset();
+    void reset();
+    // Every cell may show something else now.
+    void reloadTable();
+    void runningStateChanged(bool running);
+    void alertRequested(const QString &message, const QString &informative);
+    void quitRequested();
+
+private:
+    void showStopped();
+    void showRunning();
+    TimerSlot armTimer(const QString &path, qint64 fireMSecs);
+
+    Preferences &m_preferences;
+    WallClock &m_clock;
+    TimerQueue *m_queue = nullptr;
+    PowerService *m_power = nullptr;
+    Launcher m_launchItem;
+
+    QStringList m_paths;
+    QList<QDateTime> m_dates;
+    QList<TimerSlot> m_timers;
+    bool m_timersRunning = false;
+    qint32 m_timersRemaining = 0;
+};
+
+// Moves one element from s to t, shifting those between; out-of-range or equal indexes do nothing.
+template<typename List>
+void moveElement(List &list, qsizetype s, qsizetype t)
+{
+    if (s == t || s < 0 || t < 0 || s >= list.size() || t >= list.size())
+        return;
+    auto element = list.at(s);
+    if (s < t) {
+        for (qsizetype i = s + 1; i <= t; ++i)
+            list[i - 1] = list.at(i);
+    } else {
+        for (qsizetype i = s - 1; i >= t; --i)
+            list[i + 1] = list.at(i);
+    }
+    list[t] = element;
+}
+
+} // namespace Quillon

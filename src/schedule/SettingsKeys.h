@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QLatin1StringView>
+
+// Every key of the settings file, in one place.
+namespace Quillon::Keys {
+inline constexpr QLatin1StringView Items("Items");
+inline constexpr QLatin1StringView Dates("Dates");
+inline constexpr QLatin1StringView TimersRunning("TimersRunning");
+inline constexpr QLatin1StringView RememberItems("rememberItems");
+inline constexpr QLatin1StringView AddFolderFiles("addFolderFiles");
+inline constexpr QLatin1StringView AddFolderFilesRecursively("addFolderFilesRecursively");
+inline constexpr QLatin1StringView RepeatSeconds("repeatSeconds");
+inline constexpr QLatin1StringView TimeUnit("timeUnit");
+inline constexpr QLatin1StringView QuitWhenDone("quitWhenDone");
+inline constexpr QLatin1StringView SendEmail("sendEmail");
+inline constexpr QLatin1StringView EmailScriptResults("emailAppleScriptResults");
+inline constexpr QLatin1StringView RecipientEmail("recipientEmail");
+inline constexpr QLatin1StringView RecipientName("recipientName");
+inline constexpr QLatin1StringView ServerAddress("serverAddress");
+inline constexpr QLatin1StringView ServerPort("serverPort");
+inline constexpr QLatin1StringView SelectedAuthentication("selectedAuthentication");
+inline constexpr QLatin1StringView UseSSL("useSSL");
+inline constexpr QLatin1StringView LoginUsername("loginUsername");
+inline constexpr QLatin1StringView LoginPassword("loginPassword");
+// The window's own state, not part of the schedule.
+inline constexpr QLatin1StringView WindowGeometry("window/geometry");
+inline constexpr QLatin1StringView TableHeader("window/tableHeader");
+} // namespace Quillon::Keys

@@ -1,0 +1,109 @@
+#include "TimerQueue.h"
+
+#include "WallClock.h"
+
+#include <algorithm>
+
+namespace Quillon {
+
+void ItemTimer::invalidate()
+{
+    if (!m_valid)
+        return;
+    m_valid = false;
+    if (m_queue)
+        m_queue->timerInvalidated();
+}
+
+TimerQueue::TimerQueue(WallClock &clock, QObject *parent)
+    : QObject(parent)
+    , m_clock(clock)
+{
+    connect(&m_clock, &WallClock::expired, this, [this] {
+        m_aimed = false;
+        onExpired();
+    });
+    connect(&m_clock, &WallClock::clockChanged, this, [this] { reaim(true); });
+}
+
+bool TimerQueue::later(const Entry &a, const Entry &b)
+{
+    // Equal deadlines keep the order in which they were armed.
+    return a.deadline != b.deadline ? a.deadline > b.deadline : a.sequence > b.sequence;
+}
+
+TimerSlot TimerQueue::schedule(const QString &path, qint64 fireMSecs)
+{
+    auto timer = std::make_shared<ItemTimer>(this, path, fireMSecs);
+    m_heap.push_back({fireMSecs, m_sequence++, timer});
+    std::push_heap(m_heap.begin(), m_heap.end(), later);
+    ++m_live;
+    reaim();
+    return timer;
+}
+
+void TimerQueue::timerInvalidated()
+{
+    --m_live;
+    // Cancelled timers leave their entries behind; sweep them before they outnumber the live ones.
+    if (m_heap.size() > size_t(2 * m_live + 1024))
+        compact();
+}
+
+void TimerQueue::compact()
+{
+    std::erase_if(m_heap, [](const Entry &e) {
+        const auto t = e.timer.lock();
+        return !t || !t->isValid();
+    });
+    std::make_heap(m_heap.begin(), m_heap.end(), later);
+}
+
+void TimerQueue::dropDeadEntriesAtTop()
+{
+    while (!m_heap.empty()) {
+        const auto t = m_heap.front().timer.lock();
+        if (t && t->isValid())
+            return;
+        std::pop_heap(m_heap.begin(), m_heap.end(), later);
+        m_heap.pop_back();
+    }
+}
+
+void TimerQueue::reaim(bool force)
+{
+    dropDeadEntriesAtTop();
+    if (m_heap.empty()) {
+        if (m_aimed)
+            m_clock.disarm();
+        m_aimed = false;
+        return;
+    }
+    const qint64 earliest = m_heap.front().deadline;
+    if (force || !m_aimed || earliest != m_aimedAt) {
+        m_aimed = true;
+        m_aimedAt = earliest;
+        m_clock.aimAt(earliest);
+    }
+}
+
+void TimerQueue::onExpired()
+{
+    const qint64 now = m_clock.nowMSecs();
+    std::vector<TimerSlot> due;
+    while (!m_heap.empty() && m_heap.front().deadline <= now) {
+        auto t = m_heap.front().timer.lock();
+        std::pop_heap(m_heap.begin(), m_heap.end(), later);
+        m_heap.pop_back();
+        if (t && t->isValid())
+            due.push_back(std::move(t));
+    }
+    reaim();
+    for (const TimerSlot &t : due) {
+        // An earlier firing in this batch may have stopped the schedule.
+        if (t->isValid() && m_onFire)
+            m_onFire(t);
+    }
+}
+
+} // namespace Quillon

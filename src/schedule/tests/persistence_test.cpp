@@ -1,0 +1,255 @@
+#include "FakeClock.h"
+#include "FileReference.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "SettingsKeys.h"
+#include "TestSettings.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Quillon;
+
+namespace {
+const qint64 Now = 1'800'000'000'000;
+QDateTime at(qint64 offsetSecs)
+{
+    return QDateTime::fromMSecsSinceEpoch(Now + offsetSecs * 1000);
+}
+} // namespace
+
+class PersistenceTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_settings = std::make_unique<TestSettings>();
+        m_prefs = std::make_unique<Preferences>();
+    }
+    void init()
+    {
+        QFile::remove(m_settings->file());
+        m_prefs->synchronize();
+        m_files = std::make_unique<QTemporaryDir>();
+    }
+
+    void firstStartIsEmptyAndStopped()
+    {
+        auto s = makeSchedule();
+        s->restoreItems();
+        QCOMPARE(s->count(), 0);
+        QVERIFY(!s->timersRunning());
+    }
+
+    void roundTripKeepsOrderDatesAndRunningFlag()
+    {
+        const QStringList paths = {file("a.txt"), file("b.txt"), file("c.txt")};
+        {
+            auto s = makeSchedule();
+            for (int i = 0; i < paths.size(); ++i)
+                s->addPath(paths[i], i);
+            s->setDate({0}, at(100));
+            s->setDate({1}, at(200));
+            s->setDate({2}, at(-300));
+            s->startTimers(true);
+            QVERIFY(s->timersRunning());
+            s->saveItems();
+        }
+        auto s = makeSchedule();
+        s->restoreItems();
+        QCOMPARE(s->paths(), paths);
+        QCOMPARE(s->dates(), (QList<QDateTime>{at(100), at(200), at(-300)}));
+        QVERIFY(s->timersRunning());
+        QCOMPARE(s->timersRemaining(), 2);
+    }
+
+    void filesFoundAfterRenameOrMove_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::newRow("renamed in its folder") << "docs/report.txt" << "docs/final report.txt";
+        QTest::newRow("moved to a sibling folder") << "docs/report.txt" << "archive/report.txt";
+        QTest::newRow("moved and renamed, old folder gone") << "old/deep/report.txt" << "new/place/r.txt";
+        QTest::newRow("moved into a subfolder") << "report.txt" << "a/b/c/report.txt";
+    }
+    void filesFoundAfterRenameOrMove()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        const QString before = file(from);
+        const QByteArray ref = FileReference::make(before);
+        QVERIFY(!ref.isEmpty());
+        const QString after = m_files->filePath(to);
+        QDir().mkpath(QFileInfo(after).absolutePath());
+        QVERIFY(QFile::rename(before, after));
+        if (from.startsWith(QLatin1String("old/")))
+            QVERIFY(QDir(m_files->filePath(QStringLiteral("old"))).removeRecursively());
+        QCOMPARE(FileReference::resolve(ref), std::optional<QString>(after));
+    }
+
+    void referenceEdgeCases()
+    {
+        // An editor's atomic save puts a new file at the same path.
+        const QString path = file("edited.txt");
+        const QByteArray ref = FileReference::make(path);
+        QVERIFY(QFile::remove(path));
+        file("edited.txt");
+        QCOMPARE(FileReference::resolve(ref), std::optional<QString>(path));
+        // Gone for good.
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(FileReference::resolve(ref), std::nullopt);
+        // Plain paths, as a hand-written list holds them.
+        const QString plain = file("plain.txt");
+        QCOMPARE(FileReference::resolve(plain.toUtf8()), std::optional<QString>(plain));
+        QCOMPARE(FileReference::resolve("relative/path"), std::nullopt);
+        QCOMPARE(FileReference::resolve(QByteArray("QUILLON-REF\x01garbage")), std::nullopt);
+        // Longer than the 1023 bytes a saved path may have.
+        QString longPath = m_files->path();
+        while (longPath.toUtf8().size() <= 1023)
+            longPath += QStringLiteral("/") + QString(200, QLatin1Char('d'));
+        QCOMPARE(FileReference::make(longPath), QByteArray());
+        QCOMPARE(FileReference::make(m_files->filePath(QStringLiteral("missing"))), QByteArray());
+    }
+
+    void deletedMiddleFileShiftsLaterDates()
+    {
+        const QStringList paths = {file("1"), file("2"), file("3")};
+        auto s = makeSchedule();
+        s->appendPaths(paths);
+        s->setDate({0}, at(10));
+        s->setDate({1}, at(20));
+        s->setDate({2}, at(30));
+        QVERIFY(QFile::remove(paths[1]));
+        s->saveItems();
+
+        auto restored = makeSchedule();
+        restored->restoreItems();
+        QCOMPARE(restored->paths(), (QStringList{paths[0], paths[2]}));
+        // "Dates" was written whole, so item 3 now carries item 2's date and one date is spare.
+        QCOMPARE(restored->dates(), (QList<QDateTime>{at(10), at(20), at(30)}));
+    }
+
+    void datesKey_data()
+    {
+        QTest::addColumn<QByteArray>("datesLine");
+        QTest::addColumn<int>("expectedDates");
+        QTest::addColumn<bool>("datesAreNow");
+        QTest::newRow("absent: every item gets now") << QByteArray() << 2 << true;
+        QTest::newRow("present but empty: no dates at all") << QByteArray("Dates=@Invalid()\n") << 0 << false;
+        QTest::newRow("not a list: no dates") << QByteArray("Dates=12\n") << 0 << false;
+        QTest::newRow("non-date elements become now") << QByteArray("Dates=x, 7\n") << 2 << true;
+        QTest::newRow("ISO text is a date") << QByteArray("Dates=2027-01-15T07:00:00Z, 2027-01-16T07:00:00Z\n") << 2 << false;
+    }
+    void datesKey()
+    {
+        QFETCH(QByteArray, datesLine);
+        QFETCH(int, expectedDates);
+        QFETCH(bool, datesAreNow);
+        const QByteArray items = "Items=" + file("x").toUtf8() + ", " + file("y").toUtf8() + "\n";
+        m_settings->writeRaw("[General]\n" + items + datesLine);
+        m_prefs->synchronize();
+        auto s = makeSchedule();
+        s->restoreItems();
+        QCOMPARE(s->count(), 2);
+        QCOMPARE(s->dates().size(), expectedDates);
+        for (const QDateTime &d : s->dates())
+            QCOMPARE(d == at(0), datesAreNow);
+        if (QByteArray(QTest::currentDataTag()).startsWith("ISO"))
+            QCOMPARE(s->dates().first(), QDateTime(QDate(2027, 1, 15), QTime(7, 0), Qt::UTC));
+    }
+
+    void wrongTypesDoNotCrash_data()
+    {
+        QTest::addColumn<QByteArray>("ini");
+        QTest::addColumn<int>("items");
+        QTest::addColumn<bool>("running");
+        QTest::newRow("Items a number") << QByteArray("Items=42\nTimersRunning=false\n") << 0 << false;
+        QTest::newRow("Items a single string") << QByteArray("Items=/etc/hostname\n") << 0 << false;
+        QTest::newRow("Items holds an empty entry") << QByteArray("Items=@ByteArray(), /etc/hostname\n") << 1 << false;
+        QTest::newRow("TimersRunning text true") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=true\n") << 2 << false;
+        QTest::newRow("TimersRunning a list") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=1, 2\n") << 2 << false;
+    }
+    void wrongTypesDoNotCrash()
+    {
+        QFETCH(QByteArray, ini);
+        QFETCH(int, items);
+        QFETCH(bool, running);
+        m_settings->writeRaw("[General]\n" + ini);
+        m_prefs->synchronize();
+        auto s = makeSchedule();
+        QSignalSpy alerts(s.get(), &Schedule::alertRequested);
+        s->restoreItems();
+        QCOMPARE(s->count(), items);
+        // Every restored date is now, so nothing can run, and a restore never alerts.
+        QCOMPARE(s->timersRunning(), running);
+        QCOMPARE(alerts.count(), 0);
+    }
+
+    void runningWithAllDatesPastRestoresStoppedWithoutAlert()
+    {
+        {
+            auto s = makeSchedule();
+            s->appendPaths({file("p")});
+            s->setDate({0}, at(60));
+            s->startTimers(true);
+            s->saveItems();
+        }
+        QCOMPARE(m_settings->read(QStringLiteral("TimersRunning")).toBool(), true);
+        m_clock.advance(3600 * 1000);
+        auto s = makeSchedule();
+        QSignalSpy alerts(s.get(), &Schedule::alertRequested);
+        QSignalSpy running(s.get(), &Schedule::runningStateChanged);
+        s->restoreItems();
+        QCOMPARE(s->count(), 1);
+        QVERIFY(!s->timersRunning());
+        QCOMPARE(alerts.count(), 0);
+        QVERIFY(!running.isEmpty());
+        QCOMPARE(running.last().first().toBool(), false);
+        QVERIFY(!s->timers().first());
+        m_clock.setClock(Now);
+    }
+
+    void handWrittenListGetsReferencesOnSave()
+    {
+        const QString a = file("hand a.txt");
+        const QString b = file("hand b.txt");
+        m_settings->writeRaw("[General]\nItems=@ByteArray(" + a.toUtf8() + "), @ByteArray(" + b.toUtf8() + ")\nTimersRunning=false\n");
+        m_prefs->synchronize();
+        auto s = makeSchedule();
+        s->restoreItems();
+        QCOMPARE(s->paths(), (QStringList{a, b}));
+        s->saveItems();
+        const QVariantList saved = m_settings->read(QStringLiteral("Items")).toList();
+        QCOMPARE(saved.size(), 2);
+        for (const QVariant &v : saved)
+            QVERIFY(v.toByteArray().startsWith("QUILLON-REF"));
+        QCOMPARE(FileReference::resolve(saved.at(1).toByteArray()), std::optional<QString>(b));
+    }
+
+private:
+    std::unique_ptr<Schedule> makeSchedule()
+    {
+        auto s = std::make_unique<Schedule>(*m_prefs, m_clock);
+        s->createArrays();
+        return s;
+    }
+    QString file(const QString &relative)
+    {
+        const QString path = m_files->filePath(relative);
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile f(path);
+        f.open(QIODevice::WriteOnly);
+        f.write("x");
+        return path;
+    }
+
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<Preferences> m_prefs;
+    std::unique_ptr<QTemporaryDir> m_files;
+    FakeClock m_clock{Now};
+};
+
+QTEST_GUILESS_MAIN(PersistenceTest)
+#include "persistence_test.moc"

@@ -1,0 +1,306 @@
+#include "FakeClock.h"
+#include "FakePowerService.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "SettingsKeys.h"
+#include "TestSettings.h"
+#include "TimerFdClock.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillon;
+
+namespace {
+const qint64 Now = 1'800'000'000'000;
+QDateTime at(double offsetSecs)
+{
+    return QDateTime::fromMSecsSinceEpoch(Now + qint64(offsetSecs * 1000));
+}
+int openDescriptors()
+{
+    return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size());
+}
+} // namespace
+
+class TimerEngineTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_settings = std::make_unique<TestSettings>();
+        m_prefs = std::make_unique<Preferences>();
+    }
+    void init()
+    {
+        QFile::remove(m_settings->file());
+        m_prefs->synchronize();
+        m_clock = std::make_unique<FakeClock>(Now);
+        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
+        m_schedule->createArrays();
+        m_launched.clear();
+        m_launchTimes.clear();
+        m_schedule->setLauncher([this](const QString &p) {
+            m_launched << p;
+            m_launchTimes << m_clock->nowMSecs();
+        });
+    }
+
+    void onlyStrictlyFutureDatesAreArmed()
+    {
+        add({{"now", 0}, {"past", -5}, {"soon", 0.001}, {"later", 60}});
+        m_schedule->startTimers(false);
+        QVERIFY(m_schedule->timersRunning());
+        QCOMPARE(m_schedule->timersRemaining(), 2);
+        QVERIFY(!m_schedule->timers()[0]);
+        QVERIFY(!m_schedule->timers()[1]);
+        QVERIFY(m_schedule->timers()[2] && m_schedule->timers()[2]->isValid());
+        QCOMPARE(m_schedule->timers()[3]->fireDate(), at(60));
+        QCOMPARE(m_schedule->timers()[3]->path(), QStringLiteral("later"));
+    }
+
+    void emptyScheduleAlertsOnlyFromTheButton_data()
+    {
+        QTest::addColumn<int>("how");
+        QTest::addColumn<int>("alerts");
+        QTest::newRow("button") << 0 << 1;
+        QTest::newRow("quiet start (restore)") << 1 << 0;
+        QTest::newRow("restart (date change, wake)") << 2 << 0;
+    }
+    void emptyScheduleAlertsOnlyFromTheButton()
+    {
+        QFETCH(int, how);
+        QFETCH(int, alerts);
+        add({{"past", -1}});
+        QSignalSpy spy(m_schedule.get(), &Schedule::alertRequested);
+        if (how == 0)
+            m_schedule->startStopButtonClicked();
+        else if (how == 1)
+            m_schedule->startTimers(true);
+        else
+            m_schedule->restartTimers();
+        QCOMPARE(spy.count(), alerts);
+        if (alerts) {
+            QCOMPARE(spy.first().at(0).toString(), QStringLiteral("No items were scheduled to run."));
+            QCOMPARE(spy.first().at(1).toString(), QStringLiteral("Make sure that at least one item has a scheduled run time in the future."));
+        }
+        QVERIFY(!m_schedule->timersRunning());
+    }
+
+    void itemsFireInDateOrderNeverEarlyAndTheLastStops()
+    {
+        add({{"c", 30}, {"a", 10}, {"b", 20}});
+        QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(9999);
+        QVERIFY(m_launched.isEmpty());
+        m_clock->advance(1);
+        QCOMPARE(m_launched, QStringList{"a"});
+        QVERIFY(!m_schedule->timers()[1]->isValid()); // fired, kept in its slot
+        m_clock->advance(10'000);
+        m_clock->advance(10'000);
+        QCOMPARE(m_launched, (QStringList{"a", "b", "c"}));
+        QCOMPARE(m_launchTimes, (QList<qint64>{Now + 10'000, Now + 20'000, Now + 30'000}));
+        QVERIFY(!m_schedule->timersRunning());
+        QCOMPARE(quit.count(), 0);
+    }
+
+    void quitWhenDoneQuitsAfterTheLastItem()
+    {
+        m_prefs->setValue(Keys::QuitWhenDone, true);
+        add({{"a", 1}, {"b", 2}, {"c", 3}});
+        QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(2000);
+        QCOMPARE(quit.count(), 0);
+        m_clock->advance(1000);
+        QCOMPARE(m_launched.size(), 3);
+        QCOMPARE(quit.count(), 1);
+    }
+
+    void stopAndStartAgain()
+    {
+        add({{"a", 10}, {"b", 100}});
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(10'000);
+        QCOMPARE(m_launched, QStringList{"a"});
+        m_schedule->startStopButtonClicked(); // stop
+        QVERIFY(!m_schedule->timersRunning());
+        QVERIFY(!m_schedule->timers()[0] && !m_schedule->timers()[1]);
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(10), at(100)}));
+        m_clock->advance(200'000);
+        QCOMPARE(m_launched.size(), 1); // stopped timers never fire
+        m_schedule->setDate({1}, at(300));
+        m_schedule->startStopButtonClicked();
+        QCOMPARE(m_schedule->timersRemaining(), 1); // "a" is past and not armed again
+        m_clock->advance(100'000);
+        QCOMPARE(m_launched, (QStringList{"a", "b"}));
+    }
+
+    void repeatPeriod_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<qint64>("periodSecs");
+        QTest::newRow("2 hours") << 2 << 2 << qint64(7200);
+        QTest::newRow("unit 0 is seconds") << 5 << 0 << qint64(5);
+        QTest::newRow("unknown unit 7 is seconds") << 5 << 7 << qint64(5);
+        QTest::newRow("3 minutes") << 3 << 1 << qint64(180);
+        QTest::newRow("1 day") << 1 << 3 << qint64(86400);
+        QTest::newRow("negative count wraps") << -1 << 0 << qint64(4294967295);
+        QTest::newRow("product wraps at 2^32") << 50000 << 3 << qint64(25032704);
+    }
+    void repeatPeriod()
+    {
+        QFETCH(int, count);
+        QFETCH(int, unit);
+        QFETCH(qint64, periodSecs);
+        m_prefs->setValue(Keys::RepeatSeconds, count);
+        m_prefs->setValue(Keys::TimeUnit, unit);
+        add({{"r", 10}});
+        m_schedule->startStopButtonClicked();
+        // Fire a little late: the next date counts from the scheduled date, not the firing.
+        m_clock->advance(10'250);
+        QCOMPARE(m_launched.size(), 1);
+        QCOMPARE(m_schedule->dates()[0], at(10 + double(periodSecs)));
+        QVERIFY(m_schedule->timers()[0]->isValid());
+        QCOMPARE(m_schedule->timers()[0]->fireDate(), at(10 + double(periodSecs)));
+        QCOMPARE(m_schedule->timersRemaining(), 1);
+        QVERIFY(m_schedule->timersRunning());
+    }
+
+    void lateRepeatingItemOpensAtMostTwice()
+    {
+        m_prefs->setValue(Keys::RepeatSeconds, 60);
+        add({{"r", 10}});
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(10'000 + 3600'000); // an hour late: sixty periods missed
+        QCOMPARE(m_launched.size(), 1);
+        QTRY_COMPARE(m_launched.size(), 2); // once more, at once
+        QTest::qWait(20);
+        QCOMPARE(m_launched.size(), 2);
+        // Anchored to the present from now on.
+        QCOMPARE(m_schedule->timers()[0]->fireMSecs(), m_launchTimes[1] + 60'000);
+        m_clock->advance(60'000);
+        QCOMPARE(m_launched.size(), 3);
+    }
+
+    void clockJumpPastDeadlineFires()
+    {
+        add({{"far", 50.0 * 86400}});
+        m_schedule->startStopButtonClicked();
+        QTest::qWait(10);
+        QVERIFY(m_launched.isEmpty());
+        m_clock->setClock(Now + qint64(51) * 86400 * 1000);
+        QTRY_COMPARE(m_launched, QStringList{"far"});
+    }
+
+    void clockSetBackDelaysFiring()
+    {
+        add({{"a", 60}});
+        m_schedule->startStopButtonClicked();
+        m_clock->setClock(Now - 3600'000);
+        m_clock->advance(60'000 + 1000);
+        QVERIFY(m_launched.isEmpty());
+        m_clock->advance(3600'000);
+        QCOMPARE(m_launched, QStringList{"a"});
+    }
+
+    void resumeDropsItemsDueDuringSleepAndKeepsTheRest()
+    {
+        add({{"during", 100}, {"after", 1000}});
+        m_schedule->startStopButtonClicked();
+        m_clock->suspend(500'000);
+        QTest::qWait(10);
+        QVERIFY(m_launched.isEmpty());
+        QVERIFY(!m_schedule->timers()[0]);
+        QVERIFY(m_schedule->timersRunning());
+        QCOMPARE(m_schedule->timersRemaining(), 1);
+        m_clock->advance(500'000);
+        QCOMPARE(m_launched, QStringList{"after"});
+    }
+
+    void wakeWhileStoppedDoesNothing()
+    {
+        add({{"a", 100}});
+        QSignalSpy running(m_schedule.get(), &Schedule::runningStateChanged);
+        m_clock->suspend(10'000);
+        QCOMPARE(running.count(), 0);
+        QVERIFY(!m_schedule->timers()[0]);
+    }
+
+    void repeatAsksForAWakeBeforeTheEarliestItem()
+    {
+        FakePowerService power;
+        m_schedule->setPowerService(&power);
+        m_prefs->setValue(Keys::RepeatSeconds, 1);
+        m_prefs->setValue(Keys::TimeUnit, 2);
+        add({{"a", 10}, {"b", 1800}});
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(10'000);
+        QCOMPARE(power.wakes, QList<QDateTime>{at(1800 - 15)});
+    }
+
+    void realClockArmsFarDatesAndFiresNearOnesOnTime()
+    {
+        TimerFdClock real;
+        Schedule schedule(*m_prefs, real);
+        QList<qint64> firedAt;
+        schedule.setLauncher([&](const QString &) { firedAt << real.nowMSecs(); });
+        const qint64 now = real.nowMSecs();
+        schedule.appendPaths({QStringLiteral("far"), QStringLiteral("near")});
+        schedule.setDate({0}, QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000));
+        const qint64 nearDate = now + 300;
+        schedule.setDate({1}, QDateTime::fromMSecsSinceEpoch(nearDate));
+        schedule.startStopButtonClicked();
+        QCOMPARE(schedule.timersRemaining(), 2);
+        QTRY_COMPARE(firedAt.size(), 1);
+        QVERIFY2(firedAt[0] >= nearDate, "fired early");
+        QTest::qWait(200);
+        QCOMPARE(firedAt.size(), 1);
+        QVERIFY(schedule.timers()[0]->isValid());
+        QVERIFY(schedule.timersRunning());
+    }
+
+    void manyItemsShareOneKernelTimer()
+    {
+        TimerFdClock real;
+        Schedule schedule(*m_prefs, real);
+        const int before = openDescriptors();
+        QStringList paths;
+        for (int i = 0; i < 100'000; ++i)
+            paths << QStringLiteral("/item/%1").arg(i);
+        schedule.appendPaths(paths);
+        const qint64 now = real.nowMSecs();
+        for (int i = 0; i < 100'000; i += 1000) {
+            QList<int> rows;
+            for (int j = i; j < i + 1000; ++j)
+                rows << j;
+            schedule.setDate(rows, QDateTime::fromMSecsSinceEpoch(now + 3600'000 + i));
+        }
+        schedule.startTimers(true);
+        QCOMPARE(schedule.timersRemaining(), 100'000);
+        QCOMPARE(openDescriptors(), before);
+    }
+
+private:
+    void add(const QList<std::pair<const char *, double>> &items)
+    {
+        for (const auto &[name, offset] : items) {
+            m_schedule->addPath(QString::fromLatin1(name), m_schedule->count());
+            m_schedule->setDate({m_schedule->count() - 1}, at(offset));
+        }
+    }
+
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<Preferences> m_prefs;
+    std::unique_ptr<FakeClock> m_clock;
+    std::unique_ptr<Schedule> m_schedule;
+    QStringList m_launched;
+    QList<qint64> m_launchTimes;
+};
+
+QTEST_GUILESS_MAIN(TimerEngineTest)
+#include "timer_engine_test.moc"

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QFileDialog>
+
+namespace Quillon {
+
+// Qt's file dialog chooses files or folders, never both at once; this one takes any mix.
+class FileAndFolderChooser final : public QFileDialog
+{
+    Q_OBJECT
+public:
+    explicit FileAndFolderChooser(QWidget *parent = nullptr);
+    QStringList chosenPaths() const { return m_chosen; }
+
+public Q_SLOTS:
+    void accept() override;
+
+private:
+    QStringList m_chosen;
+};
+
+} // namespace Quillon

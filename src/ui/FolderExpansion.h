@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+namespace Quillon {
+
+// How a dropped folder turns into items, with the file manager's idea of packages and hidden files.
+class FolderExpansion final
+{
+public:
+    // A folder the user browses into: not a package. Packages (an ".app" folder, or an AppDir
+    // holding an executable AppRun) are shown as one file.
+    static bool isPlainFolder(const QString &path);
+    static bool isPackage(const QString &path);
+    // A name starting with a dot, or listed in its folder's ".hidden" file.
+    bool isInvisible(const QString &path);
+
+    // What a drop of this folder adds, in the order the folder gives its entries.
+    QStringList expand(const QString &folder, bool recursive);
+
+private:
+    const QSet<QString> &hiddenNamesIn(const QString &folder);
+    QHash<QString, QSet<QString>> m_hiddenFiles;
+};
+
+} // namespace Quillon

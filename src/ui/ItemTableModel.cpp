@@ -1,0 +1,259 @@
+#include "ItemTableModel.h"
+
+#include "Countdown.h"
+#include "FolderExpansion.h"
+#include "MediumDateFormat.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "StatusImages.h"
+#include "Texts.h"
+#include "WallClock.h"
+#include "Workspace.h"
+
+#include <QApplication>
+#include <QDataStream>
+#include <QGuiApplication>
+#include <QIODevice>
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Quillon {
+
+const QStringList ItemTableModel::Identifiers = {QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"),
+                                                 QStringLiteral("Launch Time"), QStringLiteral("Check")};
+
+ItemTableModel::ItemTableModel(Schedule &schedule, Workspace &workspace, Preferences &preferences, QObject *parent)
+    : QAbstractTableModel(parent)
+    , m_schedule(schedule)
+    , m_workspace(workspace)
+    , m_preferences(preferences)
+    , m_titles{QString(), QStringLiteral("Name"), Texts::LocationTitle, QStringLiteral("Launch Time"), QString()}
+{
+    connectSchedule();
+}
+
+void ItemTableModel::connectSchedule()
+{
+    connect(&m_schedule, &Schedule::rowsAboutToBeInserted, this, [this](int first, int last) { beginInsertRows({}, first, last); });
+    connect(&m_schedule, &Schedule::rowsInserted, this, [this] { endInsertRows(); });
+    connect(&m_schedule, &Schedule::rowsAboutToBeRemoved, this, [this](int first, int last) { beginRemoveRows({}, first, last); });
+    connect(&m_schedule, &Schedule::rowsRemoved, this, [this] { endRemoveRows(); });
+    connect(&m_schedule, &Schedule::rowAboutToBeMoved, this, [this](int from, int to) {
+        // Qt names the row the moved one will stand before.
+        beginMoveRows({}, from, from, {}, from < to ? to + 1 : to);
+    });
+    connect(&m_schedule, &Schedule::rowMoved, this, [this] { endMoveRows(); });
+    connect(&m_schedule, &Schedule::aboutToReset, this, [this] { beginResetModel(); });
+    connect(&m_schedule, &Schedule::reset, this, [this] { endResetModel(); });
+    connect(&m_schedule, &Schedule::reloadTable, this, &ItemTableModel::reloadAll);
+}
+
+int ItemTableModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_schedule.count();
+}
+
+int ItemTableModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
+{
+    const QString &path = m_schedule.paths().at(row);
+    if (identifier == QLatin1String("Icon")) {
+        // A file inside a bundle shows the bundle's icon (the outermost one).
+        const qsizetype contents = path.indexOf(QLatin1String("/Contents/"), 0, Qt::CaseInsensitive);
+        return m_workspace.iconForFile(contents >= 0 ? path.left(contents) : path);
+    }
+    if (identifier == QLatin1String("Launch Time")) {
+        if (row >= m_schedule.dates().size())
+            return {};
+        return formatMediumDateTime(m_schedule.dates().at(row));
+    }
+    if (identifier == QLatin1String("Check")) {
+        const TimerSlot &slot = m_schedule.timers().at(row);
+        if (!slot)
+            return {};
+        if (!slot->isValid())
+            return imageNamed(QStringLiteral("Check.tiff"));
+        if (slot->fireMSecs() > m_schedule.clock().nowMSecs())
+            return imageNamed(QStringLiteral("Pending.tiff"));
+        return {};
+    }
+    if (identifier == QLatin1String("File")) {
+        if (!m_schedule.timersRunning())
+            return path;
+        const TimerSlot &slot = m_schedule.timers().at(row);
+        if (!slot || !slot->isValid())
+            return {};
+        return countdownText(double(slot->fireMSecs() - m_schedule.clock().nowMSecs()) / 1000.0);
+    }
+    if (identifier == QLatin1String("Name"))
+        return path.section(QLatin1Char('/'), -1);
+    return {};
+}
+
+QVariant ItemTableModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const int column = index.column();
+    const bool image = column == IconColumn || column == CheckColumn;
+    switch (role) {
+    case Qt::DisplayRole:
+        return image ? QVariant() : cellValue(Identifiers.at(column), index.row());
+    case Qt::DecorationRole:
+        return image ? cellValue(Identifiers.at(column), index.row()) : QVariant();
+    case Qt::ToolTipRole:
+        if (column == FileColumn || column == NameColumn)
+            return m_schedule.paths().at(index.row());
+        return {};
+    case Qt::AccessibleTextRole:
+        if (column == CheckColumn) {
+            const QVariant v = cellValue(Identifiers.at(column), index.row());
+            if (!v.isValid())
+                return QString();
+            const TimerSlot &slot = m_schedule.timers().at(index.row());
+            return slot && !slot->isValid() ? tr("Opened") : tr("Waiting");
+        }
+        if (column == IconColumn)
+            return m_schedule.paths().at(index.row()).section(QLatin1Char('/'), -1);
+        return cellValue(Identifiers.at(column), index.row());
+    default:
+        return {};
+    }
+}
+
+QVariant ItemTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    if (role == Qt::DisplayRole)
+        return m_titles.at(section);
+    if (role == Qt::AccessibleTextRole || role == Qt::ToolTipRole) {
+        if (section == IconColumn)
+            return tr("Icon");
+        if (section == CheckColumn)
+            return tr("Status");
+        return m_titles.at(section);
+    }
+    return {};
+}
+
+Qt::ItemFlags ItemTableModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled;
+}
+
+void ItemTableModel::setTableColumnName(const QString &title, const QString &identifier)
+{
+    const qsizetype column = Identifiers.indexOf(identifier);
+    if (column < 0)
+        return;
+    m_titles[column] = title;
+    Q_EMIT headerDataChanged(Qt::Horizontal, int(column), int(column));
+}
+
+void ItemTableModel::refreshCountdown()
+{
+    if (m_schedule.count() == 0)
+        return;
+    // One range per column: the view repaints only what it shows.
+    Q_EMIT dataChanged(index(0, FileColumn), index(m_schedule.count() - 1, FileColumn), {Qt::DisplayRole});
+    Q_EMIT dataChanged(index(0, CheckColumn), index(m_schedule.count() - 1, CheckColumn), {Qt::DecorationRole});
+}
+
+void ItemTableModel::reloadAll()
+{
+    if (m_schedule.count() == 0)
+        return;
+    Q_EMIT dataChanged(index(0, 0), index(m_schedule.count() - 1, ColumnCount - 1));
+}
+
+QStringList ItemTableModel::mimeTypes() const
+{
+    return {PrivateRowsType, QStringLiteral("text/uri-list")};
+}
+
+QMimeData *ItemTableModel::mimeData(const QModelIndexList &indexes) const
+{
+    // One index arrives per column of each dragged row.
+    QList<int> rows;
+    for (const QModelIndex &i : indexes)
+        rows << i.row();
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    QByteArray payload;
+    QDataStream out(&payload, QIODevice::WriteOnly);
+    out << rows;
+    auto *data = new QMimeData;
+    data->setData(PrivateRowsType, payload);
+    return data;
+}
+
+Qt::DropActions ItemTableModel::supportedDropActions() const
+{
+    return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+}
+
+Qt::DropActions ItemTableModel::supportedDragActions() const
+{
+    return Qt::MoveAction;
+}
+
+bool ItemTableModel::canDropMimeData(const QMimeData *, Qt::DropAction, int, int, const QModelIndex &parent) const
+{
+    // Items go between rows or after the last one, never onto a row.
+    return !parent.isValid();
+}
+
+bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column, const QModelIndex &parent)
+{
+    if (!data || !canDropMimeData(data, action, row, column, parent))
+        return false;
+    const int r = row < 0 || row > rowCount() ? rowCount() : row;
+    if (data->hasFormat(PrivateRowsType)) {
+        QList<int> rows;
+        QDataStream in(data->data(PrivateRowsType));
+        in >> rows;
+        if (in.status() == QDataStream::Ok && !rows.isEmpty()) {
+            // Only the first dragged row moves; a row dropped below itself lands just above the line.
+            const int s = *std::min_element(rows.begin(), rows.end());
+            m_schedule.moveRow(s, s < r ? r - 1 : r);
+        }
+        return true;
+    }
+    return dropFiles(data->urls(), r);
+}
+
+bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
+{
+    QStringList handled;
+    bool any = false;
+    FolderExpansion expansion;
+    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    for (const QUrl &url : urls) {
+        if (!url.isLocalFile())
+            continue;
+        QString path = url.toLocalFile();
+        if (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+            path.chop(1);
+        if (!FolderExpansion::isPlainFolder(path) || !m_preferences.addFolderFiles())
+            handled << path;
+        else
+            handled << expansion.expand(path, m_preferences.addFolderFilesRecursively());
+        any = true;
+    }
+    // Each item goes in at the drop row, so the last one handled ends up on top.
+    std::reverse(handled.begin(), handled.end());
+    m_schedule.insertPaths(r, handled);
+    QGuiApplication::restoreOverrideCursor();
+    return any;
+}
+
+} // namespace Quillon

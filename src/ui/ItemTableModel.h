@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QStringList>
+
+namespace Quillon {
+
+class Preferences;
+class Schedule;
+class Workspace;
+
+// The schedule as a table. Every cell is computed from the schedule when asked; nothing is cached.
+class ItemTableModel final : public QAbstractTableModel
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ItemTableModel)
+public:
+    enum Column { IconColumn, NameColumn, FileColumn, LaunchTimeColumn, CheckColumn, ColumnCount };
+    static const QStringList Identifiers;
+    static inline const QString PrivateRowsType = QStringLiteral("MyPrivateTableViewDataType");
+
+    ItemTableModel(Schedule &schedule, Workspace &workspace, Preferences &preferences, QObject *parent = nullptr);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    // The value of one cell by column identifier: an icon, a string, or nothing.
+    QVariant cellValue(const QString &identifier, int row) const;
+
+    void setTableColumnName(const QString &title, const QString &identifier);
+    // The countdown and status cells change with time; the rest only when the schedule changes.
+    void refreshCountdown();
+    void reloadAll();
+
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    Qt::DropActions supportedDropActions() const override;
+    Qt::DropActions supportedDragActions() const override;
+    bool canDropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column, const QModelIndex &parent) const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column, const QModelIndex &parent) override;
+
+private:
+    void connectSchedule();
+    bool dropFiles(const QList<QUrl> &urls, int row);
+
+    Schedule &m_schedule;
+    Workspace &m_workspace;
+    Preferences &m_preferences;
+    QStringList m_titles;
+};
+
+} // namespace Quillon

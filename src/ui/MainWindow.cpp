@@ -1,0 +1,347 @@
+#include "MainWindow.h"
+
+#include "DateWindow.h"
+#include "FileAndFolderChooser.h"
+#include "ItemTableModel.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "SettingsKeys.h"
+#include "Texts.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDateTimeEdit>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeySequence>
+#include <QLayout>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTableView>
+#include <QVBoxLayout>
+
+namespace Quillon {
+
+MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &workspace, QWidget *parent)
+    : QMainWindow(parent)
+    , m_schedule(schedule)
+    , m_preferences(preferences)
+    , m_workspace(workspace)
+{
+    setObjectName(QStringLiteral("fileListWindow"));
+    setWindowTitle(QStringLiteral("Quillon"));
+    m_model = new ItemTableModel(schedule, workspace, preferences, this);
+    m_dateWindow = new DateWindow(this);
+    buildTable();
+    buildControls();
+    buildMenus();
+    showRunningState(false);
+    restoreWindowState();
+}
+
+MainWindow::~MainWindow() = default;
+
+QWidget *MainWindow::calendarClockWindow() const
+{
+    return m_dateWindow;
+}
+
+void MainWindow::buildTable()
+{
+    m_fileTable = new QTableView(this);
+    m_fileTable->setObjectName(QStringLiteral("fileTable"));
+    m_fileTable->setAccessibleName(tr("Scheduled items"));
+    m_fileTable->setModel(m_model);
+    m_fileTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_fileTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_fileTable->setDragEnabled(true);
+    m_fileTable->setAcceptDrops(true);
+    m_fileTable->setDropIndicatorShown(true);
+    m_fileTable->setDragDropMode(QAbstractItemView::DragDrop);
+    m_fileTable->setDragDropOverwriteMode(false);
+    m_fileTable->setDefaultDropAction(Qt::MoveAction);
+    m_fileTable->setShowGrid(false);
+    m_fileTable->setAlternatingRowColors(true);
+    m_fileTable->setWordWrap(false);
+    m_fileTable->setTextElideMode(Qt::ElideMiddle);
+    m_fileTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_fileTable->verticalHeader()->hide();
+    // Fixed row heights let the view skip measuring rows it does not show.
+    m_fileTable->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_fileTable->verticalHeader()->setDefaultSectionSize(m_fileTable->fontMetrics().height() + 10);
+    m_fileTable->setIconSize(QSize(20, 20));
+    QHeaderView *header = m_fileTable->horizontalHeader();
+    header->setHighlightSections(false);
+    header->setSectionResizeMode(ItemTableModel::IconColumn, QHeaderView::Fixed);
+    header->setSectionResizeMode(ItemTableModel::CheckColumn, QHeaderView::Fixed);
+    header->resizeSection(ItemTableModel::IconColumn, 30);
+    header->resizeSection(ItemTableModel::CheckColumn, 30);
+    header->resizeSection(ItemTableModel::NameColumn, 180);
+    header->resizeSection(ItemTableModel::FileColumn, 300);
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Stretch);
+
+    connect(m_fileTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::tableViewSelectionDidChange);
+    connect(m_fileTable, &QTableView::doubleClicked, this, [this] { Q_EMIT doubleClicked(); });
+}
+
+void MainWindow::buildControls()
+{
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->addWidget(m_fileTable);
+    auto *buttons = new QHBoxLayout;
+    const auto button = [&](const QString &text, const QString &name, const QString &tip, auto slot) {
+        auto *b = new QPushButton(text, central);
+        b->setObjectName(name);
+        b->setToolTip(tip);
+        b->setAccessibleName(QString(text).remove(QLatin1Char('&')).remove(QStringLiteral("…")));
+        connect(b, &QPushButton::clicked, this, slot);
+        buttons->addWidget(b);
+        return b;
+    };
+    button(tr("&Add…"), QStringLiteral("browseButton"), tr("Add files and folders to the schedule."), &MainWindow::browseButtonClicked);
+    m_clearButton = button(tr("&Clear"), QStringLiteral("clearButton"), tr("Remove the selected items, or every item when none is selected."),
+                           &MainWindow::clearListButtonClicked);
+    buttons->addSpacing(12);
+    button(tr("Select All"), QStringLiteral("selectAllButton"), tr("Select every item."), &MainWindow::selectAllButtonClicked);
+    button(tr("Deselect All"), QStringLiteral("deselectAllButton"), tr("Select no item."), &MainWindow::deselectAllButtonClicked);
+    button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
+    buttons->addStretch(1);
+    button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
+           [this] { Q_EMIT launchAllNowRequested(); });
+    button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."), &MainWindow::dateTimeClicked);
+    m_progress = new QProgressBar(central);
+    m_progress->setObjectName(QStringLiteral("progress"));
+    m_progress->setAccessibleName(tr("Schedule running"));
+    m_progress->setTextVisible(false);
+    m_progress->setMaximumWidth(80);
+    m_progress->setMaximumHeight(m_fileTable->fontMetrics().height());
+    buttons->addWidget(m_progress);
+    m_stopStartButton = button(Texts::Start, QStringLiteral("stopStartButton"), Texts::StartToolTip, [this] { Q_EMIT startStopRequested(); });
+    m_stopStartButton->setDefault(true);
+    layout->addLayout(buttons);
+    setCentralWidget(central);
+}
+
+void MainWindow::buildMenus()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    QAction *add = file->addAction(tr("&Add Files and Folders…"), this, &MainWindow::browseButtonClicked);
+    add->setShortcut(QKeySequence::Open);
+    file->addAction(tr("&Launch All Now"), this, [this] { Q_EMIT launchAllNowRequested(); });
+    file->addSeparator();
+    QAction *quit = file->addAction(tr("&Quit"), this, [this] { Q_EMIT quitRequested(); });
+    quit->setShortcut(QKeySequence::Quit);
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    m_removeAction = edit->addAction(tr("&Remove Selected Items"), this, &MainWindow::removeSelectedRows);
+    m_removeAction->setShortcut(QKeySequence::Delete);
+    m_clearAction = edit->addAction(tr("&Clear List"), this, &MainWindow::clearListButtonClicked);
+    edit->addSeparator();
+    QAction *all = edit->addAction(tr("Select &All"), this, &MainWindow::selectAllButtonClicked);
+    all->setShortcut(QKeySequence::SelectAll);
+    QAction *none = edit->addAction(tr("&Deselect All"), this, &MainWindow::deselectAllButtonClicked);
+    none->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
+    edit->addAction(tr("&Invert Selection"), this, &MainWindow::invertSelectionsButtonClicked);
+    edit->addSeparator();
+    QAction *prefs = edit->addAction(tr("&Preferences…"), this, [this] { Q_EMIT preferencesRequested(); });
+    prefs->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    prefs->setMenuRole(QAction::PreferencesRole);
+
+    QMenu *schedule = menuBar()->addMenu(tr("&Schedule"));
+    m_startStopAction = schedule->addAction(tr("&Start"), this, [this] { Q_EMIT startStopRequested(); });
+    m_startStopAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    QAction *date = schedule->addAction(tr("&Date and Time…"), this, &MainWindow::dateTimeClicked);
+    date->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+
+    QMenu *help = menuBar()->addMenu(tr("&Help"));
+    QAction *helpAction = help->addAction(tr("Quillon &Help"), this, [this] { Q_EMIT helpRequested(); });
+    helpAction->setShortcut(QKeySequence::HelpContents);
+}
+
+void MainWindow::setTableColumnName(const QString &title, const QString &identifier)
+{
+    m_model->setTableColumnName(title, identifier);
+}
+
+void MainWindow::showRunningState(bool running)
+{
+    if (running) {
+        m_progress->setRange(0, 0);
+        setTableColumnName(Texts::TimeToLaunchTitle, QStringLiteral("File"));
+        m_stopStartButton->setText(Texts::Stop);
+        m_stopStartButton->setToolTip(Texts::StopToolTip);
+    } else {
+        m_progress->setRange(0, 1);
+        m_progress->setValue(0);
+        setTableColumnName(Texts::LocationTitle, QStringLiteral("File"));
+        m_stopStartButton->setText(Texts::Start);
+        m_stopStartButton->setToolTip(Texts::StartToolTip);
+    }
+    m_startStopAction->setText(running ? tr("&Stop") : tr("&Start"));
+    m_clearButton->setEnabled(!running);
+    m_clearAction->setEnabled(!running);
+    m_removeAction->setEnabled(!running);
+}
+
+int MainWindow::selectedRow() const
+{
+    // The row selected last, as the table reports it.
+    const QModelIndex current = m_fileTable->selectionModel()->currentIndex();
+    if (current.isValid() && m_fileTable->selectionModel()->isRowSelected(current.row(), {}))
+        return current.row();
+    const QList<int> rows = selectedRows();
+    return rows.isEmpty() ? -1 : rows.last();
+}
+
+QList<int> MainWindow::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : m_fileTable->selectionModel()->selectedRows())
+        rows << index.row();
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void MainWindow::setupDatePickerControl()
+{
+    QDateTime value = QDateTime::currentDateTime();
+    if (m_datePicker) {
+        if (m_datePicker->dateTime().isValid())
+            value = m_datePicker->dateTime();
+        delete m_datePicker;
+    }
+    QWidget *placeholder = m_dateWindow->datePickerPlaceHolder();
+    m_datePicker = new QDateTimeEdit(placeholder);
+    m_datePicker->setObjectName(QStringLiteral("datePicker"));
+    m_datePicker->setAccessibleName(tr("Launch date and time"));
+    m_datePicker->setCalendarPopup(false);
+    m_datePicker->setDisplayFormat(QStringLiteral("yyyy-MM-dd  HH:mm:ss  t"));
+    m_datePicker->setTimeSpec(Qt::LocalTime);
+    m_datePicker->setEnabled(true);
+    m_datePicker->setDateTime(value);
+    placeholder->layout()->addWidget(m_datePicker);
+    connect(m_datePicker, &QDateTimeEdit::dateTimeChanged, this, &MainWindow::datePickerAction);
+}
+
+void MainWindow::datePickerAction()
+{
+    const QList<int> rows = selectedRows();
+    if (rows.isEmpty() || !m_datePicker)
+        return;
+    m_schedule.setDate(rows, m_datePicker->dateTime());
+    if (m_schedule.timersRunning())
+        m_schedule.restartTimers();
+    m_model->reloadAll();
+}
+
+void MainWindow::dateTimeClicked()
+{
+    setupDatePickerControl();
+    m_dateWindow->show();
+    m_dateWindow->raise();
+    m_dateWindow->activateWindow();
+}
+
+void MainWindow::useClockAndCalendarClicked()
+{
+    setupDatePickerControl();
+}
+
+void MainWindow::browseButtonClicked()
+{
+    if (m_chooser)
+        return;
+    m_chooser = new FileAndFolderChooser(this);
+    m_chooser->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_chooser, &QDialog::accepted, this, [this] { addChosenPaths(m_chooser->chosenPaths()); });
+    m_chooser->open();
+}
+
+void MainWindow::addChosenPaths(const QStringList &paths)
+{
+    QStringList present;
+    for (const QString &p : paths) {
+        if (!p.isEmpty())
+            present << p;
+    }
+    m_schedule.appendPaths(present);
+}
+
+void MainWindow::clearListButtonClicked()
+{
+    const QList<int> rows = selectedRows();
+    if (rows.isEmpty())
+        m_schedule.removeAll();
+    else
+        m_schedule.removeRows(rows);
+}
+
+void MainWindow::removeSelectedRows()
+{
+    const QList<int> rows = selectedRows();
+    if (!rows.isEmpty())
+        m_schedule.removeRows(rows);
+}
+
+void MainWindow::selectAllButtonClicked()
+{
+    m_fileTable->selectAll();
+}
+
+void MainWindow::deselectAllButtonClicked()
+{
+    m_fileTable->clearSelection();
+}
+
+void MainWindow::invertSelectionsButtonClicked()
+{
+    QApplication::beep();
+}
+
+void MainWindow::tableViewSelectionDidChange()
+{
+    if (!m_datePicker)
+        return;
+    const int row = selectedRow();
+    if (row < 0) {
+        m_datePicker->setEnabled(false);
+        return;
+    }
+    m_datePicker->setEnabled(true);
+    if (row < m_schedule.dates().size()) {
+        // Showing a row's date is not picking one.
+        const QSignalBlocker quiet(m_datePicker);
+        m_datePicker->setDateTime(m_schedule.dates().at(row));
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    saveWindowState();
+    if (m_closeHides) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    showMinimized();
+}
+
+void MainWindow::saveWindowState()
+{
+    m_preferences.setValues({{Keys::WindowGeometry, saveGeometry()}, {Keys::TableHeader, m_fileTable->horizontalHeader()->saveState()}});
+}
+
+void MainWindow::restoreWindowState()
+{
+    if (!restoreGeometry(m_preferences.value(Keys::WindowGeometry).toByteArray()))
+        resize(860, 480);
+    m_fileTable->horizontalHeader()->restoreState(m_preferences.value(Keys::TableHeader).toByteArray());
+}
+
+} // namespace Quillon

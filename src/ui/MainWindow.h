@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+
+class QAction;
+class QDateTimeEdit;
+class QProgressBar;
+class QPushButton;
+class QTableView;
+
+namespace Quillon {
+
+class DateWindow;
+class FileAndFolderChooser;
+class ItemTableModel;
+class Preferences;
+class Schedule;
+class Workspace;
+
+// The list window: the schedule table and the controls that fill it, order it and run it.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainWindow)
+public:
+    MainWindow(Schedule &schedule, Preferences &preferences, Workspace &workspace, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    QTableView *fileTable() const { return m_fileTable; }
+    ItemTableModel *model() const { return m_model; }
+    QDateTimeEdit *datePicker() const { return m_datePicker; }
+    QWidget *calendarClockWindow() const;
+    QPushButton *stopStartButton() const { return m_stopStartButton; }
+    QPushButton *clearButton() const { return m_clearButton; }
+    QProgressBar *progress() const { return m_progress; }
+
+    void setTableColumnName(const QString &title, const QString &identifier);
+    void showRunningState(bool running);
+    int selectedRow() const;
+    QList<int> selectedRows() const;
+
+    void setupDatePickerControl();
+    void datePickerAction();
+    void dateTimeClicked();
+    void useClockAndCalendarClicked();
+    bool useClockAndCalendar() const { return false; }
+
+    void browseButtonClicked();
+    void addChosenPaths(const QStringList &paths);
+    void clearListButtonClicked();
+    void removeSelectedRows();
+    void selectAllButtonClicked();
+    void deselectAllButtonClicked();
+    void invertSelectionsButtonClicked();
+    void tableViewSelectionDidChange();
+
+    // When the desktop has no tray to bring the window back from, closing only minimises it.
+    void setCloseHides(bool hides) { m_closeHides = hides; }
+    void saveWindowState();
+
+Q_SIGNALS:
+    void launchAllNowRequested();
+    void startStopRequested();
+    void preferencesRequested();
+    void helpRequested();
+    void quitRequested();
+    void doubleClicked();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildTable();
+    void buildControls();
+    void buildMenus();
+    void restoreWindowState();
+
+    Schedule &m_schedule;
+    Preferences &m_preferences;
+    Workspace &m_workspace;
+    ItemTableModel *m_model = nullptr;
+    QTableView *m_fileTable = nullptr;
+    QPushButton *m_stopStartButton = nullptr;
+    QPushButton *m_clearButton = nullptr;
+    QProgressBar *m_progress = nullptr;
+    QAction *m_startStopAction = nullptr;
+    QAction *m_clearAction = nullptr;
+    QAction *m_removeAction = nullptr;
+    DateWindow *m_dateWindow = nullptr;
+    QDateTimeEdit *m_datePicker = nullptr;
+    QPointer<FileAndFolderChooser> m_chooser;
+    bool m_closeHides = true;
+};
+
+} // namespace Quillon

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QDateTime>
+#include <QLocale>
+#include <QString>
+
+namespace Quillon {
+
+// The locale's medium date and medium time ("Mar 1, 2026, 8:30:05 AM"); QLocale has no medium style.
+QString formatMediumDateTime(const QDateTime &dateTime, const QLocale &locale = QLocale());
+
+} // namespace Quillon

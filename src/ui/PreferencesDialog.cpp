@@ -1,0 +1,125 @@
+#include "PreferencesDialog.h"
+
+#include "Preferences.h"
+#include "SettingsKeys.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace Quillon {
+namespace {
+QCheckBox *boolControl(Preferences &prefs, QLatin1StringView key, const QString &text, bool checked, QWidget *parent)
+{
+    auto *box = new QCheckBox(text, parent);
+    box->setObjectName(QString(key));
+    box->setChecked(checked);
+    QObject::connect(box, &QCheckBox::toggled, parent, [&prefs, key](bool on) { prefs.setValue(key, on); });
+    return box;
+}
+
+QLineEdit *textControl(Preferences &prefs, QLatin1StringView key, QWidget *parent)
+{
+    auto *edit = new QLineEdit(prefs.stringValue(key), parent);
+    edit->setObjectName(QString(key));
+    QObject::connect(edit, &QLineEdit::editingFinished, parent, [&prefs, key, edit] {
+        if (prefs.stringValue(key) != edit->text() || !prefs.contains(key))
+            prefs.setValue(key, edit->text());
+    });
+    return edit;
+}
+
+QComboBox *choiceControl(Preferences &prefs, QLatin1StringView key, const QStringList &choices, QWidget *parent)
+{
+    auto *combo = new QComboBox(parent);
+    combo->setObjectName(QString(key));
+    combo->addItems(choices);
+    const int stored = prefs.intValue(key);
+    combo->setCurrentIndex(stored >= 0 && stored < choices.size() ? stored : 0);
+    QObject::connect(combo, &QComboBox::activated, parent, [&prefs, key](int index) { prefs.setValue(key, index); });
+    return combo;
+}
+} // namespace
+
+PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent)
+    : QDialog(parent)
+    , m_preferences(preferences)
+{
+    setObjectName(QStringLiteral("preferencesWindow"));
+    setWindowTitle(tr("Quillon Preferences"));
+    auto *tabs = new QTabWidget(this);
+    tabs->addTab(buildGeneralPage(), tr("General"));
+    tabs->addTab(buildMailPage(), tr("Mail"));
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(tabs);
+    layout->addWidget(buttons);
+}
+
+QWidget *PreferencesDialog::buildGeneralPage()
+{
+    auto *page = new QWidget(this);
+    auto *form = new QFormLayout(page);
+    Preferences &p = m_preferences;
+    form->addRow(boolControl(p, Keys::RememberItems, tr("Remember the list between sessions"), p.rememberItems(), page));
+    auto *folders = boolControl(p, Keys::AddFolderFiles, tr("A dropped folder adds the files inside it"), p.addFolderFiles(), page);
+    auto *recursive = boolControl(p, Keys::AddFolderFilesRecursively, tr("…and the files in its subfolders"), p.addFolderFilesRecursively(), page);
+    recursive->setEnabled(folders->isChecked());
+    connect(folders, &QCheckBox::toggled, recursive, &QWidget::setEnabled);
+    form->addRow(folders);
+    form->addRow(recursive);
+
+    auto *repeatRow = new QHBoxLayout;
+    auto *count = new QSpinBox(page);
+    count->setObjectName(QString(Keys::RepeatSeconds));
+    count->setRange(0, 1'000'000);
+    count->setSpecialValueText(tr("Never"));
+    count->setValue(p.intValue(Keys::RepeatSeconds));
+    count->setAccessibleName(tr("Repeat every"));
+    connect(count, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::RepeatSeconds, v); });
+    repeatRow->addWidget(count);
+    repeatRow->addWidget(choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page));
+    form->addRow(tr("Repeat every:"), repeatRow);
+    form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
+    return page;
+}
+
+QWidget *PreferencesDialog::buildMailPage()
+{
+    auto *page = new QWidget(this);
+    auto *form = new QFormLayout(page);
+    Preferences &p = m_preferences;
+    form->addRow(boolControl(p, Keys::SendEmail, tr("Send a message for each opened item"), p.boolValue(Keys::SendEmail), page));
+    form->addRow(boolControl(p, Keys::EmailScriptResults, tr("Send the result of each script"), p.boolValue(Keys::EmailScriptResults), page));
+    form->addRow(tr("Recipient address:"), textControl(p, Keys::RecipientEmail, page));
+    form->addRow(tr("Recipient name:"), textControl(p, Keys::RecipientName, page));
+    form->addRow(tr("Address:"), textControl(p, Keys::ServerAddress, page));
+    auto *port = new QSpinBox(page);
+    port->setObjectName(QString(Keys::ServerPort));
+    port->setRange(0, 65535);
+    port->setSpecialValueText(tr("Not set"));
+    port->setValue(p.intValue(Keys::ServerPort));
+    connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
+    form->addRow(tr("Port:"), port);
+    form->addRow(boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), page));
+    form->addRow(tr("Login:"), choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, page));
+    form->addRow(tr("Username:"), textControl(p, Keys::LoginUsername, page));
+    QLineEdit *password = textControl(p, Keys::LoginPassword, page);
+    password->setEchoMode(QLineEdit::Password);
+    form->addRow(tr("Password:"), password);
+    auto *test = new QPushButton(tr("Send Test Message"), page);
+    test->setObjectName(QStringLiteral("testEmailButton"));
+    connect(test, &QPushButton::clicked, this, &PreferencesDialog::testEmailRequested);
+    form->addRow(test);
+    return page;
+}
+
+} // namespace Quillon
