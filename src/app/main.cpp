@@ -16,6 +16,9 @@ int main(int argc, char *argv[])
     QApplication::setOrganizationName(QStringLiteral("Quillon"));
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     QApplication::setDesktopFileName(QStringLiteral("quillon"));
+    // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("alarm-symbolic"), QIcon::fromTheme(QStringLiteral("appointment-soon"))));
     // A running schedule lives on when the window is closed.
     QApplication::setQuitOnLastWindowClosed(false);

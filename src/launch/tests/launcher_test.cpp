@@ -1,0 +1,181 @@
+#include "FakeScriptRunner.h"
+#include "FakeWorkspace.h"
+#include "Launcher.h"
+#include "Log.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Quillon;
+
+using Mail = QPair<QString, QString>; // body, subject
+Q_DECLARE_METATYPE(std::optional<Quillon::ScriptDescriptor>)
+
+class LauncherTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        m_prefs = std::make_unique<Preferences>();
+        setLogSink([this](const QString &line) { m_log << line; });
+    }
+    void init()
+    {
+        m_prefs->setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
+        m_workspace = FakeWorkspace();
+        m_scripts = FakeScriptRunner();
+        m_mails.clear();
+        m_log.clear();
+        m_launcher = std::make_unique<Launcher>(*m_prefs, m_workspace, m_scripts, [this](const QString &b, const QString &s) { m_mails << Mail(b, s); });
+    }
+
+    void scriptOrDocument_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("script");
+        QTest::newRow("scpt") << "/s/report.scpt" << true;
+        QTest::newRow("applescript") << "/s/a.applescript" << true;
+        QTest::newRow("upper-case SCPT is a document") << "/s/report.SCPT" << false;
+        QTest::newRow("AppleScript is a document") << "/s/a.AppleScript" << false;
+        QTest::newRow("scptd is a document") << "/s/a.scptd" << false;
+        QTest::newRow("no extension") << "/s/README" << false;
+        QTest::newRow("dot in a folder name only") << "/s/x.scpt/run" << false;
+        QTest::newRow("application bundle") << "/Apps/Tool.app" << false;
+        QTest::newRow("two extensions, last counts") << "/s/a.scpt.txt" << false;
+    }
+    void scriptOrDocument()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, script);
+        m_launcher->launchItem(path);
+        QCOMPARE(m_scripts.ran, script ? QStringList{path} : QStringList{});
+        QCOMPARE(m_workspace.opened, script ? QStringList{} : QStringList{path});
+    }
+
+    void scriptResults_data()
+    {
+        QTest::addColumn<bool>("loaded");
+        QTest::addColumn<std::optional<ScriptDescriptor>>("result");
+        QTest::addColumn<bool>("mailResults");
+        QTest::addColumn<QList<Mail>>("mails");
+        const auto text = ScriptDescriptor::fromText(QStringLiteral("done"));
+        const auto list = ScriptDescriptor::fromList({ScriptDescriptor::fromText(QStringLiteral("a")), ScriptDescriptor::fromText(QStringLiteral("b"))});
+        ScriptDescriptor record;
+        record.type = ScriptDescriptor::Type::Record;
+        record.fields = {{QStringLiteral("k"), text}};
+        const QString subject = QStringLiteral("Quillon Script Result");
+        QTest::newRow("text, mailing on") << true << std::optional(text) << true << QList<Mail>{{"done", subject}};
+        QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail>{};
+        QTest::newRow("empty text is still text") << true << std::optional(ScriptDescriptor::fromText({})) << true << QList<Mail>{{"", subject}};
+        QTest::newRow("list of two: never text") << true << std::optional(list) << true << QList<Mail>{};
+        QTest::newRow("empty list") << true << std::optional(ScriptDescriptor::fromList({})) << true << QList<Mail>{};
+        QTest::newRow("record has no text") << true << std::optional(record) << true << QList<Mail>{};
+        QTest::newRow("failed while running") << true << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
+        QTest::newRow("could not load") << false << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
+    }
+    void scriptResults()
+    {
+        QFETCH(bool, loaded);
+        QFETCH(std::optional<ScriptDescriptor>, result);
+        QFETCH(bool, mailResults);
+        QFETCH(QList<Mail>, mails);
+        const QString path = QStringLiteral("/s/job.scpt");
+        m_scripts.outcomes[path] = {loaded, result};
+        // Launch notices are on, and must not matter for scripts.
+        m_prefs->setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
+        m_launcher->launchItem(path);
+        QCOMPARE(m_mails, mails);
+        QVERIFY(m_workspace.opened.isEmpty());
+        QVERIFY(m_log.isEmpty());
+    }
+
+    void scriptSettingIsReadFromTheFileAtEachRun()
+    {
+        const QString path = QStringLiteral("/s/job.scpt");
+        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x"))};
+        m_launcher->launchItem(path);
+        QVERIFY(m_mails.isEmpty());
+        // Another writer (the preferences window of another instance) turns it on.
+        QSettings other(m_prefs->fileName(), QSettings::IniFormat);
+        other.setValue(QStringLiteral("emailAppleScriptResults"), true);
+        other.sync();
+        m_launcher->launchItem(path);
+        QCOMPARE(m_mails.size(), 1);
+    }
+
+    void launchNotice_data()
+    {
+        QTest::addColumn<bool>("notices");
+        QTest::addColumn<bool>("opens");
+        QTest::newRow("on, opened") << true << true;
+        QTest::newRow("on, open failed: still announced") << true << false;
+        QTest::newRow("off") << false << true;
+        QTest::newRow("off, open failed") << false << false;
+    }
+    void launchNotice()
+    {
+        QFETCH(bool, notices);
+        QFETCH(bool, opens);
+        m_prefs->setValue(Keys::SendEmail, notices);
+        m_workspace.openSucceeds = opens;
+        const QString path = QStringLiteral("/home/me/Report 1.txt");
+        m_launcher->launchItem(path);
+        QCOMPARE(m_workspace.opened, QStringList{path});
+        if (notices) {
+            QCOMPARE(m_mails, (QList<Mail>{{path, QStringLiteral("Quillon launched path...")}}));
+            QVERIFY(m_log.isEmpty());
+        } else {
+            QVERIFY(m_mails.isEmpty());
+            QCOMPARE(m_log, QStringList{QStringLiteral("Email notifications are off.")});
+        }
+    }
+
+    void launchAllNowGoesTopToBottom()
+    {
+        const QStringList paths = {QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c")};
+        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r"))};
+        m_prefs->setValue(Keys::EmailScriptResults, true);
+        m_prefs->setValue(Keys::SendEmail, true);
+        m_launcher->launchAllNow(paths);
+        QCOMPARE(m_workspace.opened, (QStringList{"/a", "/c"}));
+        QCOMPARE(m_mails.size(), 3);
+        QCOMPARE(m_mails[0].first, QStringLiteral("/a"));
+        QCOMPARE(m_mails[1].first, QStringLiteral("r"));
+        QCOMPARE(m_mails[2].first, QStringLiteral("/c"));
+        m_launcher->launchAllNow({});
+        QCOMPARE(m_workspace.opened.size(), 2);
+    }
+
+    void doubleClickRevealsAndNeverOpens_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QStringList>("revealed");
+        QTest::newRow("no row") << -1 << QStringList{};
+        QTest::newRow("second row") << 1 << QStringList{"/b"};
+        QTest::newRow("past the end") << 2 << QStringList{};
+    }
+    void doubleClickRevealsAndNeverOpens()
+    {
+        QFETCH(int, row);
+        QFETCH(QStringList, revealed);
+        m_launcher->doubleAction(row, {QStringLiteral("/a"), QStringLiteral("/b")});
+        QCOMPARE(m_workspace.selected, revealed);
+        QVERIFY(m_workspace.opened.isEmpty());
+    }
+
+private:
+    QTemporaryDir m_config;
+    std::unique_ptr<Preferences> m_prefs;
+    FakeWorkspace m_workspace;
+    FakeScriptRunner m_scripts;
+    std::unique_ptr<Launcher> m_launcher;
+    QList<Mail> m_mails;
+    QStringList m_log;
+};
+
+QTEST_GUILESS_MAIN(LauncherTest)
+#include "launcher_test.moc"

@@ -1,0 +1,254 @@
+#include "FakeClock.h"
+#include "FakeWorkspace.h"
+#include "ItemTableModel.h"
+#include "MediumDateFormat.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "SettingsKeys.h"
+
+#include <QAbstractItemModelTester>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+using namespace Quillon;
+
+namespace {
+const qint64 Now = 1'800'000'000'000;
+void touch(const QString &path, bool executable = false)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.close();
+    if (executable)
+        f.setPermissions(f.permissions() | QFile::ExeOwner);
+}
+} // namespace
+
+class ItemTableModelTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        m_prefs = std::make_unique<Preferences>();
+    }
+    void init()
+    {
+        m_prefs->setValues({{Keys::AddFolderFiles, false}, {Keys::AddFolderFilesRecursively, false}});
+        m_clock = std::make_unique<FakeClock>(Now);
+        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
+        m_workspace = FakeWorkspace();
+        m_model = std::make_unique<ItemTableModel>(*m_schedule, m_workspace, *m_prefs);
+        m_tester = std::make_unique<QAbstractItemModelTester>(m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    }
+    void cleanup()
+    {
+        m_tester.reset();
+        m_model.reset();
+        m_schedule.reset();
+    }
+
+    void iconPath_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("iconPath");
+        QTest::newRow("plain file") << "/home/me/a.txt" << "/home/me/a.txt";
+        QTest::newRow("inside a bundle") << "/Applications/Tool.app/Contents/MacOS/Tool" << "/Applications/Tool.app";
+        QTest::newRow("case ignored") << "/Applications/Tool.app/contents/Resources/x.png" << "/Applications/Tool.app";
+        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x" << "/A.app";
+        QTest::newRow("starts with /Contents/") << "/Contents/x" << "";
+    }
+    void iconPath()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, iconPath);
+        m_schedule->addPath(path, 0);
+        m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
+        QCOMPARE(m_workspace.iconPaths.last(), iconPath);
+    }
+
+    void textCells()
+    {
+        m_schedule->addPath(QStringLiteral("/home/me/Documents/Report.txt"), 0);
+        QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), QStringLiteral("Report.txt"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("/home/me/Documents/Report.txt"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("Launch Time"), 0).toString(), formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(Now)));
+        QVERIFY(!m_model->cellValue(QStringLiteral("name"), 0).isValid());
+        QVERIFY(!m_model->cellValue(QStringLiteral("Other"), 0).isValid());
+    }
+
+    void mediumDateStyle_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("en_US") << "en_US" << "Mar 1, 2026, 8:30:05 AM";
+        QTest::newRow("de_DE") << "de_DE" << "01.03.2026, 08:30:05";
+        QTest::newRow("fr_FR") << "fr_FR" << "1 mars 2026, 08:30:05";
+    }
+    void mediumDateStyle()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, expected);
+        const QDateTime local(QDate(2026, 3, 1), QTime(8, 30, 5));
+        QString text = formatMediumDateTime(local, QLocale(locale));
+        text.replace(QChar(0x202F), QLatin1Char(' ')).replace(QChar(0xA0), QLatin1Char(' '));
+        QCOMPARE(text, expected);
+    }
+
+    void countdownAndStatusCells()
+    {
+        for (int i = 0; i < 4; ++i)
+            m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
+        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_schedule->setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+        m_schedule->setDate({2}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->startTimers(true);
+        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 3).isValid()); // placeholder
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("0 secs"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("1 hr 2 mins 5 secs "));
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 3).toString(), QString());
+        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Pending.tiff"));
+        m_clock->advance(400);
+        // Fired: a check mark, and no countdown.
+        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 0).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QString());
+        // Stopped with timers kept: paths again, check marks stay.
+        m_schedule->invalidateTimers(true);
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("/p1"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
+    }
+
+    void validTimerDueNowShowsNoImage()
+    {
+        m_schedule->addPath(QStringLiteral("/p"), 0);
+        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->startTimers(true);
+        m_clock->setClock(Now + 1000); // exactly the fire date, before the timer is served
+        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 0).isValid());
+    }
+
+    void movingRows_data()
+    {
+        QTest::addColumn<QList<int>>("dragged");
+        QTest::addColumn<int>("dropRow");
+        QTest::addColumn<QStringList>("order");
+        QTest::newRow("first to after the last") << QList<int>{0} << 3 << QStringList{"b", "c", "a"};
+        QTest::newRow("just below itself") << QList<int>{0} << 1 << QStringList{"a", "b", "c"};
+        QTest::newRow("last to the top") << QList<int>{2} << 0 << QStringList{"c", "a", "b"};
+        QTest::newRow("two rows: only the first moves") << QList<int>{1, 2} << 0 << QStringList{"b", "a", "c"};
+        QTest::newRow("onto its own place") << QList<int>{1} << 1 << QStringList{"a", "b", "c"};
+    }
+    void movingRows()
+    {
+        QFETCH(QList<int>, dragged);
+        QFETCH(int, dropRow);
+        QFETCH(QStringList, order);
+        m_schedule->appendPaths({"a", "b", "c"});
+        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        QModelIndexList indexes;
+        for (int row : dragged) {
+            for (int c = 0; c < ItemTableModel::ColumnCount; ++c)
+                indexes << m_model->index(row, c);
+        }
+        std::unique_ptr<QMimeData> data(m_model->mimeData(indexes));
+        QVERIFY(m_model->canDropMimeData(data.get(), Qt::MoveAction, dropRow, 0, {}));
+        QVERIFY(m_model->dropMimeData(data.get(), Qt::MoveAction, dropRow, 0, {}));
+        QCOMPARE(m_schedule->paths(), order);
+        // The date travels with its item.
+        QCOMPARE(m_schedule->dates().at(order.indexOf("a")), QDateTime::fromMSecsSinceEpoch(Now + 1000));
+    }
+
+    void filesDroppedAtARowLandInReverse()
+    {
+        m_schedule->appendPaths({"/old1", "/old2"});
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile("/A"), QUrl::fromLocalFile("/B"), QUrl::fromLocalFile("/C")});
+        QVERIFY(m_model->dropMimeData(&data, Qt::CopyAction, 1, 0, {}));
+        QCOMPARE(m_schedule->paths(), (QStringList{"/old1", "/C", "/B", "/A", "/old2"}));
+        QVERIFY(!m_schedule->timers().at(1));
+    }
+
+    void dropOntoARowIsRefused()
+    {
+        m_schedule->appendPaths({"/x"});
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile("/A")});
+        const QModelIndex onRow = m_model->index(0, 1);
+        QVERIFY(!m_model->canDropMimeData(&data, Qt::CopyAction, -1, -1, onRow));
+        QVERIFY(!m_model->dropMimeData(&data, Qt::CopyAction, -1, -1, onRow));
+        QCOMPARE(m_schedule->count(), 1);
+        QMimeData empty;
+        empty.setUrls({});
+        QVERIFY(!m_model->dropMimeData(&empty, Qt::CopyAction, 0, 0, {}));
+    }
+
+    void droppedFolders_data()
+    {
+        QTest::addColumn<bool>("folderFiles");
+        QTest::addColumn<bool>("recursive");
+        QTest::addColumn<QString>("dropped");
+        QTest::addColumn<QStringList>("items");
+        const QStringList top = {"f1.txt", "Tool.app", "AppDir"};
+        QTest::newRow("folder as itself") << false << false << "top" << QStringList{"top"};
+        QTest::newRow("recursive alone changes nothing") << false << true << "top" << QStringList{"top"};
+        QTest::newRow("top-level files and packages") << true << false << "top" << top;
+        QTest::newRow("every depth, inside packages and hidden folders too")
+            << true << true << "top"
+            << QStringList{"f1.txt", "Tool.app", "Tool.app/Contents/MacOS/Tool", "AppDir", "AppDir/AppRun", "sub/s1.txt", ".hid/v.txt"};
+        QTest::newRow("a package dropped is one item") << true << true << "top/Tool.app" << QStringList{"top/Tool.app"};
+        QTest::newRow("a hidden file dropped itself is taken") << true << true << "top/.dot" << QStringList{"top/.dot"};
+    }
+    void droppedFolders()
+    {
+        QFETCH(bool, folderFiles);
+        QFETCH(bool, recursive);
+        QFETCH(QString, dropped);
+        QFETCH(QStringList, items);
+        QTemporaryDir tree;
+        const QString topDir = tree.filePath(QStringLiteral("top"));
+        for (const char *f : {"f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner"})
+            touch(topDir + QLatin1Char('/') + QLatin1String(f));
+        touch(topDir + QStringLiteral("/AppDir/AppRun"), true);
+        QFile hidden(topDir + QStringLiteral("/.hidden"));
+        QVERIFY(hidden.open(QIODevice::WriteOnly));
+        hidden.write("listed.txt\n");
+        hidden.close();
+        m_prefs->setValues({{Keys::AddFolderFiles, folderFiles}, {Keys::AddFolderFilesRecursively, recursive}});
+
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(tree.filePath(dropped))});
+        QVERIFY(m_model->dropMimeData(&data, Qt::CopyAction, 0, 0, {}));
+        QStringList got;
+        const QString base = dropped == QLatin1String("top") && folderFiles ? topDir + QLatin1Char('/') : tree.path() + QLatin1Char('/');
+        for (const QString &p : m_schedule->paths())
+            got << p.mid(base.size());
+        got.sort();
+        items.sort();
+        QCOMPARE(got, items);
+    }
+
+private:
+    static qint64 statusIcon(const char *name);
+
+    QTemporaryDir m_config;
+    std::unique_ptr<Preferences> m_prefs;
+    std::unique_ptr<FakeClock> m_clock;
+    std::unique_ptr<Schedule> m_schedule;
+    FakeWorkspace m_workspace;
+    std::unique_ptr<ItemTableModel> m_model;
+    std::unique_ptr<QAbstractItemModelTester> m_tester;
+};
+
+#include "StatusImages.h"
+
+qint64 ItemTableModelTest::statusIcon(const char *name)
+{
+    return imageNamed(QString::fromLatin1(name)).cacheKey();
+}
+
+QTEST_MAIN(ItemTableModelTest)
+#include "item_table_model_test.moc"

@@ -1,0 +1,159 @@
+#include "FakeClock.h"
+#include "FakeWorkspace.h"
+#include "ItemTableModel.h"
+#include "MainWindow.h"
+#include "Preferences.h"
+#include "Schedule.h"
+
+#include <QDateTimeEdit>
+#include <QItemSelectionModel>
+#include <QPushButton>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Quillon;
+
+namespace {
+const qint64 Now = 1'800'000'000'000;
+QDateTime at(qint64 secs)
+{
+    return QDateTime::fromMSecsSinceEpoch(Now + secs * 1000);
+}
+} // namespace
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        m_prefs = std::make_unique<Preferences>();
+    }
+    void init()
+    {
+        m_clock = std::make_unique<FakeClock>(Now);
+        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
+        m_window = std::make_unique<MainWindow>(*m_schedule, *m_prefs, m_workspace);
+        connect(m_schedule.get(), &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
+        m_window->setupDatePickerControl();
+        m_schedule->appendPaths({"/a", "/b", "/c"});
+        m_schedule->setDate({0}, at(100));
+        m_schedule->setDate({1}, at(200));
+        m_schedule->setDate({2}, at(300));
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_schedule.reset();
+    }
+
+    void pickerFollowsTheSelection()
+    {
+        select({1});
+        QVERIFY(m_window->datePicker()->isEnabled());
+        QCOMPARE(m_window->datePicker()->dateTime(), at(200));
+        select({0, 2}, 2);
+        QCOMPARE(m_window->datePicker()->dateTime(), at(300));
+        // Showing a date must not write it to the other selected row.
+        QCOMPARE(m_schedule->dates().at(0), at(100));
+        m_window->deselectAllButtonClicked();
+        QVERIFY(!m_window->datePicker()->isEnabled());
+        QCOMPARE(m_window->datePicker()->dateTime(), at(300));
+    }
+
+    void pickedDateGoesToEverySelectedRow()
+    {
+        select({0, 2});
+        m_window->datePicker()->setDateTime(at(5000));
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(5000), at(200), at(5000)}));
+    }
+
+    void pickedDateWithoutSelectionChangesNothing()
+    {
+        m_window->datePicker()->setEnabled(true);
+        m_window->datePicker()->setDateTime(at(9000));
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(100), at(200), at(300)}));
+    }
+
+    void dateChangeRearmsARunningSchedule()
+    {
+        m_schedule->startTimers(true);
+        const TimerSlot before = m_schedule->timers().at(1);
+        select({1});
+        m_window->datePicker()->setDateTime(at(7000));
+        QVERIFY(m_schedule->timersRunning());
+        QVERIFY(m_schedule->timers().at(1) != before);
+        QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(7000));
+        QVERIFY(!before->isValid());
+    }
+
+    void rebuildingThePickerKeepsItsValueAndEnablesIt()
+    {
+        select({1});
+        m_window->deselectAllButtonClicked();
+        QVERIFY(!m_window->datePicker()->isEnabled());
+        m_window->useClockAndCalendarClicked();
+        QVERIFY(m_window->datePicker()->isEnabled());
+        QCOMPARE(m_window->datePicker()->dateTime(), at(200));
+        QVERIFY(!m_window->useClockAndCalendar());
+    }
+
+    void clearRemovesSelectionOrEverything()
+    {
+        select({0, 2});
+        m_window->clearListButtonClicked();
+        QCOMPARE(m_schedule->paths(), QStringList{"/b"});
+        QCOMPARE(m_schedule->dates(), QList<QDateTime>{at(200)});
+        m_window->deselectAllButtonClicked();
+        m_window->clearListButtonClicked();
+        QCOMPARE(m_schedule->count(), 0);
+        QCOMPARE(m_schedule->dates().size(), 0);
+    }
+
+    void selectionButtons()
+    {
+        m_window->selectAllButtonClicked();
+        QCOMPARE(m_window->selectedRows(), (QList<int>{0, 1, 2}));
+        m_window->deselectAllButtonClicked();
+        select({1});
+        m_window->invertSelectionsButtonClicked();
+        QCOMPARE(m_window->selectedRows(), QList<int>{1});
+    }
+
+    void runningStateShowsInTheControls()
+    {
+        m_schedule->startStopButtonClicked();
+        QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Stop"));
+        QCOMPARE(m_window->stopStartButton()->toolTip(), QStringLiteral("Cancel the schedule."));
+        QVERIFY(!m_window->clearButton()->isEnabled());
+        QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Time to Launch"));
+        m_schedule->startStopButtonClicked();
+        QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Start"));
+        QCOMPARE(m_window->stopStartButton()->toolTip(), QStringLiteral("Run the schedule."));
+        QVERIFY(m_window->clearButton()->isEnabled());
+        QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Location"));
+    }
+
+private:
+    void select(const QList<int> &rows, int current = -1)
+    {
+        QItemSelectionModel *sel = m_window->fileTable()->selectionModel();
+        sel->clearSelection();
+        for (int r : rows)
+            sel->select(m_window->model()->index(r, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        const int last = current >= 0 ? current : rows.last();
+        sel->setCurrentIndex(m_window->model()->index(last, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+
+    QTemporaryDir m_config;
+    std::unique_ptr<Preferences> m_prefs;
+    std::unique_ptr<FakeClock> m_clock;
+    FakeWorkspace m_workspace;
+    std::unique_ptr<Schedule> m_schedule;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+QTEST_MAIN(MainWindowTest)
+#include "main_window_test.moc"
