@@ -142,10 +142,14 @@ void QuillonController::doAlert(const QString &message, const std::optional<QStr
     if (informative)
         box->setInformativeText(*informative);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    // Never a nested event loop: timers go on firing while the alert is up.
-    box->setWindowModality(parentWindow ? Qt::WindowModal : Qt::ApplicationModal);
     m_alert = box;
-    box->open();
+    // Never a nested event loop: timers go on firing while the alert is up.
+    if (parentWindow) {
+        box->open();
+    } else {
+        box->setWindowModality(Qt::ApplicationModal);
+        box->show();
+    }
 }
 
 void QuillonController::openHelpURL()

@@ -1,0 +1,220 @@
+#include "FakeClock.h"
+#include "FakePowerService.h"
+#include "FakeScriptRunner.h"
+#include "FakeWorkspace.h"
+#include "ItemTableModel.h"
+#include "Log.h"
+#include "MainWindow.h"
+#include "QuillonController.h"
+#include "SettingsKeys.h"
+#include "StatusImages.h"
+
+#include <QDateTimeEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace Quillon;
+
+namespace {
+const qint64 Now = 1'800'000'000'000;
+}
+
+// The real window, driven offscreen through the controller, on fake desktop services.
+class ControllerTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        m_config = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+        m_clock = std::make_unique<FakeClock>(Now);
+        m_workspace = FakeWorkspace();
+        m_power = std::make_unique<FakePowerService>();
+    }
+    void cleanup() { m_controller.reset(); }
+
+    void addDateStartCountdownStop()
+    {
+        start();
+        MainWindow *window = m_controller->fileListWindow();
+        QVERIFY(window->isVisible());
+        QVERIFY(m_power->registered);
+        window->addChosenPaths({QStringLiteral("/docs/a.txt"), QStringLiteral("/docs/b.txt")});
+        QCOMPARE(window->model()->rowCount(), 2);
+
+        window->selectAllButtonClicked();
+        window->dateTimeClicked();
+        QVERIFY(window->calendarClockWindow()->isVisible());
+        window->datePicker()->setDateTime(QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+
+        QTest::mouseClick(window->stopStartButton(), Qt::LeftButton);
+        QCOMPARE(window->stopStartButton()->text(), QStringLiteral("Stop"));
+        const QModelIndex file = window->model()->index(0, ItemTableModel::FileColumn);
+        QCOMPARE(file.data().toString(), QStringLiteral("1 hr 2 mins 5 secs "));
+        QCOMPARE(window->model()->index(1, ItemTableModel::CheckColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(),
+                 imageNamed(QStringLiteral("Pending.tiff")).cacheKey());
+
+        // The display tick recomputes the countdown as time passes.
+        QSignalSpy changed(window->model(), &QAbstractItemModel::dataChanged);
+        m_clock->advance(5'000);
+        m_controller->handleUpdateDisplayTimer();
+        QVERIFY(!changed.isEmpty());
+        QCOMPARE(file.data().toString(), QStringLiteral("1 hr 2 mins "));
+
+        QTest::mouseClick(window->stopStartButton(), Qt::LeftButton);
+        QCOMPARE(window->stopStartButton()->text(), QStringLiteral("Start"));
+        QCOMPARE(file.data().toString(), QStringLiteral("/docs/a.txt"));
+        QCOMPARE(m_workspace.opened, QStringList{});
+    }
+
+    void displayTickDoesNothingWhileStopped()
+    {
+        start();
+        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/x")});
+        QSignalSpy changed(m_controller->fileListWindow()->model(), &QAbstractItemModel::dataChanged);
+        m_controller->handleUpdateDisplayTimer();
+        QCOMPARE(changed.count(), 0);
+        QVERIFY(m_controller->updateDisplayTimer()->isActive());
+        QCOMPARE(m_controller->updateDisplayTimer()->interval(), 500);
+    }
+
+    void emptyStartAlertsWithoutBlocking()
+    {
+        start();
+        QTest::mouseClick(m_controller->fileListWindow()->stopStartButton(), Qt::LeftButton);
+        // We got here: the alert did not run a nested loop.
+        QMessageBox *alert = m_controller->currentAlert();
+        QVERIFY(alert);
+        QVERIFY(alert->isVisible());
+        QCOMPARE(alert->text(), QStringLiteral("No items were scheduled to run."));
+        QCOMPARE(alert->windowModality(), Qt::WindowModal);
+        QCOMPARE(alert->buttons().size(), 1);
+        QCOMPARE(alert->icon(), QMessageBox::Warning);
+    }
+
+    void alertForms_data()
+    {
+        QTest::addColumn<bool>("withParent");
+        QTest::addColumn<int>("style");
+        QTest::addColumn<int>("icon");
+        QTest::newRow("sheet ignores the style") << true << 2 << int(QMessageBox::Warning);
+        QTest::newRow("free-standing informational") << false << 1 << int(QMessageBox::Information);
+        QTest::newRow("free-standing critical") << false << 2 << int(QMessageBox::Critical);
+    }
+    void alertForms()
+    {
+        QFETCH(bool, withParent);
+        QFETCH(int, style);
+        QFETCH(int, icon);
+        start();
+        m_controller->doAlert(QStringLiteral("m"), std::optional<QString>(QStringLiteral("100% %s done")),
+                              withParent ? m_controller->fileListWindow() : nullptr, style);
+        QMessageBox *alert = m_controller->currentAlert();
+        QCOMPARE(int(alert->icon()), icon);
+        QCOMPARE(alert->informativeText(), QStringLiteral("100% %s done"));
+        QCOMPARE(alert->windowModality(), withParent ? Qt::WindowModal : Qt::ApplicationModal);
+        alert->close();
+    }
+
+    void rememberedRunningListComesBackRunning()
+    {
+        QTemporaryDir files;
+        const QString item = files.filePath(QStringLiteral("item.txt"));
+        QFile(item).open(QIODevice::WriteOnly);
+        start();
+        m_controller->fileListWindow()->addChosenPaths({item});
+        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
+        m_controller->schedule().startStopButtonClicked();
+        m_controller->applicationWillTerminate();
+        m_controller.reset();
+
+        start();
+        QCOMPARE(m_controller->schedule().paths(), QStringList{item});
+        QVERIFY(m_controller->schedule().timersRunning());
+        QCOMPARE(m_controller->fileListWindow()->stopStartButton()->text(), QStringLiteral("Stop"));
+    }
+
+    void rememberItemsOffLeavesTheStoredListAlone()
+    {
+        QTemporaryDir files;
+        const QString item = files.filePath(QStringLiteral("kept.txt"));
+        QFile(item).open(QIODevice::WriteOnly);
+        start();
+        m_controller->fileListWindow()->addChosenPaths({item});
+        m_controller->applicationWillTerminate();
+        const QVariant savedItems = m_controller->preferences().value(Keys::Items);
+        m_controller->preferences().setValue(Keys::RememberItems, false);
+        m_controller.reset();
+
+        start();
+        QCOMPARE(m_controller->schedule().count(), 0);
+        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/other")});
+        m_controller->applicationWillTerminate();
+        m_controller->preferences().synchronize();
+        QCOMPARE(m_controller->preferences().value(Keys::Items), savedItems);
+    }
+
+    void launchAllNowChangesNothingElse()
+    {
+        start();
+        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/1"), QStringLiteral("/2"), QStringLiteral("/3")});
+        m_controller->schedule().setDate({0, 1, 2}, QDateTime::fromMSecsSinceEpoch(Now + 600'000));
+        m_controller->schedule().startStopButtonClicked();
+        const auto timers = m_controller->schedule().timers();
+        const auto dates = m_controller->schedule().dates();
+        m_controller->launchAllNow();
+        QCOMPARE(m_workspace.opened, (QStringList{"/1", "/2", "/3"}));
+        QCOMPARE(m_controller->schedule().timers(), timers);
+        QCOMPARE(m_controller->schedule().dates(), dates);
+        QCOMPARE(m_controller->schedule().timersRemaining(), 3);
+        for (const TimerSlot &t : timers)
+            QVERIFY(t->isValid());
+    }
+
+    void closingTheWindowKeepsTheAppAndSchedule()
+    {
+        start();
+        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/1")});
+        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_controller->schedule().startStopButtonClicked();
+        m_controller->fileListWindow()->close();
+        QVERIFY(m_controller->schedule().timersRunning());
+        m_clock->advance(1000);
+        QCOMPARE(m_workspace.opened, QStringList{"/1"});
+    }
+
+    void sleepAsksForAWakeBeforeTheEarliestItem()
+    {
+        start();
+        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/1"), QStringLiteral("/2")});
+        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 3600'000));
+        m_controller->schedule().setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 1800'000));
+        m_controller->schedule().startStopButtonClicked();
+        Q_EMIT m_power->willSleep();
+        QCOMPARE(m_power->wakes, QList<QDateTime>{QDateTime::fromMSecsSinceEpoch(Now + 1800'000 - 15'000)});
+    }
+
+private:
+    void start()
+    {
+        m_controller = std::make_unique<QuillonController>(Platform{*m_clock, *m_power, m_workspace, m_scripts});
+        m_controller->awakeFromNib();
+        m_controller->applicationWillFinishLaunching();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_config;
+    std::unique_ptr<FakeClock> m_clock;
+    std::unique_ptr<FakePowerService> m_power;
+    FakeWorkspace m_workspace;
+    FakeScriptRunner m_scripts;
+    std::unique_ptr<QuillonController> m_controller;
+};
+
+QTEST_MAIN(ControllerTest)
+#include "controller_test.moc"

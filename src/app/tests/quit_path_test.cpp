@@ -1,0 +1,63 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/stat.h>
+
+// The real program, ended the ways Linux ends programs: each must save the list.
+class QuitPathTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void signalsSaveTheList_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("SIGTERM") << int(SIGTERM);
+        QTest::newRow("SIGINT") << int(SIGINT);
+        QTest::newRow("SIGHUP") << int(SIGHUP);
+    }
+    void signalsSaveTheList()
+    {
+        QFETCH(int, signal);
+        QTemporaryDir home;
+        const QString item = home.filePath(QStringLiteral("report.txt"));
+        QFile(item).open(QIODevice::WriteOnly);
+        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        {
+            QFile f(conf);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("[General]\nItems=" + item.toUtf8() + ", " + item.toUtf8() + "\nTimersRunning=false\n");
+        }
+
+        QProcess app;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        app.setProcessEnvironment(env);
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(QStringLiteral(QUILLON_BINARY));
+        QVERIFY(app.waitForStarted());
+        QTest::qWait(1500);
+        ::kill(pid_t(app.processId()), signal);
+        QVERIFY(app.waitForFinished(10'000));
+        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(app.exitCode(), 0);
+
+        QSettings saved(conf, QSettings::IniFormat);
+        const QVariantList items = saved.value(QStringLiteral("Items")).toList();
+        QCOMPARE(items.size(), 2);
+        QVERIFY(items.first().toByteArray().startsWith("QUILLON-REF"));
+        QCOMPARE(saved.value(QStringLiteral("Dates")).toList().size(), 2);
+        struct stat st{};
+        QCOMPARE(::stat(QFile::encodeName(conf).constData(), &st), 0);
+        QCOMPARE(st.st_mode & 0777, 0600u);
+    }
+};
+
+QTEST_GUILESS_MAIN(QuitPathTest)
+#include "quit_path_test.moc"
