@@ -152,10 +152,22 @@ void Schedule::moveRow(int from, int to)
 
 void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
 {
+    // A mask, not a search per row: selecting every one of 100,000 rows must stay linear.
+    std::vector<bool> selected(size_t(m_dates.size()), false);
+    for (int row : rows) {
+        if (row >= 0 && row < m_dates.size())
+            selected[size_t(row)] = true;
+    }
     for (qsizetype i = 0; i < m_dates.size(); ++i) {
-        if (rows.contains(int(i)))
+        if (selected[size_t(i)])
             m_dates[i] = date;
     }
+}
+
+void Schedule::setDateAt(int row, const QDateTime &date)
+{
+    if (row >= 0 && row < m_dates.size())
+        m_dates[row] = date;
 }
 
 void Schedule::saveItems()

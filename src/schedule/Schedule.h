@@ -49,6 +49,7 @@ public:
     void removeAll();
     void moveRow(int from, int to);
     void setDate(const QList<int> &rows, const QDateTime &date);
+    void setDateAt(int row, const QDateTime &date);
 
     void saveItems();
     void restoreItems();

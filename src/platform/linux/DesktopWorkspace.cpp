@@ -42,6 +42,29 @@ bool launchDesktopFile(const QString &path)
     return true;
 }
 
+// The type from the name alone spares reading the file on the event loop; only a name that
+// says nothing certain (no extension, say) falls back to GIO's content sniffing.
+bool openLocalFile(const QString &path)
+{
+    gboolean uncertain = FALSE;
+    const QByteArray name = QFile::encodeName(path);
+    gchar *type = g_content_type_guess(name.constData(), nullptr, 0, &uncertain);
+    GAppInfo *app = uncertain ? nullptr : g_app_info_get_default_for_type(type, FALSE);
+    g_free(type);
+    const QByteArray uri = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).toUtf8();
+    if (!app) {
+        GError *error = nullptr;
+        if (!g_app_info_launch_default_for_uri(uri.constData(), nullptr, &error))
+            return logFailure(path, error);
+        return true;
+    }
+    GList uris{const_cast<char *>(uri.constData()), nullptr, nullptr};
+    GError *error = nullptr;
+    const bool ok = g_app_info_launch_uris(app, &uris, nullptr, &error);
+    g_object_unref(app);
+    return ok || logFailure(path, error);
+}
+
 bool openWithDefaultHandler(const QString &uri, const QString &what)
 {
     GError *error = nullptr;
@@ -88,7 +111,9 @@ bool DesktopWorkspace::openFile(const QString &path)
         }
         return true;
     }
-    return openWithDefaultHandler(QUrl::fromLocalFile(info.absoluteFilePath()).toString(QUrl::FullyEncoded), path);
+    if (info.isDir())
+        return openWithDefaultHandler(QUrl::fromLocalFile(info.absoluteFilePath()).toString(QUrl::FullyEncoded), path);
+    return openLocalFile(info.absoluteFilePath());
 }
 
 void DesktopWorkspace::selectFile(const QString &path)

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+inline qint64 realtimeNs()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_REALTIME, &ts);
+    return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
+}
+
+inline qint64 monotonicNs()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
+}
+
+inline qint64 cpuNs()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+    return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
+}
+
+// Prints median, 99th percentile and maximum of values given in nanoseconds, in milliseconds.
+inline void printSpread(const char *label, QList<qint64> values)
+{
+    if (values.isEmpty())
+        return;
+    std::sort(values.begin(), values.end());
+    const auto pick = [&](double q) { return values.at(std::min<qsizetype>(values.size() - 1, qsizetype(q * double(values.size())))); };
+    std::printf("%s: n=%lld median=%.3f ms p99=%.3f ms max=%.3f ms\n", label, (long long)values.size(), pick(0.5) / 1e6, pick(0.99) / 1e6,
+                values.last() / 1e6);
+}
