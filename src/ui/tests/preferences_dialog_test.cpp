@@ -1,0 +1,82 @@
+#include "Preferences.h"
+#include "PreferencesDialog.h"
+#include "SettingsKeys.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Quillon;
+
+// Each control writes its key at once, with the type the readers expect.
+class PreferencesDialogTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        m_prefs = std::make_unique<Preferences>();
+    }
+
+    void freshUserSeesTheAbsentKeyDefaults()
+    {
+        PreferencesDialog dialog(*m_prefs);
+        QVERIFY(control<QCheckBox>(dialog, Keys::RememberItems)->isChecked());
+        QVERIFY(!control<QCheckBox>(dialog, Keys::AddFolderFiles)->isChecked());
+        QVERIFY(!control<QCheckBox>(dialog, Keys::AddFolderFilesRecursively)->isEnabled());
+        QCOMPARE(control<QSpinBox>(dialog, Keys::RepeatSeconds)->value(), 0);
+        QCOMPARE(control<QComboBox>(dialog, Keys::SelectedAuthentication)->currentText(), QStringLiteral("None"));
+        QCOMPARE(control<QLineEdit>(dialog, Keys::LoginPassword)->echoMode(), QLineEdit::Password);
+    }
+
+    void controlsWriteTypedValues()
+    {
+        PreferencesDialog dialog(*m_prefs);
+        QSignalSpy test(&dialog, &PreferencesDialog::testEmailRequested);
+        control<QCheckBox>(dialog, Keys::RememberItems)->setChecked(false);
+        control<QCheckBox>(dialog, Keys::AddFolderFiles)->setChecked(true);
+        QVERIFY(control<QCheckBox>(dialog, Keys::AddFolderFilesRecursively)->isEnabled());
+        control<QSpinBox>(dialog, Keys::RepeatSeconds)->setValue(2);
+        control<QComboBox>(dialog, Keys::TimeUnit)->activated(2);
+        control<QComboBox>(dialog, Keys::SelectedAuthentication)->activated(3);
+        control<QSpinBox>(dialog, Keys::ServerPort)->setValue(587);
+        QLineEdit *password = control<QLineEdit>(dialog, Keys::LoginPassword);
+        password->setText(QStringLiteral("s3cret"));
+        Q_EMIT password->editingFinished();
+        QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
+
+        QSettings file(m_prefs->fileName(), QSettings::IniFormat);
+        QCOMPARE(file.value(QStringLiteral("rememberItems")).toString(), QStringLiteral("false"));
+        QCOMPARE(file.value(QStringLiteral("addFolderFiles")).toString(), QStringLiteral("true"));
+        QCOMPARE(file.value(QStringLiteral("repeatSeconds")).toInt(), 2);
+        QCOMPARE(file.value(QStringLiteral("timeUnit")).toInt(), 2);
+        QCOMPARE(file.value(QStringLiteral("selectedAuthentication")).toInt(), 3);
+        QCOMPARE(file.value(QStringLiteral("serverPort")).toInt(), 587);
+        QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
+        QCOMPARE(test.count(), 1);
+        QVERIFY(!m_prefs->rememberItems());
+    }
+
+private:
+    template<typename T>
+    static T *control(QWidget &dialog, QLatin1StringView key)
+    {
+        T *w = dialog.findChild<T *>(QString(key));
+        if (!w)
+            qFatal("no control for %s", key.data());
+        return w;
+    }
+
+    QTemporaryDir m_config;
+    std::unique_ptr<Preferences> m_prefs;
+};
+
+QTEST_MAIN(PreferencesDialogTest)
+#include "preferences_dialog_test.moc"
