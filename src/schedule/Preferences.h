@@ -3,6 +3,8 @@
 #include <QSettings>
 #include <QVariant>
 
+#include "SettingsKeys.h"
+
 namespace Quillon {
 
 // The user's settings and the saved schedule, in $XDG_CONFIG_HOME/Quillon/Quillon.conf.
@@ -28,8 +30,8 @@ public:
     QString fileName() const { return m_settings.fileName(); }
 
     bool rememberItems() const;
-    bool addFolderFiles() const { return boolValue(QLatin1StringView("addFolderFiles")); }
-    bool addFolderFilesRecursively() const { return boolValue(QLatin1StringView("addFolderFilesRecursively")); }
+    bool addFolderFiles() const { return boolValue(Keys::AddFolderFiles); }
+    bool addFolderFilesRecursively() const { return boolValue(Keys::AddFolderFilesRecursively); }
 
     // A stored boolean as the settings file may hold it: a real boolean, a number, or text.
     static bool toBool(const QVariant &value);

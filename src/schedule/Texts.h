@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QString>
 
 // Every text the user sees from the schedule, in one place for translators.

@@ -30,7 +30,6 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
     : QMainWindow(parent)
     , m_schedule(schedule)
     , m_preferences(preferences)
-    , m_workspace(workspace)
 {
     setObjectName(QStringLiteral("fileListWindow"));
     setWindowTitle(QStringLiteral("Quillon"));

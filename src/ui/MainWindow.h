@@ -78,7 +78,6 @@ private:
 
     Schedule &m_schedule;
     Preferences &m_preferences;
-    Workspace &m_workspace;
     ItemTableModel *m_model = nullptr;
     QTableView *m_fileTable = nullptr;
     QPushButton *m_stopStartButton = nullptr;

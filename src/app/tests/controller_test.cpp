@@ -8,6 +8,7 @@
 #include "QuillonController.h"
 #include "SettingsKeys.h"
 #include "StatusImages.h"
+#include "TestSupport.h"
 
 #include <QDateTimeEdit>
 #include <QMessageBox>
@@ -20,9 +21,7 @@
 
 using namespace Quillon;
 
-namespace {
-const qint64 Now = 1'800'000'000'000;
-}
+using Test::Now;
 
 // The real window, driven offscreen through the controller, on fake desktop services.
 class ControllerTest : public QObject

@@ -3,6 +3,7 @@
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "ShebangScriptRunner.h"
+#include "TestSupport.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,17 +15,6 @@
 using namespace Quillon;
 
 namespace {
-void writeFile(const QString &path, const QByteArray &text, bool executable = false)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(text);
-    f.close();
-    if (executable)
-        f.setPermissions(f.permissions() | QFile::ExeOwner | QFile::ExeUser);
-}
-
 QString readFile(const QString &path)
 {
     QFile f(path);
@@ -62,12 +52,12 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", data.toUtf8());
         qputenv("XDG_CONFIG_HOME", config.toUtf8());
         qputenv("XDG_DATA_DIRS", "/usr/share");
-        writeFile(m_home.filePath(QStringLiteral("bin/handler.sh")),
-                  "#!/bin/sh\necho \"handler $1\" >> '" + m_marker.toUtf8() + "'\n", true);
-        writeFile(data + QStringLiteral("/applications/quillon-test-handler.desktop"),
+        QVERIFY(Test::writeFile(m_home.filePath(QStringLiteral("bin/handler.sh")),
+                  "#!/bin/sh\necho \"handler $1\" >> '" + m_marker.toUtf8() + "'\n", true));
+        QVERIFY(Test::writeFile(data + QStringLiteral("/applications/quillon-test-handler.desktop"),
                   "[Desktop Entry]\nType=Application\nName=Test Handler\nMimeType=text/plain;\nExec=" +
-                      m_home.filePath(QStringLiteral("bin/handler.sh")).toUtf8() + " %f\n");
-        writeFile(config + QStringLiteral("/mimeapps.list"), "[Default Applications]\ntext/plain=quillon-test-handler.desktop\n");
+                      m_home.filePath(QStringLiteral("bin/handler.sh")).toUtf8() + " %f\n"));
+        QVERIFY(Test::writeFile(config + QStringLiteral("/mimeapps.list"), "[Default Applications]\ntext/plain=quillon-test-handler.desktop\n"));
         m_prefs = std::make_unique<Preferences>();
         m_prefs->setValue(Keys::EmailScriptResults, true);
         m_launcher = std::make_unique<Launcher>(*m_prefs, m_workspace, m_scripts, [this](const QString &body, const QString &) { m_results << body; });
@@ -81,7 +71,7 @@ private Q_SLOTS:
     void documentReachesItsDefaultHandler()
     {
         const QString doc = m_home.filePath(QStringLiteral("docs/My Notes.txt"));
-        writeFile(doc, "hello");
+        QVERIFY(Test::writeFile(doc, "hello"));
         m_launcher->launchItem(doc);
         QTRY_COMPARE(readFile(m_marker), QStringLiteral("handler %1\n").arg(doc));
     }
@@ -89,7 +79,7 @@ private Q_SLOTS:
     void desktopFileRunsItsExecLine()
     {
         const QString item = m_home.filePath(QStringLiteral("apps/tool.desktop"));
-        writeFile(item, "[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> " + m_marker.toUtf8() + "\"\n");
+        QVERIFY(Test::writeFile(item, "[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> " + m_marker.toUtf8() + "\"\n"));
         m_launcher->launchItem(item);
         QTRY_COMPARE(readFile(m_marker), QStringLiteral("desktop-ran\n"));
     }
@@ -97,7 +87,7 @@ private Q_SLOTS:
     void executableRunsInItsOwnFolder()
     {
         const QString exe = m_home.filePath(QStringLiteral("tools/job"));
-        writeFile(exe, "#!/bin/sh\npwd >> '" + m_marker.toUtf8() + "'\n", true);
+        QVERIFY(Test::writeFile(exe, "#!/bin/sh\npwd >> '" + m_marker.toUtf8() + "'\n", true));
         m_launcher->launchItem(exe);
         QTRY_COMPARE(readFile(m_marker), m_home.filePath(QStringLiteral("tools")) + QLatin1Char('\n'));
     }
@@ -120,7 +110,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, script);
         QFETCH(QStringList, results);
         const QString path = m_home.filePath(QStringLiteral("scripts/job.scpt"));
-        writeFile(path, script);
+        QVERIFY(Test::writeFile(path, script));
         m_launcher->launchItem(path);
         QCOMPARE(m_results, results);
         // A script is run, never handed to a text editor.
@@ -137,11 +127,11 @@ private Q_SLOTS:
     void noZombiesAreLeft()
     {
         const QString exe = m_home.filePath(QStringLiteral("tools/quick"));
-        writeFile(exe, "#!/bin/sh\necho done >> '" + m_marker.toUtf8() + "'\n", true);
+        QVERIFY(Test::writeFile(exe, "#!/bin/sh\necho done >> '" + m_marker.toUtf8() + "'\n", true));
         const QString item = m_home.filePath(QStringLiteral("apps/quick.desktop"));
-        writeFile(item, "[Desktop Entry]\nType=Application\nName=Quick\nExec=/bin/sh -c \"echo done >> " + m_marker.toUtf8() + "\"\n");
+        QVERIFY(Test::writeFile(item, "[Desktop Entry]\nType=Application\nName=Quick\nExec=/bin/sh -c \"echo done >> " + m_marker.toUtf8() + "\"\n"));
         const QString doc = m_home.filePath(QStringLiteral("docs/z.txt"));
-        writeFile(doc, "z");
+        QVERIFY(Test::writeFile(doc, "z"));
         for (int i = 0; i < 5; ++i)
             m_launcher->launchAllNow({exe, item, doc});
         QTRY_COMPARE(readFile(m_marker).count(QLatin1Char('\n')), 15);

@@ -3,7 +3,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
-#include "TestSettings.h"
+#include "TestSupport.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -11,13 +11,8 @@
 
 using namespace Quillon;
 
-namespace {
-const qint64 Now = 1'800'000'000'000;
-QDateTime at(qint64 offsetSecs)
-{
-    return QDateTime::fromMSecsSinceEpoch(Now + offsetSecs * 1000);
-}
-} // namespace
+using Test::at;
+using Test::Now;
 
 class PersistenceTest : public QObject
 {

@@ -1,6 +1,6 @@
 #include "Preferences.h"
 #include "SettingsKeys.h"
-#include "TestSettings.h"
+#include "TestSupport.h"
 
 #include <QTest>
 

@@ -3,7 +3,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
-#include "TestSettings.h"
+#include "TestSupport.h"
 #include "TimerFdClock.h"
 
 #include <QDir>
@@ -12,12 +12,10 @@
 
 using namespace Quillon;
 
+using Test::at;
+using Test::Now;
+
 namespace {
-const qint64 Now = 1'800'000'000'000;
-QDateTime at(double offsetSecs)
-{
-    return QDateTime::fromMSecsSinceEpoch(Now + qint64(offsetSecs * 1000));
-}
 int openDescriptors()
 {
     return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size());

@@ -5,6 +5,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
+#include "TestSupport.h"
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
@@ -14,18 +15,7 @@
 
 using namespace Quillon;
 
-namespace {
-const qint64 Now = 1'800'000'000'000;
-void touch(const QString &path, bool executable = false)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.close();
-    if (executable)
-        f.setPermissions(f.permissions() | QFile::ExeOwner);
-}
-} // namespace
+using Test::Now;
 
 class ItemTableModelTest : public QObject
 {
@@ -211,8 +201,8 @@ private Q_SLOTS:
         QTemporaryDir tree;
         const QString topDir = tree.filePath(QStringLiteral("top"));
         for (const char *f : {"f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner"})
-            touch(topDir + QLatin1Char('/') + QLatin1String(f));
-        touch(topDir + QStringLiteral("/AppDir/AppRun"), true);
+            QVERIFY(Test::writeFile(topDir + QLatin1Char('/') + QLatin1String(f)));
+        QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
         QFile hidden(topDir + QStringLiteral("/.hidden"));
         QVERIFY(hidden.open(QIODevice::WriteOnly));
         hidden.write("listed.txt\n");

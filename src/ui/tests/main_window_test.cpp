@@ -4,6 +4,7 @@
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "TestSupport.h"
 
 #include <QDateTimeEdit>
 #include <QItemSelectionModel>
@@ -14,13 +15,8 @@
 
 using namespace Quillon;
 
-namespace {
-const qint64 Now = 1'800'000'000'000;
-QDateTime at(qint64 secs)
-{
-    return QDateTime::fromMSecsSinceEpoch(Now + secs * 1000);
-}
-} // namespace
+using Test::at;
+using Test::Now;
 
 class MainWindowTest : public QObject
 {

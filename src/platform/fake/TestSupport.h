@@ -1,8 +1,32 @@
 #pragma once
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QTemporaryDir>
+
+// What the tests share: a fixed "now", dates relative to it, files on disk, a private settings file.
+namespace Quillon::Test {
+inline constexpr qint64 Now = 1'800'000'000'000;
+
+inline QDateTime at(double offsetSecs)
+{
+    return QDateTime::fromMSecsSinceEpoch(Now + qint64(offsetSecs * 1000));
+}
+
+inline bool writeFile(const QString &path, const QByteArray &text = {}, bool executable = false)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    f.write(text);
+    f.close();
+    return !executable || f.setPermissions(f.permissions() | QFile::ExeOwner | QFile::ExeUser);
+}
+} // namespace Quillon::Test
 
 // Points the settings file at a fresh folder; call before the first Preferences is made.
 class TestSettings
