@@ -11,7 +11,8 @@ class Workspace
 {
 public:
     virtual ~Workspace() = default;
-    // Open as a double click in the file manager would. False when it could not be started.
+    // Open as a double click in the file manager would, without waiting for the program to
+    // start. False when there is nothing to open; a program that fails to start is logged.
     virtual bool openFile(const QString &path) = 0;
     // Show the file selected in the file manager.
     virtual void selectFile(const QString &path) = 0;

@@ -1,5 +1,6 @@
 #include "DesktopWorkspace.h"
 #include "Launcher.h"
+#include "Log.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "ShebangScriptRunner.h"
@@ -9,6 +10,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <unistd.h>
 
@@ -66,7 +68,10 @@ private Q_SLOTS:
     {
         QFile::remove(m_marker);
         m_results.clear();
+        m_log.clear();
+        setLogSink([this](const QString &line) { m_log << line; });
     }
+    void cleanup() { setLogSink({}); }
 
     void documentReachesItsDefaultHandler()
     {
@@ -124,6 +129,41 @@ private Q_SLOTS:
         QVERIFY(m_results.isEmpty());
     }
 
+    // Starting happens off the event loop; a failure must still reach the log, and from the
+    // event loop's thread.
+    void failureToStartIsLogged_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<bool>("executable");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("missing file") << "gone.txt" << QByteArray() << false << false;
+        QTest::newRow("desktop file naming no program")
+            << "broken.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Broken\nExec=/no/such/program\n") << false << true;
+        QTest::newRow("not a desktop entry") << "junk.desktop" << QByteArray("just text\n") << false << true;
+        QTest::newRow("executable with a missing interpreter") << "job" << QByteArray("#!/no/such/interpreter\n") << true << true;
+    }
+    void failureToStartIsLogged()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, contents);
+        QFETCH(bool, executable);
+        QFETCH(bool, accepted);
+        const QString path = m_home.filePath(QStringLiteral("failing/") + name);
+        if (!contents.isEmpty())
+            QVERIFY(Test::writeFile(path, contents, executable));
+        const Qt::HANDLE eventLoopThread = QThread::currentThreadId();
+        Qt::HANDLE loggedFrom = nullptr;
+        setLogSink([&](const QString &line) {
+            m_log << line;
+            loggedFrom = QThread::currentThreadId();
+        });
+        QCOMPARE(m_workspace.openFile(path), accepted);
+        QTRY_COMPARE(m_log.size(), 1);
+        QVERIFY2(m_log.first().startsWith(QStringLiteral("Could not open %1").arg(path)), qPrintable(m_log.first()));
+        QCOMPARE(loggedFrom, eventLoopThread);
+    }
+
     void noZombiesAreLeft()
     {
         const QString exe = m_home.filePath(QStringLiteral("tools/quick"));
@@ -147,6 +187,7 @@ private:
     std::unique_ptr<Preferences> m_prefs;
     std::unique_ptr<Launcher> m_launcher;
     QStringList m_results;
+    QStringList m_log;
 };
 
 QTEST_GUILESS_MAIN(DesktopLaunchTest)

@@ -38,68 +38,66 @@ bool launchApp(GAppInfo *app, GList *uris, GError **error)
                                                      reapWhenDone, nullptr, error);
 }
 
-bool logFailure(const QString &path, GError *error)
+QByteArray uriOf(const QString &path)
 {
-    systemLog(QStringLiteral("Could not open %1: %2").arg(path, error ? QString::fromUtf8(error->message) : QStringLiteral("unknown error")));
+    return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).toUtf8();
+}
+
+QString failure(const QString &path, GError *error)
+{
+    const QString reason = error ? QString::fromUtf8(error->message) : QStringLiteral("unknown error");
     if (error)
         g_error_free(error);
-    return false;
+    return QStringLiteral("Could not open %1: %2").arg(path, reason);
 }
 
 // Started in its own folder, reaped by a child watch so it never lingers as a zombie.
-bool startProgram(const QFileInfo &info)
+QString startProgram(const QString &path, const QByteArray &program, const QByteArray &folder)
 {
-    const QByteArray program = QFile::encodeName(info.absoluteFilePath());
-    const QByteArray folder = QFile::encodeName(info.absolutePath());
     char *argv[] = {const_cast<char *>(program.constData()), nullptr};
     GPid pid = 0;
     GError *error = nullptr;
     if (!g_spawn_async(folder.constData(), argv, nullptr, G_SPAWN_DO_NOT_REAP_CHILD, nullptr, nullptr, &pid, &error))
-        return logFailure(info.filePath(), error);
+        return failure(path, error);
     reapWhenDone(nullptr, pid, nullptr);
-    return true;
+    return {};
 }
 
-bool launchDesktopFile(const QString &path)
+QString launchDesktopFile(const QString &path)
 {
     GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
     if (!info)
-        return logFailure(path, nullptr);
+        return failure(path, nullptr);
     GError *error = nullptr;
     if (!launchApp(G_APP_INFO(info.get()), nullptr, &error))
-        return logFailure(path, error);
-    return true;
+        return failure(path, error);
+    return {};
 }
 
-// The type from the name alone spares reading the file on the event loop; only a name that
-// says nothing certain (no extension, say) falls back to GIO's content sniffing.
-bool openLocalFile(const QString &path)
+QString openWithDefaultHandler(const QByteArray &uri, const QString &what)
+{
+    GError *error = nullptr;
+    if (!g_app_info_launch_default_for_uri(uri.constData(), nullptr, &error))
+        return failure(what, error);
+    return {};
+}
+
+// The type from the name alone spares reading the file; only a name that says nothing
+// certain (no extension, say) falls back to GIO's content sniffing.
+QString openLocalFile(const QString &path)
 {
     gboolean uncertain = FALSE;
-    const QByteArray name = QFile::encodeName(path);
-    gchar *type = g_content_type_guess(name.constData(), nullptr, 0, &uncertain);
+    gchar *type = g_content_type_guess(QFile::encodeName(path).constData(), nullptr, 0, &uncertain);
     GAppInfo *app = uncertain ? nullptr : g_app_info_get_default_for_type(type, FALSE);
     g_free(type);
-    const QByteArray uri = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).toUtf8();
-    if (!app) {
-        GError *error = nullptr;
-        if (!g_app_info_launch_default_for_uri(uri.constData(), nullptr, &error))
-            return logFailure(path, error);
-        return true;
-    }
+    const QByteArray uri = uriOf(path);
+    if (!app)
+        return openWithDefaultHandler(uri, path);
     GList uris{const_cast<char *>(uri.constData()), nullptr, nullptr};
     GError *error = nullptr;
     const bool ok = launchApp(app, &uris, &error);
     g_object_unref(app);
-    return ok || logFailure(path, error);
-}
-
-bool openWithDefaultHandler(const QString &uri, const QString &what)
-{
-    GError *error = nullptr;
-    if (!g_app_info_launch_default_for_uri(uri.toUtf8().constData(), nullptr, &error))
-        return logFailure(what, error);
-    return true;
+    return ok ? QString() : failure(path, error);
 }
 
 QIcon desktopFileIcon(const QString &path)
@@ -125,18 +123,50 @@ QIcon desktopFileIcon(const QString &path)
 
 } // namespace
 
+DesktopWorkspace::DesktopWorkspace()
+{
+    m_opener.setMaxThreadCount(1);
+    m_opener.setExpiryTimeout(-1);
+}
+
+DesktopWorkspace::~DesktopWorkspace()
+{
+    waitForOpenings();
+}
+
+void DesktopWorkspace::inBackground(std::function<QString()> job)
+{
+    m_opener.start([this, job = std::move(job)] {
+        const QString error = job();
+        if (!error.isEmpty())
+            QMetaObject::invokeMethod(&m_logContext, [error] { systemLog(error); }, Qt::QueuedConnection);
+    });
+}
+
+void DesktopWorkspace::waitForOpenings()
+{
+    m_opener.waitForDone();
+}
+
 bool DesktopWorkspace::openFile(const QString &path)
 {
     const QFileInfo info(path);
-    if (!info.exists() && !info.isSymLink())
-        return logFailure(path, nullptr);
-    if (info.isFile() && info.suffix() == QLatin1String("desktop"))
-        return launchDesktopFile(path);
-    if (info.isFile() && info.isExecutable())
-        return startProgram(info);
-    if (info.isDir())
-        return openWithDefaultHandler(QUrl::fromLocalFile(info.absoluteFilePath()).toString(QUrl::FullyEncoded), path);
-    return openLocalFile(info.absoluteFilePath());
+    if (!info.exists() && !info.isSymLink()) {
+        systemLog(failure(path, nullptr));
+        return false;
+    }
+    if (info.isFile() && info.suffix() == QLatin1String("desktop")) {
+        inBackground([path] { return launchDesktopFile(path); });
+    } else if (info.isFile() && info.isExecutable()) {
+        inBackground([path, program = QFile::encodeName(info.absoluteFilePath()), folder = QFile::encodeName(info.absolutePath())] {
+            return startProgram(path, program, folder);
+        });
+    } else if (info.isDir()) {
+        inBackground([path, uri = uriOf(info.absoluteFilePath())] { return openWithDefaultHandler(uri, path); });
+    } else {
+        inBackground([path = info.absoluteFilePath()] { return openLocalFile(path); });
+    }
+    return true;
 }
 
 void DesktopWorkspace::selectFile(const QString &path)
@@ -146,13 +176,13 @@ void DesktopWorkspace::selectFile(const QString &path)
                                                        QStringLiteral("org.freedesktop.FileManager1"),
                                                        QStringLiteral("ShowItems"));
     call << QStringList{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)} << QString();
-    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &m_logContext);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, path](QDBusPendingCallWatcher *w) {
         w->deleteLater();
         if (!w->isError())
             return;
         // No file manager on the bus: show the folder that holds it instead.
-        openWithDefaultHandler(QUrl::fromLocalFile(QFileInfo(path).absolutePath()).toString(QUrl::FullyEncoded), path);
+        inBackground([path, uri = uriOf(QFileInfo(path).absolutePath())] { return openWithDefaultHandler(uri, path); });
     });
 }
 
@@ -177,7 +207,10 @@ QIcon DesktopWorkspace::iconForFile(const QString &path)
 
 bool DesktopWorkspace::openUrl(const QUrl &url)
 {
-    return openWithDefaultHandler(url.toString(QUrl::FullyEncoded), url.toDisplayString());
+    if (!url.isValid())
+        return false;
+    inBackground([uri = url.toString(QUrl::FullyEncoded).toUtf8(), what = url.toDisplayString()] { return openWithDefaultHandler(uri, what); });
+    return true;
 }
 
 } // namespace Quillon
