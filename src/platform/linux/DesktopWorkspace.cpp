@@ -27,8 +27,9 @@ void reapWhenDone(GDesktopAppInfo *, GPid pid, gpointer)
     g_child_watch_add(pid, [](GPid child, gint, gpointer) { g_spawn_close_pid(child); }, nullptr);
 }
 
-// GIO's plain launch double-forks so that it never has to reap; reaping ourselves (the GLib
-// context Qt runs on serves the child watch) lets GLib use one posix_spawn, several times faster.
+// GIO's plain launch double-forks so that it never has to reap; reaping ourselves lets GLib spawn
+// once, several times faster. The child watch goes to the default GLib context, which Qt's event
+// loop runs, whichever thread started the child.
 bool launchApp(GAppInfo *app, GList *uris, GError **error)
 {
     if (!G_IS_DESKTOP_APP_INFO(app))
