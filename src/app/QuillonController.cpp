@@ -85,6 +85,12 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
+    // The list is safe first; then whatever is still under way may take its time.
+    m_window->hide();
+    const int waiting = m_launcher.abandon();
+    if (waiting > 0)
+        systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting));
+    m_platform.workspace.finishOpenings(std::chrono::seconds(30));
 }
 
 void QuillonController::showMainWindow()

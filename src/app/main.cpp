@@ -8,10 +8,26 @@
 #include <QApplication>
 #include <QIcon>
 
+#include <sys/resource.h>
+
 using namespace Quillon;
+
+namespace {
+// Every program we start may hold a descriptor for a moment; sessions hand out a soft limit of 1024
+// and a much higher hard one. Done first, before any thread exists.
+void raiseOpenFileLimit()
+{
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+        limit.rlim_cur = limit.rlim_max;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+} // namespace
 
 int main(int argc, char *argv[])
 {
+    raiseOpenFileLimit();
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Quillon"));
     QApplication::setApplicationName(QStringLiteral("Quillon"));
@@ -28,13 +44,15 @@ int main(int argc, char *argv[])
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
     QuillonController controller(Platform{clock, power, workspace, scripts});
-    controller.awakeFromNib();
-    controller.applicationWillFinishLaunching();
 
-    // Every way of ending the app runs the one quit path, which saves the list.
+    // Every way of ending the app runs the one quit path, which saves the list. The handlers come
+    // before the saved list is restored: a signal during a slow start is then kept for the loop.
     UnixSignalWatcher signals;
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &app, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &app, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
+
+    controller.awakeFromNib();
+    controller.applicationWillFinishLaunching();
     return app.exec();
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ScriptRunner.h"
+
+#include <QQueue>
 #include <QString>
 #include <QStringList>
 
@@ -8,7 +11,6 @@
 namespace Quillon {
 
 class Preferences;
-class ScriptRunner;
 class Workspace;
 
 // Opens one item as the desktop would, or runs it when it is a script, and mails what the
@@ -21,6 +23,7 @@ public:
 
     Launcher(Preferences &preferences, Workspace &workspace, ScriptRunner &scripts, SendMail sendMail);
 
+    // Opens the item now, or, while a script runs, once the script and the items before it are done.
     void launchItem(const QString &path);
     // Every item, top row first, now; dates and timers stay as they are.
     void launchAllNow(const QStringList &paths);
@@ -30,13 +33,20 @@ public:
     // Exactly "applescript" or "scpt", case and all.
     static bool isScriptPath(const QString &path);
 
+    // At quit: ends a running script and forgets the launches waiting behind it; how many waited.
+    int abandon();
+
 private:
-    bool runScript(const QString &path);
+    void drain();
+    void scriptFinished(const ScriptRunner::Outcome &outcome);
 
     Preferences &m_preferences;
     Workspace &m_workspace;
     ScriptRunner &m_scripts;
     SendMail m_sendMail;
+    QQueue<QString> m_waiting;
+    bool m_scriptRunning = false;
+    bool m_draining = false;
 };
 
 } // namespace Quillon

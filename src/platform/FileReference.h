@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <optional>
@@ -14,5 +15,8 @@ QByteArray make(const QString &path);
 // The file's current absolute path, or nothing when it cannot be found.
 // Bytes without our header are taken as a plain absolute path, so hand-written lists load.
 std::optional<QString> resolve(const QByteArray &reference);
+
+// resolve() for a whole list at once: files that moved are looked for in one shared, bounded walk.
+QList<std::optional<QString>> resolveAll(const QList<QByteArray> &references);
 
 } // namespace Quillon::FileReference

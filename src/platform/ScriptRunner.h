@@ -4,6 +4,7 @@
 #include <QPair>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace Quillon {
@@ -36,7 +37,8 @@ struct ScriptDescriptor
     }
 };
 
-// Loads and runs a script file synchronously.
+// Runs one script file at a time, as a child the event loop watches: the window and quitting
+// stay alive however long it runs.
 class ScriptRunner
 {
 public:
@@ -45,8 +47,12 @@ public:
         bool loaded = false;                       // false: the script could not be read or has no interpreter
         std::optional<ScriptDescriptor> result;    // none: the script failed while running
     };
+    using Done = std::function<void(const Outcome &)>;
     virtual ~ScriptRunner() = default;
-    virtual Outcome run(const QString &path) = 0;
+    // done is called once, when the script has ended or could not start.
+    virtual void start(const QString &path, Done done) = 0;
+    // At quit: end a script that is still running; done is not called for it.
+    virtual void stop() {}
 };
 
 } // namespace Quillon

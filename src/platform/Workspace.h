@@ -4,6 +4,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <chrono>
+
 namespace Quillon {
 
 // What the desktop does with files: open them, show them in the file manager, give their icons.
@@ -18,6 +20,13 @@ public:
     virtual void selectFile(const QString &path) = 0;
     virtual QIcon iconForFile(const QString &path) = 0;
     virtual bool openUrl(const QUrl &url) = 0;
+    // At quit: let the openings already asked for start, for at most limit; returns how many
+    // were dropped.
+    virtual int finishOpenings(std::chrono::milliseconds limit)
+    {
+        Q_UNUSED(limit);
+        return 0;
+    }
 };
 
 } // namespace Quillon

@@ -3,15 +3,84 @@
 #include "Log.h"
 #include "SettingsKeys.h"
 
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryFile>
 
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace Quillon {
+namespace {
+
+QString errnoText()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+// QSettings hands back what it was given (a bool, an int) but parses the file into text; the
+// same value may therefore come back with another type.
+bool sameValue(const QVariant &a, const QVariant &b)
+{
+    const bool aList = a.typeId() == QMetaType::QVariantList || a.typeId() == QMetaType::QStringList;
+    const bool bList = b.typeId() == QMetaType::QVariantList || b.typeId() == QMetaType::QStringList;
+    if (aList || bList) {
+        if (!aList || !bList)
+            return false;
+        const QVariantList x = a.toList(), y = b.toList();
+        if (x.size() != y.size())
+            return false;
+        for (qsizetype i = 0; i < x.size(); ++i) {
+            if (!sameValue(x.at(i), y.at(i)))
+                return false;
+        }
+        return true;
+    }
+    if (a.typeId() == b.typeId())
+        return a == b;
+    return a.toString() == b.toString();
+}
+
+// Qt's INI reader silently swallows what follows some bad lines (an unterminated quote takes
+// the rest of the file). Counting the lines that look like keys tells when that happened.
+qsizetype keyLinesIn(const QByteArray &ini)
+{
+    static const QRegularExpression keyLine(QStringLiteral("^\\s*[^\\s\\[;#=][^=]*="));
+    qsizetype n = 0;
+    for (const QByteArray &line : ini.split('\n')) {
+        if (keyLine.match(QString::fromUtf8(line)).hasMatch())
+            ++n;
+    }
+    return n;
+}
+
+} // namespace
 
 Preferences::Preferences()
     : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillon"), QStringLiteral("Quillon"))
 {
+    // One file only: a Quillon.conf beside the folder or under /etc/xdg must not act as defaults.
+    m_settings.setFallbacksEnabled(false);
+    inspectExistingFile();
+}
+
+void Preferences::inspectExistingFile()
+{
+    QFile file(m_settings.fileName());
+    if (!file.exists())
+        return;
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_fileProblem = file.errorString();
+    } else if (m_settings.status() == QSettings::FormatError || keyLinesIn(file.readAll()) > m_settings.allKeys().size()) {
+        m_fileProblem = QStringLiteral("it is malformed; what could be read was kept");
+    }
+    if (!m_fileProblem.isEmpty())
+        systemLog(QStringLiteral("Could not read the settings file %1: %2").arg(file.fileName(), m_fileProblem));
 }
 
 QString Preferences::stringValue(QAnyStringView key) const
@@ -22,12 +91,18 @@ QString Preferences::stringValue(QAnyStringView key) const
 
 void Preferences::setValue(QAnyStringView key, const QVariant &value)
 {
+    // Nothing may even be pending for a file that cannot be kept: QSettings writes pending changes
+    // on its own when it is destroyed.
+    if (!keepProblemFileAside())
+        return;
     m_settings.setValue(key, value);
     writeOut();
 }
 
 void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
 {
+    if (!keepProblemFileAside())
+        return;
     for (const auto &[key, value] : values)
         m_settings.setValue(key, value);
     writeOut();
@@ -35,22 +110,110 @@ void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &va
 
 void Preferences::synchronize()
 {
-    m_settings.sync();
+    // Re-reading also writes what is pending; only writeOut may write.
+    if (m_fileProblem.isEmpty() || m_problemFileKept)
+        m_settings.sync();
+}
+
+void Preferences::makeFolder() const
+{
+    const QString dir = QFileInfo(m_settings.fileName()).absolutePath();
+    if (QFileInfo::exists(dir))
+        return;
+    QDir().mkpath(QFileInfo(dir).absolutePath());
+    ::mkdir(QFile::encodeName(dir).constData(), 0700);
+}
+
+QString Preferences::windowStateFileName() const
+{
+    return QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+}
+
+// A file that could not be read whole is never written over before a copy of it is kept.
+bool Preferences::keepProblemFileAside()
+{
+    if (m_fileProblem.isEmpty() || m_problemFileKept)
+        return true;
+    const QString original = m_settings.fileName();
+    const QString copy = original + QStringLiteral(".unreadable-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    // A hard link needs no read permission and keeps the file exactly as it was, mode included.
+    if (::link(QFile::encodeName(original).constData(), QFile::encodeName(copy).constData()) != 0 && !QFile::copy(original, copy)) {
+        systemLog(QStringLiteral("Could not keep a copy of the settings file %1 (%2); nothing is saved, so it is not written over.")
+                      .arg(original, errnoText()));
+        return false;
+    }
+    systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2.").arg(original, copy));
+    // The copy holds it now; a fresh file gets our own private mode instead of the odd one it had.
+    ::unlink(QFile::encodeName(original).constData());
+    m_problemFileKept = true;
+    return true;
+}
+
+bool Preferences::readsBackAsWritten() const
+{
+    // Parsed from a copy: QSettings shares one in-memory copy per file name, and asking it again
+    // would answer from memory instead of from the disk.
+    QFile file(m_settings.fileName());
+    QTemporaryFile copy;
+    if (!file.open(QIODevice::ReadOnly) || !copy.open())
+        return false;
+    copy.write(file.readAll());
+    copy.close();
+    QSettings onDisk(copy.fileName(), QSettings::IniFormat);
+    if (onDisk.status() != QSettings::NoError)
+        return false;
+    const QStringList keys = m_settings.allKeys();
+    if (onDisk.allKeys().size() != keys.size())
+        return false;
+    for (const QString &key : keys) {
+        if (!sameValue(m_settings.value(key), onDisk.value(key)))
+            return false;
+    }
+    return true;
 }
 
 void Preferences::writeOut()
 {
-    // QSettings writes a temporary file and renames it; with umask 077 neither it nor a new folder
-    // is ever readable by others, even for a moment.
-    const mode_t old = ::umask(077);
+    const QString fileName = m_settings.fileName();
+    const QByteArray file = QFile::encodeName(fileName);
+    const QByteArray dir = QFile::encodeName(QFileInfo(fileName).absolutePath());
+
+    // Our own folder is made private before anything goes into it; then the file inside cannot be
+    // reached by others whatever its mode. Never the umask: it is the whole process's, and programs
+    // started meanwhile would inherit it. A folder or file we did not create keeps its mode.
+    makeFolder();
+    struct stat before{};
+    const bool fileExisted = ::stat(file.constData(), &before) == 0;
+
+    // QSettings replaces the file by renaming a new one over it; a hard link keeps the old one
+    // for as long as the new one is not known to be whole.
+    const QByteArray backup = file + ".bak";
+    ::unlink(backup.constData());
+    const bool haveBackup = fileExisted && ::link(file.constData(), backup.constData()) == 0;
+
     m_settings.sync();
-    ::umask(old);
-    const QByteArray file = QFile::encodeName(m_settings.fileName());
-    const QByteArray dir = QFile::encodeName(QFileInfo(m_settings.fileName()).absolutePath());
-    ::chmod(dir.constData(), 0700);
-    ::chmod(file.constData(), 0600);
-    if (m_settings.status() != QSettings::NoError)
-        systemLog(QStringLiteral("Could not write the settings file %1").arg(m_settings.fileName()));
+    // The status mixes up reading and writing (an unreadable file reports an error even when the
+    // new one was written), and on a nearly full disk a truncated file is committed with no error
+    // at all: reading the file back is what tells.
+    if (readsBackAsWritten()) {
+        ::unlink(backup.constData());
+        if (!fileExisted)
+            ::chmod(file.constData(), 0600);
+        return;
+    }
+    struct stat after{};
+    const bool replaced = ::stat(file.constData(), &after) == 0 && (!fileExisted || after.st_ino != before.st_ino);
+    QString outcome = QStringLiteral("the file was left as it was.");
+    if (replaced && haveBackup && ::rename(backup.constData(), file.constData()) == 0)
+        outcome = QStringLiteral("the previous file was put back.");
+    else if (replaced && !fileExisted && ::unlink(file.constData()) == 0)
+        outcome = QStringLiteral("the incomplete file was removed.");
+    else if (replaced)
+        outcome = QStringLiteral("the previous file could not be put back.");
+    ::unlink(backup.constData());
+    const QString why = m_settings.status() == QSettings::AccessError && !replaced
+        ? QStringLiteral("permission denied") : QStringLiteral("it did not read back as written (is the disk full?)");
+    systemLog(QStringLiteral("Could not write the settings file %1: %2; %3").arg(fileName, why, outcome));
 }
 
 bool Preferences::rememberItems() const

@@ -36,9 +36,22 @@ public:
     // A stored boolean as the settings file may hold it: a real boolean, a number, or text.
     static bool toBool(const QVariant &value);
 
+    // The window's own state lives beside the settings, in a file of its own, so that
+    // Quillon.conf holds the schedule and the settings alone.
+    QString windowStateFileName() const;
+    // Our folder, created private when it does not exist yet.
+    void makeFolder() const;
+
 private:
+    void inspectExistingFile();
+    bool keepProblemFileAside();
+    bool readsBackAsWritten() const;
     void writeOut();
+
     mutable QSettings m_settings;
+    // Why the file found at start could not be read whole; empty when it could.
+    QString m_fileProblem;
+    bool m_problemFileKept = false;
 };
 
 } // namespace Quillon

@@ -9,7 +9,10 @@
 #include "TimerQueue.h"
 #include "WallClock.h"
 
+#include <QtNumeric>
+
 #include <algorithm>
+#include <limits>
 
 namespace Quillon {
 namespace {
@@ -40,10 +43,13 @@ QDateTime toDate(const QVariant &value)
     return {};
 }
 
+// INI cannot write a one-element list, so in a hand-written file one value stands for a list of one.
 QVariantList asList(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QVariantList)
         return value.toList();
+    if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray || value.typeId() == QMetaType::QDateTime)
+        return {value};
     if (value.typeId() == QMetaType::QStringList) {
         QVariantList out;
         for (const QString &s : value.toStringList())
@@ -202,11 +208,13 @@ void Schedule::restoreItems()
     if (m_preferences.contains(Keys::TimersRunning))
         m_timersRunning = Preferences::toBool(m_preferences.value(Keys::TimersRunning));
 
+    QList<QByteArray> references;
     for (const QVariant &element : asList(m_preferences.value(Keys::Items))) {
         const QByteArray reference = element.typeId() == QMetaType::QString ? element.toString().toUtf8() : element.toByteArray();
-        if (reference.isEmpty())
-            continue;
-        const auto path = FileReference::resolve(reference);
+        if (!reference.isEmpty())
+            references.append(reference);
+    }
+    for (const std::optional<QString> &path : FileReference::resolveAll(references)) {
         if (!path) {
             systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
             continue;
@@ -248,8 +256,8 @@ void Schedule::startTimers(bool quiet)
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
         if (i >= m_dates.size())
             continue;
-        const double interval = double(m_dates.at(i).toMSecsSinceEpoch() - nowMSecs) / 1000.0;
-        if (interval > 0.0) {
+        // Compared, not subtracted: a hand-edited date near the limits must not wrap into the past.
+        if (m_dates.at(i).toMSecsSinceEpoch() > nowMSecs) {
             m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
             ++m_timersRemaining;
         } else {
@@ -303,11 +311,16 @@ void Schedule::launch(const TimerSlot &timer)
         --m_timersRemaining;
     } else {
         // 32-bit unsigned on purpose: a negative count or a huge product wraps as the stored type does.
-        const quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
-        const qint64 next = timer->fireMSecs() + qint64(period) * 1000;
+        quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
+        // A product that wraps to exactly 0 would re-open the item without end.
+        if (period == 0)
+            period = 1;
+        qint64 next = 0;
+        if (qAddOverflow(timer->fireMSecs(), qint64(period) * 1000, &next))
+            next = std::numeric_limits<qint64>::max();
         const qint64 nowMSecs = m_clock.nowMSecs();
         // A late item fires again at once, and from then on its series counts from the present.
-        const qint64 fireAt = next - nowMSecs > 0 ? next : nowMSecs;
+        const qint64 fireAt = next > nowMSecs ? next : nowMSecs;
         const qsizetype k = m_timers.indexOf(timer);
         if (k < 0) {
             systemLog(QStringLiteral("A repeating item fired after its row was removed; it is not re-armed."));

@@ -21,6 +21,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QSettings>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -333,14 +334,18 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::saveWindowState()
 {
-    m_preferences.setValues({{Keys::WindowGeometry, saveGeometry()}, {Keys::TableHeader, m_fileTable->horizontalHeader()->saveState()}});
+    m_preferences.makeFolder();
+    QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
+    state.setValue(Keys::WindowGeometry, saveGeometry());
+    state.setValue(Keys::TableHeader, m_fileTable->horizontalHeader()->saveState());
 }
 
 void MainWindow::restoreWindowState()
 {
-    if (!restoreGeometry(m_preferences.value(Keys::WindowGeometry).toByteArray()))
+    const QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
+    if (!restoreGeometry(state.value(Keys::WindowGeometry).toByteArray()))
         resize(860, 480);
-    m_fileTable->horizontalHeader()->restoreState(m_preferences.value(Keys::TableHeader).toByteArray());
+    m_fileTable->horizontalHeader()->restoreState(state.value(Keys::TableHeader).toByteArray());
 }
 
 } // namespace Quillon

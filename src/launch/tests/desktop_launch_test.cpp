@@ -12,6 +12,11 @@
 #include <QTest>
 #include <QThread>
 
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Quillon;
@@ -117,16 +122,142 @@ private Q_SLOTS:
         const QString path = m_home.filePath(QStringLiteral("scripts/job.scpt"));
         QVERIFY(Test::writeFile(path, script));
         m_launcher->launchItem(path);
+        waitForScript();
         QCOMPARE(m_results, results);
         // A script is run, never handed to a text editor.
         QTest::qWait(100);
         QVERIFY(!QFile::exists(m_marker));
     }
 
-    void unreadableScriptDoesNothing()
+    // Only a regular file is read and run: a FIFO or a link to /dev/zero would never end.
+    void scriptThatIsNoRegularFileIsNotRun_data()
     {
-        m_launcher->launchItem(m_home.filePath(QStringLiteral("nowhere/gone.scpt")));
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("missing") << "missing";
+        QTest::newRow("FIFO") << "fifo";
+        QTest::newRow("link to /dev/zero") << "zero";
+        QTest::newRow("folder") << "folder";
+    }
+    void scriptThatIsNoRegularFileIsNotRun()
+    {
+        QFETCH(QString, kind);
+        const QString path = m_home.filePath(QStringLiteral("odd/%1.scpt").arg(kind));
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        if (kind == QLatin1String("fifo"))
+            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        else if (kind == QLatin1String("zero"))
+            QVERIFY(QFile::link(QStringLiteral("/dev/zero"), path));
+        else if (kind == QLatin1String("folder"))
+            QVERIFY(QDir().mkpath(path));
+        m_launcher->launchItem(path);
+        waitForScript();
         QVERIFY(m_results.isEmpty());
+        QVERIFY(!QFile::exists(m_marker));
+    }
+
+    // The script runs as a watched child: the event loop goes on, and what falls due meanwhile
+    // opens after it, in order.
+    void laterItemsWaitForTheRunningScript()
+    {
+        const QString script = m_home.filePath(QStringLiteral("scripts/slow.scpt"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\nsleep 1\necho slow >> '" + m_marker.toUtf8() + "'\necho finished\n"));
+        const QString doc = m_home.filePath(QStringLiteral("docs/after.txt"));
+        QVERIFY(Test::writeFile(doc, "x"));
+        QElapsedTimer clock;
+        clock.start();
+        m_launcher->launchAllNow({script, doc});
+        QVERIFY(clock.elapsed() < 500);
+        QVERIFY(m_scripts.isRunning());
+        QTest::qWait(300);
+        QVERIFY(!QFile::exists(m_marker));
+        QTRY_COMPARE(readFile(m_marker), QStringLiteral("slow\nhandler %1\n").arg(doc));
+        QCOMPARE(m_results, QStringList{QStringLiteral("finished")});
+    }
+
+    void outputBeyondOneMiBIsDropped()
+    {
+        const QString script = m_home.filePath(QStringLiteral("scripts/loud.scpt"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\nhead -c 3000000 /dev/zero | tr '\\0' a\n"));
+        m_launcher->launchItem(script);
+        waitForScript();
+        QCOMPARE(m_results.size(), 1);
+        QCOMPARE(m_results.first().size(), ShebangScriptRunner::MaxOutput);
+        QCOMPARE(m_log.filter(QStringLiteral("more than 1 MiB")).size(), 1);
+    }
+
+    // Quitting ends the script and what it started, also when it ignores SIGTERM.
+    void quittingEndsTheScriptsProcessGroup_data()
+    {
+        QTest::addColumn<QByteArray>("prelude");
+        QTest::newRow("obeys SIGTERM") << QByteArray();
+        QTest::newRow("ignores SIGTERM") << QByteArray("trap '' TERM\n");
+    }
+    void quittingEndsTheScriptsProcessGroup()
+    {
+        QFETCH(QByteArray, prelude);
+        const QString pidFile = m_home.filePath(QStringLiteral("child.pid"));
+        QFile::remove(pidFile);
+        const QString script = m_home.filePath(QStringLiteral("scripts/endless.scpt"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\n" + prelude + "sleep 300 &\necho $! > '" + pidFile.toUtf8() + "'\nwhile :; do sleep 1; done\n"));
+        m_launcher->launchItem(script);
+        QTRY_VERIFY(readFile(pidFile).endsWith(QLatin1Char('\n')));
+        const pid_t child = readFile(pidFile).trimmed().toInt();
+        QVERIFY(child > 0);
+        QCOMPARE(m_launcher->abandon(), 0);
+        QVERIFY(!m_scripts.isRunning());
+        QTRY_VERIFY(!isAlive(child));
+        QVERIFY(m_results.isEmpty());
+    }
+
+    // Run bit or not, only a program by its content is started as one.
+    void openedAsTheDesktopWould_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<bool>("executable");
+        QTest::addColumn<QString>("expected"); // %1 the item, %2 its folder
+        QTest::newRow("document with the run bit opens in its application")
+            << "notes.txt" << QByteArray("echo ran-as-shell >> MARKER\n") << true << "handler %1\n";
+        QTest::newRow("#! program runs in its folder") << "job" << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
+        QTest::newRow("AppDir runs its AppRun inside it") << "Tool.AppDir/AppRun" << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
+    }
+    void openedAsTheDesktopWould()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, contents);
+        QFETCH(bool, executable);
+        QFETCH(QString, expected);
+        const QString file = m_home.filePath(QStringLiteral("kinds/") + name);
+        QVERIFY(Test::writeFile(file, contents.replace("MARKER", "'" + m_marker.toUtf8() + "'"), executable));
+        const QString item = name.contains(QLatin1String(".AppDir")) ? QFileInfo(file).absolutePath() : file;
+        m_launcher->launchItem(item);
+        QTRY_COMPARE(readFile(m_marker), expected.replace(QLatin1String("%1"), item).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
+    }
+
+    // Children are reaped off the event loop: a loop held up (a long alert, a slow disk) must not
+    // leave them holding descriptors until spawning fails.
+    void programsStartWhileTheEventLoopIsHeldUp()
+    {
+        rlimit saved{};
+        ::getrlimit(RLIMIT_NOFILE, &saved);
+        rlimit tight = saved;
+        tight.rlim_cur = 128;
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &tight), 0);
+        auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_NOFILE, &saved); });
+        const QString exe = m_home.filePath(QStringLiteral("tools/tick"));
+        QVERIFY(Test::writeFile(exe, "#!/bin/sh\necho >> '" + m_marker.toUtf8() + "'\n", true));
+        constexpr int Count = 300;
+        for (int i = 0; i < Count; ++i)
+            QVERIFY(m_workspace.openFile(exe));
+        // No event is processed from here on.
+        QDeadlineTimer deadline(30'000);
+        while (readFile(m_marker).size() < Count && !deadline.hasExpired())
+            QThread::msleep(20);
+        QCOMPARE(readFile(m_marker).size(), Count);
+        while (m_workspace.unreapedChildren() > 0 && !deadline.hasExpired())
+            QThread::msleep(20);
+        QCOMPARE(m_workspace.unreapedChildren(), 0);
+        QCOMPARE(zombieChildren(), 0);
     }
 
     // Starting happens off the event loop; a failure must still reach the log, and from the
@@ -180,6 +311,18 @@ private Q_SLOTS:
     }
 
 private:
+    void waitForScript()
+    {
+        QTRY_VERIFY(!m_scripts.isRunning());
+        // A script that could not start reports from the next event-loop turn.
+        QCoreApplication::processEvents();
+    }
+    static bool isAlive(pid_t pid)
+    {
+        const QString stat = readFile(QStringLiteral("/proc/%1/stat").arg(pid));
+        return !stat.isEmpty() && !stat.contains(QLatin1String(") Z "));
+    }
+
     QTemporaryDir m_home;
     QString m_marker;
     DesktopWorkspace m_workspace;

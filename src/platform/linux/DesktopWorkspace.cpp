@@ -7,6 +7,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QFileInfo>
 
+#include <sys/wait.h>
+
 #undef signals
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
@@ -22,21 +24,21 @@ struct GFree
 template<typename T>
 using GPtr = std::unique_ptr<T, GFree<T>>;
 
-void reapWhenDone(GDesktopAppInfo *, GPid pid, gpointer)
+void reapWhenDone(GDesktopAppInfo *, GPid pid, gpointer reaper)
 {
-    g_child_watch_add(pid, [](GPid child, gint, gpointer) { g_spawn_close_pid(child); }, nullptr);
+    static_cast<ChildReaper *>(reaper)->add(pid);
 }
 
 // GIO's plain launch double-forks so that it never has to reap; reaping ourselves lets GLib spawn
-// once, several times faster. The child watch goes to the default GLib context, which Qt's event
-// loop runs, whichever thread started the child.
-bool launchApp(GAppInfo *app, GList *uris, GError **error)
+// once, several times faster. Not with a GLib child watch: only the event loop dispatches those,
+// and each unreaped child holds a descriptor meanwhile.
+bool launchApp(GAppInfo *app, GList *uris, ChildReaper &reaper, GError **error)
 {
     if (!G_IS_DESKTOP_APP_INFO(app))
         return g_app_info_launch(app, uris, nullptr, error);
     return g_desktop_app_info_launch_uris_as_manager(G_DESKTOP_APP_INFO(app), uris, nullptr,
                                                      GSpawnFlags(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD), nullptr, nullptr,
-                                                     reapWhenDone, nullptr, error);
+                                                     reapWhenDone, &reaper, error);
 }
 
 QByteArray uriOf(const QString &path)
@@ -52,25 +54,25 @@ QString failure(const QString &path, GError *error)
     return QStringLiteral("Could not open %1: %2").arg(path, reason);
 }
 
-// Started in its own folder, reaped by a child watch so it never lingers as a zombie.
-QString startProgram(const QString &path, const QByteArray &program, const QByteArray &folder)
+// Started in its own folder and reaped by the reaper, so it never lingers as a zombie.
+QString startProgram(const QString &path, const QByteArray &program, const QByteArray &folder, ChildReaper &reaper)
 {
     char *argv[] = {const_cast<char *>(program.constData()), nullptr};
     GPid pid = 0;
     GError *error = nullptr;
     if (!g_spawn_async(folder.constData(), argv, nullptr, G_SPAWN_DO_NOT_REAP_CHILD, nullptr, nullptr, &pid, &error))
         return failure(path, error);
-    reapWhenDone(nullptr, pid, nullptr);
+    reaper.add(pid);
     return {};
 }
 
-QString launchDesktopFile(const QString &path)
+QString launchDesktopFile(const QString &path, ChildReaper &reaper)
 {
     GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
     if (!info)
         return failure(path, nullptr);
     GError *error = nullptr;
-    if (!launchApp(G_APP_INFO(info.get()), nullptr, &error))
+    if (!launchApp(G_APP_INFO(info.get()), nullptr, reaper, &error))
         return failure(path, error);
     return {};
 }
@@ -85,7 +87,7 @@ QString openWithDefaultHandler(const QByteArray &uri, const QString &what)
 
 // The type from the name alone spares reading the file; only a name that says nothing
 // certain (no extension, say) falls back to GIO's content sniffing.
-QString openLocalFile(const QString &path)
+QString openLocalFile(const QString &path, ChildReaper &reaper)
 {
     gboolean uncertain = FALSE;
     gchar *type = g_content_type_guess(QFile::encodeName(path).constData(), nullptr, 0, &uncertain);
@@ -96,7 +98,7 @@ QString openLocalFile(const QString &path)
         return openWithDefaultHandler(uri, path);
     GList uris{const_cast<char *>(uri.constData()), nullptr, nullptr};
     GError *error = nullptr;
-    const bool ok = launchApp(app, &uris, &error);
+    const bool ok = launchApp(app, &uris, reaper, &error);
     g_object_unref(app);
     return ok ? QString() : failure(path, error);
 }
@@ -122,7 +124,62 @@ QIcon desktopFileIcon(const QString &path)
     return {};
 }
 
+// A file is a program only by its content: the run bit alone is set on every file of a FAT, NTFS
+// or SMB mount, and GLib would run such a document with /bin/sh.
+bool isProgramByContent(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return false;
+    const QByteArray head = file.read(4);
+    return head == QByteArrayLiteral("\x7f" "ELF") || head.startsWith("#!");
+}
+
 } // namespace
+
+ChildReaper::ChildReaper()
+    : m_thread([this] { run(); })
+{
+}
+
+ChildReaper::~ChildReaper()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stopping = true;
+    }
+    m_wake.notify_one();
+    m_thread.join();
+}
+
+void ChildReaper::add(pid_t pid)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_children.push_back(pid);
+    }
+    m_wake.notify_one();
+}
+
+int ChildReaper::pending() const
+{
+    const std::lock_guard lock(m_mutex);
+    return int(m_children.size());
+}
+
+// Polls only the children it was given: a waitpid(-1) would steal QProcess's children too.
+void ChildReaper::run()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_stopping) {
+        if (m_children.empty()) {
+            m_wake.wait(lock);
+            continue;
+        }
+        std::erase_if(m_children, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+        m_wake.wait_for(lock, std::chrono::milliseconds(100));
+    }
+}
 
 DesktopWorkspace::DesktopWorkspace()
 {
@@ -137,8 +194,13 @@ DesktopWorkspace::~DesktopWorkspace()
 
 void DesktopWorkspace::inBackground(std::function<QString()> job)
 {
+    ++m_queued;
     m_opener.start([this, job = std::move(job)] {
-        const QString error = job();
+        --m_queued;
+        QString error = job();
+        // A start can fail for a passing reason (no free process slot, a descriptor short).
+        if (!error.isEmpty())
+            error = job();
         if (!error.isEmpty())
             QMetaObject::invokeMethod(&m_logContext, [error] { systemLog(error); }, Qt::QueuedConnection);
     });
@@ -149,6 +211,19 @@ void DesktopWorkspace::waitForOpenings()
     m_opener.waitForDone();
 }
 
+int DesktopWorkspace::finishOpenings(std::chrono::milliseconds limit)
+{
+    if (m_opener.waitForDone(int(limit.count())))
+        return 0;
+    // What has not begun by now is dropped; the one under way is let finish.
+    m_opener.clear();
+    const int dropped = m_queued.exchange(0);
+    m_opener.waitForDone();
+    if (dropped > 0)
+        systemLog(QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped));
+    return dropped;
+}
+
 bool DesktopWorkspace::openFile(const QString &path)
 {
     const QFileInfo info(path);
@@ -156,16 +231,22 @@ bool DesktopWorkspace::openFile(const QString &path)
         systemLog(failure(path, nullptr));
         return false;
     }
+    const QFileInfo appRun(info.absoluteFilePath() + QStringLiteral("/AppRun"));
     if (info.isFile() && info.suffix() == QLatin1String("desktop")) {
-        inBackground([path] { return launchDesktopFile(path); });
-    } else if (info.isFile() && info.isExecutable()) {
-        inBackground([path, program = QFile::encodeName(info.absoluteFilePath()), folder = QFile::encodeName(info.absolutePath())] {
-            return startProgram(path, program, folder);
+        inBackground([this, path] { return launchDesktopFile(path, m_reaper); });
+    } else if (info.isFile() && info.isExecutable() && isProgramByContent(path)) {
+        inBackground([this, path, program = QFile::encodeName(info.absoluteFilePath()), folder = QFile::encodeName(info.absolutePath())] {
+            return startProgram(path, program, folder, m_reaper);
+        });
+    } else if (info.isDir() && appRun.isFile() && appRun.isExecutable()) {
+        // An AppDir: its AppRun starts the application, from inside the folder.
+        inBackground([this, path, program = QFile::encodeName(appRun.absoluteFilePath()), folder = QFile::encodeName(info.absoluteFilePath())] {
+            return startProgram(path, program, folder, m_reaper);
         });
     } else if (info.isDir()) {
         inBackground([path, uri = uriOf(info.absoluteFilePath())] { return openWithDefaultHandler(uri, path); });
     } else {
-        inBackground([path = info.absoluteFilePath()] { return openLocalFile(path); });
+        inBackground([this, path = info.absoluteFilePath()] { return openLocalFile(path, m_reaper); });
     }
     return true;
 }

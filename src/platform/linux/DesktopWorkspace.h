@@ -6,9 +6,37 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <sys/types.h>
 
 namespace Quillon {
+
+// Reaps the programs we start, on a thread of its own, so that a busy event loop neither
+// leaves zombies behind nor runs the process out of descriptors.
+class ChildReaper final
+{
+    Q_DISABLE_COPY_MOVE(ChildReaper)
+public:
+    ChildReaper();
+    ~ChildReaper();
+    void add(pid_t pid);
+    int pending() const;
+
+private:
+    void run();
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::vector<pid_t> m_children;
+    bool m_stopping = false;
+    std::thread m_thread;
+};
 
 // Opens files the way a Linux file manager does on a double click.
 //
@@ -26,14 +54,19 @@ public:
     QIcon iconForFile(const QString &path) override;
     bool openUrl(const QUrl &url) override;
 
+    int finishOpenings(std::chrono::milliseconds limit) override;
+
     // Waits until every queued opening has been started; for tests and benchmarks.
     void waitForOpenings();
+    int unreapedChildren() const { return m_reaper.pending(); }
 
 private:
     // The job returns an error text, empty when the program was started.
     void inBackground(std::function<QString()> job);
 
     QMimeDatabase m_mimes;
+    ChildReaper m_reaper;
+    std::atomic<int> m_queued = 0;
     // Failures found on the opener thread are logged from the event loop through this.
     QObject m_logContext;
     QThreadPool m_opener;

@@ -3,8 +3,11 @@
 #include <QDataStream>
 #include <QDir>
 #include <QIODevice>
+#include <QHash>
 #include <QSet>
 #include <QStringDecoder>
+
+#include <algorithm>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -21,7 +24,7 @@ namespace {
 
 const QByteArray Magic = QByteArrayLiteral("QUILLON-REF\x01");
 constexpr qsizetype MaxPathBytes = 1023;
-// How many directory entries one resolve may look at before it gives up.
+// How many directory entries one restore may look at, for all missing files together.
 constexpr int SearchBudget = 200'000;
 
 struct Identity
@@ -79,19 +82,69 @@ QByteArray parentOf(const QByteArray &path)
     return path.left(slash);
 }
 
+struct Decoded
+{
+    QByteArray path;
+    Identity identity;
+    bool plain = false;
+};
+
+std::optional<Decoded> decode(const QByteArray &reference)
+{
+    if (!reference.startsWith(Magic)) {
+        // A plain absolute path, as a hand-written list or another tool would store it.
+        if (!reference.startsWith('/') || reference.contains('\0') || reference.size() > MaxPathBytes)
+            return std::nullopt;
+        return Decoded{reference, {}, true};
+    }
+    QDataStream stream(reference.mid(Magic.size()));
+    stream.setVersion(QDataStream::Qt_6_0);
+    Decoded d;
+    Identity &saved = d.identity;
+    stream >> d.path >> saved.dev >> saved.ino >> saved.hasBirth >> saved.birthSec >> saved.birthNSec >> saved.size >> saved.mtimeSec;
+    if (stream.status() != QDataStream::Ok || !d.path.startsWith('/'))
+        return std::nullopt;
+    return d;
+}
+
+// Looks for every missing file in one walk: each folder is listed once whatever the number of
+// files sought, the whole walk shares one budget, and only the devices that held them are entered.
 class InodeSearch
 {
 public:
-    explicit InodeSearch(const Identity &wanted)
-        : m_wanted(wanted)
+    void want(qsizetype index, const QByteArray &oldPath, const Identity &identity)
     {
+        m_wanted.insert(identity.ino, {index, identity});
+        m_devices.insert(identity.dev);
+        ++m_missing;
+        for (QByteArray dir = parentOf(oldPath); dir != "/"; dir = parentOf(dir))
+            m_roots.append(dir);
     }
 
-    // Breadth first below root, on the wanted file's device only, skipping subtrees already searched.
-    std::optional<QByteArray> searchBelow(const QByteArray &root)
+    // Near folders first: a file is most often moved close to where it was.
+    QHash<qsizetype, QByteArray> run()
+    {
+        std::stable_sort(m_roots.begin(), m_roots.end(), [](const QByteArray &a, const QByteArray &b) { return a.count('/') > b.count('/'); });
+        m_roots.append(QFile::encodeName(QDir::homePath()));
+        for (const QByteArray &root : std::as_const(m_roots)) {
+            if (m_found.size() == m_missing || m_budget <= 0)
+                break;
+            searchBelow(root);
+        }
+        return m_found;
+    }
+
+private:
+    struct Wanted
+    {
+        qsizetype index;
+        Identity identity;
+    };
+
+    void searchBelow(const QByteArray &root)
     {
         QList<QByteArray> queue{root};
-        while (!queue.isEmpty() && m_budget > 0) {
+        while (!queue.isEmpty() && m_budget > 0 && m_found.size() < m_missing) {
             const QByteArray dir = queue.takeFirst();
             if (m_searched.contains(dir))
                 continue;
@@ -99,6 +152,11 @@ public:
             DIR *d = opendir(dir.constData());
             if (!d)
                 continue;
+            struct stat dirStat{};
+            if (fstat(dirfd(d), &dirStat) != 0 || !m_devices.contains(quint64(dirStat.st_dev))) {
+                closedir(d);
+                continue;
+            }
             while (dirent *e = readdir(d)) {
                 if (--m_budget <= 0)
                     break;
@@ -106,12 +164,8 @@ public:
                 if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
                     continue;
                 const QByteArray child = (dir == "/" ? dir : dir + '/') + name;
-                if (e->d_ino == m_wanted.ino) {
-                    if (auto found = identityOf(child); found && sameFile(m_wanted, *found)) {
-                        closedir(d);
-                        return child;
-                    }
-                }
+                if (m_wanted.contains(e->d_ino))
+                    match(child, e->d_ino);
                 bool isDir = e->d_type == DT_DIR;
                 if (e->d_type == DT_UNKNOWN) {
                     struct stat st{};
@@ -122,32 +176,27 @@ public:
             }
             closedir(d);
         }
-        return std::nullopt;
     }
 
-private:
-    Identity m_wanted;
+    void match(const QByteArray &child, quint64 ino)
+    {
+        const auto found = identityOf(child);
+        if (!found)
+            return;
+        for (auto it = m_wanted.find(ino); it != m_wanted.end() && it.key() == ino; ++it) {
+            if (!m_found.contains(it->index) && sameFile(it->identity, *found))
+                m_found.insert(it->index, child);
+        }
+    }
+
+    QMultiHash<quint64, Wanted> m_wanted;
+    QSet<quint64> m_devices;
+    QList<QByteArray> m_roots;
     QSet<QByteArray> m_searched;
-    int m_budget = SearchBudget;
+    QHash<qsizetype, QByteArray> m_found;
+    qsizetype m_missing = 0;
+    qint64 m_budget = SearchBudget;
 };
-
-std::optional<QByteArray> findMoved(const QByteArray &oldPath, const Identity &wanted)
-{
-    InodeSearch search(wanted);
-    QList<QByteArray> roots;
-    for (QByteArray dir = parentOf(oldPath); dir != "/"; dir = parentOf(dir)) {
-        struct stat st{};
-        // A folder that is gone, or another filesystem, cannot hold the file under the same inode.
-        if (lstat(dir.constData(), &st) == 0 && S_ISDIR(st.st_mode) && quint64(st.st_dev) == wanted.dev)
-            roots.append(dir);
-    }
-    roots.append(QFile::encodeName(QDir::homePath()));
-    for (const QByteArray &root : std::as_const(roots)) {
-        if (auto found = search.searchBelow(root))
-            return found;
-    }
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -169,29 +218,27 @@ QByteArray make(const QString &path)
 
 std::optional<QString> resolve(const QByteArray &reference)
 {
-    if (!reference.startsWith(Magic)) {
-        // A plain absolute path, as a hand-written list or another tool would store it.
-        if (!reference.startsWith('/') || reference.contains('\0') || reference.size() > MaxPathBytes)
-            return std::nullopt;
-        if (!identityOf(reference))
-            return std::nullopt;
-        return validUtf8(reference);
+    return resolveAll({reference}).constFirst();
+}
+
+QList<std::optional<QString>> resolveAll(const QList<QByteArray> &references)
+{
+    QList<std::optional<QString>> out(references.size());
+    InodeSearch search;
+    for (qsizetype i = 0; i < references.size(); ++i) {
+        const auto d = decode(references.at(i));
+        if (!d)
+            continue;
+        // Still there, or replaced in place by an editor's atomic save: the path is the answer.
+        if (identityOf(d->path))
+            out[i] = validUtf8(d->path);
+        else if (!d->plain)
+            search.want(i, d->path, d->identity);
     }
-
-    QDataStream stream(reference.mid(Magic.size()));
-    stream.setVersion(QDataStream::Qt_6_0);
-    QByteArray path;
-    Identity saved;
-    stream >> path >> saved.dev >> saved.ino >> saved.hasBirth >> saved.birthSec >> saved.birthNSec >> saved.size >> saved.mtimeSec;
-    if (stream.status() != QDataStream::Ok || !path.startsWith('/'))
-        return std::nullopt;
-
-    // Still there, or replaced in place by an editor's atomic save: the path is the answer.
-    if (identityOf(path))
-        return validUtf8(path);
-    if (auto moved = findMoved(path, saved))
-        return validUtf8(*moved);
-    return std::nullopt;
+    const QHash<qsizetype, QByteArray> moved = search.run();
+    for (auto it = moved.begin(); it != moved.end(); ++it)
+        out[it.key()] = validUtf8(it.value());
+    return out;
 }
 
 } // namespace Quillon::FileReference

@@ -1,54 +1,140 @@
 #include "ShebangScriptRunner.h"
 
+#include "Log.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QStringDecoder>
+#include <QTimer>
+
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Quillon {
+namespace {
+constexpr int StopGraceMSecs = 5000;
 
-ScriptRunner::Outcome ShebangScriptRunner::run(const QString &path)
+// As the kernel reads a #! line: the interpreter, then at most one argument holding the rest.
+bool interpreterOf(const QString &path, QString &interpreter, QStringList &arguments)
 {
+    // Only a regular file: a FIFO or a link to /dev/zero would block or never end the read.
+    struct stat st{};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0 || !S_ISREG(st.st_mode))
+        return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return {};
+        return false;
     const QByteArray firstLine = file.readLine(4096).trimmed();
-    file.close();
-
-    QString interpreter = QStringLiteral("/bin/sh");
-    QStringList arguments;
+    interpreter = QStringLiteral("/bin/sh");
     if (firstLine.startsWith("#!")) {
-        // As the kernel reads it: the interpreter, then at most one argument holding the rest.
         const QString rest = QString::fromUtf8(firstLine.mid(2)).trimmed();
         const qsizetype space = rest.indexOf(QRegularExpression(QStringLiteral("[ \t]")));
         interpreter = space < 0 ? rest : rest.left(space);
         if (space >= 0 && !rest.mid(space).trimmed().isEmpty())
             arguments << rest.mid(space).trimmed();
     }
-    const QFileInfo interpreterInfo(interpreter);
-    if (!interpreterInfo.isFile() || !interpreterInfo.isExecutable())
-        return {};
+    const QFileInfo info(interpreter);
+    return info.isFile() && info.isExecutable();
+}
+} // namespace
 
+ShebangScriptRunner::ShebangScriptRunner(QObject *parent)
+    : QObject(parent)
+{
+}
+
+ShebangScriptRunner::~ShebangScriptRunner()
+{
+    stop();
+}
+
+void ShebangScriptRunner::start(const QString &path, Done done)
+{
+    QString interpreter;
+    QStringList arguments;
+    if (m_process || !interpreterOf(path, interpreter, arguments)) {
+        // Reported from the event loop, as a script that ran would be.
+        QTimer::singleShot(0, this, [done = std::move(done)] { done({}); });
+        return;
+    }
+    m_path = path;
+    m_done = std::move(done);
+    m_output.clear();
+    m_outputCut = false;
+
+    const QFileInfo script(path);
+    m_process = new QProcess(this);
+    m_process->setProgram(interpreter);
+    m_process->setArguments(arguments << script.absoluteFilePath());
+    m_process->setWorkingDirectory(script.absolutePath());
+    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process->setStandardInputFile(QProcess::nullDevice());
+    // A group of its own, so that quitting ends whatever the script started too.
+    m_process->setChildProcessModifier([] { ::setpgid(0, 0); });
+    connect(m_process, &QProcess::readyReadStandardOutput, this, &ShebangScriptRunner::readOutput);
+    connect(m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
+        finish(status == QProcess::NormalExit && code == 0);
+    });
+    connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            finish(false);
+    });
+    m_process->start();
+}
+
+void ShebangScriptRunner::readOutput()
+{
+    const QByteArray chunk = m_process->readAllStandardOutput();
+    const qsizetype room = MaxOutput - m_output.size();
+    if (chunk.size() <= room) {
+        m_output += chunk;
+        return;
+    }
+    m_output += chunk.left(room);
+    if (!m_outputCut)
+        systemLog(QStringLiteral("The script %1 printed more than 1 MiB; the rest of its output was dropped.").arg(m_path));
+    m_outputCut = true;
+}
+
+void ShebangScriptRunner::finish(bool succeeded)
+{
+    if (!m_process)
+        return;
+    readOutput();
     Outcome outcome;
     outcome.loaded = true;
-    const QFileInfo script(path);
-    QProcess process;
-    process.setProgram(interpreter);
-    process.setArguments(arguments << script.absoluteFilePath());
-    process.setWorkingDirectory(script.absolutePath());
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.start();
-    // Scripts run to the end before anything else happens: that is how the schedule treats them.
-    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        return outcome;
+    if (succeeded) {
+        QByteArray out = std::exchange(m_output, {});
+        if (out.endsWith('\n'))
+            out.chop(1);
+        outcome.result = ScriptDescriptor::fromText(QString::fromUtf8(out));
+    }
+    m_process->disconnect(this);
+    m_process->deleteLater();
+    m_process = nullptr;
+    if (Done done = std::exchange(m_done, {}))
+        done(outcome);
+}
 
-    QByteArray out = process.readAllStandardOutput();
-    if (out.endsWith('\n'))
-        out.chop(1);
-    outcome.result = ScriptDescriptor::fromText(QString::fromUtf8(out));
-    return outcome;
+void ShebangScriptRunner::stop()
+{
+    if (!m_process)
+        return;
+    QProcess *process = std::exchange(m_process, nullptr);
+    m_done = {};
+    process->disconnect(this);
+    const pid_t group = pid_t(process->processId());
+    if (group > 0) {
+        ::kill(-group, SIGTERM);
+        if (!process->waitForFinished(StopGraceMSecs)) {
+            ::kill(-group, SIGKILL);
+            process->waitForFinished(1000);
+        }
+    }
+    systemLog(QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(m_path));
+    delete process;
 }
 
 } // namespace Quillon

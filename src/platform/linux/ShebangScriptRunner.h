@@ -2,14 +2,39 @@
 
 #include "ScriptRunner.h"
 
+#include <QByteArray>
+#include <QObject>
+
+class QProcess;
+
 namespace Quillon {
 
-// Runs a script with the interpreter its #! line names (/bin/sh without one).
-// Its standard output, less one trailing newline, is its text result.
-class ShebangScriptRunner final : public ScriptRunner
+// Runs a script with the interpreter its #! line names (/bin/sh without one), in its own folder
+// and its own process group. Its standard output, less one trailing newline, is its text result.
+class ShebangScriptRunner final : public QObject, public ScriptRunner
 {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ShebangScriptRunner)
 public:
-    Outcome run(const QString &path) override;
+    // More output than this is read and dropped, so that a runaway script cannot fill memory.
+    static constexpr qsizetype MaxOutput = 1024 * 1024;
+
+    explicit ShebangScriptRunner(QObject *parent = nullptr);
+    ~ShebangScriptRunner() override;
+
+    void start(const QString &path, Done done) override;
+    void stop() override;
+    bool isRunning() const { return m_process != nullptr; }
+
+private:
+    void readOutput();
+    void finish(bool succeeded);
+
+    QProcess *m_process = nullptr;
+    QString m_path;
+    Done m_done;
+    QByteArray m_output;
+    bool m_outputCut = false;
 };
 
 } // namespace Quillon

@@ -133,9 +133,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("datesAreNow");
         QTest::newRow("absent: every item gets now") << QByteArray() << 2 << true;
         QTest::newRow("present but empty: no dates at all") << QByteArray("Dates=@Invalid()\n") << 0 << false;
-        QTest::newRow("not a list: no dates") << QByteArray("Dates=12\n") << 0 << false;
+        QTest::newRow("one value is a list of one") << QByteArray("Dates=12\n") << 1 << true;
         QTest::newRow("non-date elements become now") << QByteArray("Dates=x, 7\n") << 2 << true;
         QTest::newRow("ISO text is a date") << QByteArray("Dates=2027-01-15T07:00:00Z, 2027-01-16T07:00:00Z\n") << 2 << false;
+        QTest::newRow("ISO text alone is a list of one") << QByteArray("Dates=2027-01-15T07:00:00Z\n") << 1 << false;
     }
     void datesKey()
     {
@@ -161,7 +162,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("items");
         QTest::addColumn<bool>("running");
         QTest::newRow("Items a number") << QByteArray("Items=42\nTimersRunning=false\n") << 0 << false;
-        QTest::newRow("Items a single string") << QByteArray("Items=/etc/hostname\n") << 0 << false;
+        QTest::newRow("Items one path is a list of one") << QByteArray("Items=/etc/hostname\n") << 1 << false;
         QTest::newRow("Items holds an empty entry") << QByteArray("Items=@ByteArray(), /etc/hostname\n") << 1 << false;
         QTest::newRow("TimersRunning text true") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=true\n") << 2 << false;
         QTest::newRow("TimersRunning a list") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=1, 2\n") << 2 << false;

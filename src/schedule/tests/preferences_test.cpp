@@ -2,7 +2,11 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
+#include <QSet>
 #include <QTest>
+
+#include <atomic>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -56,26 +60,57 @@ private Q_SLOTS:
         QCOMPARE(m_p->addFolderFiles(), folders);
     }
 
-    void fileIsPrivateAfterEveryWrite()
+    void ownFileIsPrivateAndOthersKeepTheirMode()
     {
+        QDir(m_settings->configDir()).removeRecursively();
         const mode_t old = ::umask(022);
         m_p->setValue(Keys::LoginPassword, QStringLiteral("secret"));
-        struct stat fileStat{}, dirStat{};
-        QCOMPARE(::stat(QFile::encodeName(m_settings->file()).constData(), &fileStat), 0);
-        QCOMPARE(fileStat.st_mode & 0777, 0600u);
-        QCOMPARE(::stat(QFile::encodeName(m_settings->configDir()).constData(), &dirStat), 0);
-        QCOMPARE(dirStat.st_mode & 0777, 0700u);
+        QCOMPARE(modeOf(m_settings->file()), 0600u);
+        QCOMPARE(modeOf(m_settings->configDir()), 0700u);
 
-        // Loosened by hand, tightened again by the next write.
-        ::chmod(QFile::encodeName(m_settings->file()).constData(), 0644);
-        ::chmod(QFile::encodeName(m_settings->configDir()).constData(), 0755);
+        // Loosened by the user: theirs now, and left so by the next write.
+        ::chmod(QFile::encodeName(m_settings->file()).constData(), 0640);
+        ::chmod(QFile::encodeName(m_settings->configDir()).constData(), 0750);
         m_p->setValue(Keys::ServerPort, 25);
         ::umask(old);
-        QCOMPARE(::stat(QFile::encodeName(m_settings->file()).constData(), &fileStat), 0);
-        QCOMPARE(fileStat.st_mode & 0777, 0600u);
-        QCOMPARE(::stat(QFile::encodeName(m_settings->configDir()).constData(), &dirStat), 0);
-        QCOMPARE(dirStat.st_mode & 0777, 0700u);
+        QCOMPARE(modeOf(m_settings->file()), 0640u);
+        QCOMPARE(modeOf(m_settings->configDir()), 0750u);
         QCOMPARE(m_settings->read(QStringLiteral("loginPassword")).toString(), QStringLiteral("secret"));
+        QVERIFY(!QFile::exists(m_settings->file() + QStringLiteral(".bak")));
+    }
+
+    // Programs started on another thread while the list is saved must get the user's umask.
+    void savingNeverTouchesTheUmask()
+    {
+        const mode_t old = ::umask(022);
+        std::atomic<bool> done = false;
+        QSet<QByteArray> seen;
+        std::thread watcher([&] {
+            while (!done) {
+                QFile status(QStringLiteral("/proc/self/status"));
+                status.open(QIODevice::ReadOnly);
+                for (const QByteArray &line : status.readAll().split('\n')) {
+                    if (line.startsWith("Umask:"))
+                        seen.insert(line.mid(6).trimmed());
+                }
+            }
+        });
+        for (int i = 0; i < 300; ++i)
+            m_p->setValue(Keys::RepeatSeconds, i);
+        done = true;
+        watcher.join();
+        ::umask(old);
+        QCOMPARE(seen, QSet<QByteArray>{"0022"});
+    }
+
+    void fallbackFilesAreNotRead()
+    {
+        const QString parentConf = QFileInfo(m_settings->configDir()).absolutePath() + QStringLiteral("/Quillon.conf");
+        QVERIFY(Test::writeFile(parentConf, "[General]\nrememberItems=false\nsendEmail=true\n"));
+        Preferences fresh;
+        QFile::remove(parentConf);
+        QVERIFY(fresh.rememberItems());
+        QVERIFY(!fresh.boolValue(Keys::SendEmail));
     }
 
     void synchronizeSeesAnotherWriter()
@@ -87,6 +122,12 @@ private Q_SLOTS:
     }
 
 private:
+    static uint modeOf(const QString &path)
+    {
+        struct stat st{};
+        return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? uint(st.st_mode & 0777) : 0;
+    }
+
     std::unique_ptr<TestSettings> m_settings;
     std::unique_ptr<Preferences> m_p;
 };

@@ -1,0 +1,135 @@
+#include "Log.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+#include "TestSupport.h"
+
+#include <QDirIterator>
+#include <QProcess>
+#include <QTest>
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+using namespace Quillon;
+
+namespace {
+constexpr uid_t Nobody = 65534;
+
+uint modeOf(const QString &path)
+{
+    struct stat st{};
+    return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? uint(st.st_mode & 07777) : 0;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+} // namespace
+
+// A settings file that Quillon cannot read, cannot write or that the disk cannot hold: the user's
+// file survives, and no mode is changed behind the user's back.
+class SettingsFaultsTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void fileThatCannotBeReadOrWrittenSurvives_data()
+    {
+        QTest::addColumn<QByteArray>("ini");
+        QTest::addColumn<uint>("fileMode");
+        QTest::addColumn<uint>("dirMode");
+        const QByteArray good = "[General]\nItems=/etc/hostname, /etc/passwd\nloginPassword=secret\n";
+        QTest::newRow("unreadable (000)") << good << 0000u << 0700u;
+        QTest::newRow("write-only (0200)") << good << 0200u << 0700u;
+        QTest::newRow("read-only (0400)") << good << 0400u << 0700u;
+        QTest::newRow("read-only folder (0500)") << good << 0600u << 0500u;
+        QTest::newRow("malformed: a quote swallows the rest") << QByteArray("[General]\nrecipientName=\"Ann\nItems=/etc/hostname\nsendEmail=true\n")
+                                                              << 0600u << 0700u;
+    }
+    void fileThatCannotBeReadOrWrittenSurvives()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Needs root to run the probe as another user (root ignores file modes).");
+        QFETCH(QByteArray, ini);
+        QFETCH(uint, fileMode);
+        QFETCH(uint, dirMode);
+        QTemporaryDir home;
+        const QString dir = home.filePath(QStringLiteral("Quillon"));
+        const QString file = dir + QStringLiteral("/Quillon.conf");
+        QVERIFY(Test::writeFile(file, ini));
+        for (const QString &p : {home.path(), dir, file})
+            QCOMPARE(::chown(QFile::encodeName(p).constData(), Nobody, Nobody), 0);
+        ::chmod(QFile::encodeName(file).constData(), fileMode);
+        ::chmod(QFile::encodeName(dir).constData(), dirMode);
+        struct stat before{};
+        ::stat(QFile::encodeName(file).constData(), &before);
+
+        QProcess probe;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+        probe.setProcessEnvironment(env);
+        probe.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
+                                               QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")});
+        QVERIFY(probe.waitForFinished(20'000));
+        QCOMPARE(probe.exitCode(), 0);
+        const QString log = QString::fromUtf8(probe.readAllStandardError());
+        QVERIFY2(log.contains(QLatin1String("settings file")), qPrintable(log));
+
+        // The user's bytes are still there: as the file, or as the copy kept before writing.
+        ::chmod(QFile::encodeName(dir).constData(), 0700);
+        bool kept = false;
+        for (QDirIterator it(dir, QDir::Files | QDir::Hidden); it.hasNext();) {
+            const QString path = it.next();
+            ::chmod(QFile::encodeName(path).constData(), 0600);
+            kept = kept || contents(path) == ini;
+        }
+        QVERIFY2(kept, qPrintable(log));
+        struct stat after{};
+        if (::stat(QFile::encodeName(file).constData(), &after) == 0 && after.st_ino == before.st_ino)
+            QCOMPARE(uint(after.st_mode & 07777), 0600u); // set back by us above: the probe left the inode alone
+        QCOMPARE(modeOf(home.path()), 0700u);
+    }
+
+    void fullDiskKeepsThePreviousFile()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Needs root to mount a small tmpfs.");
+        QTemporaryDir mountPoint;
+        QVERIFY(::mount("quillon-test", QFile::encodeName(mountPoint.path()).constData(), "tmpfs", 0, "size=64k") == 0);
+        auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(mountPoint.path()).constData(), MNT_DETACH); });
+        const QByteArray oldHome = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", mountPoint.path().toUtf8());
+        auto restoreEnv = qScopeGuard([&] { qputenv("XDG_CONFIG_HOME", oldHome); });
+
+        QStringList log;
+        setLogSink([&log](const QString &line) { log << line; });
+        auto noSink = qScopeGuard([] { setLogSink({}); });
+        Preferences prefs;
+        prefs.setValues({{Keys::LoginPassword, QStringLiteral("secret")}, {Keys::Items, QVariantList{QByteArray(200, 'a')}}});
+        const QByteArray before = contents(prefs.fileName());
+        QVERIFY(before.contains("secret"));
+
+        // Leave less room than the new file needs.
+        struct statvfs fs{};
+        QCOMPARE(::statvfs(QFile::encodeName(mountPoint.path()).constData(), &fs), 0);
+        QFile filler(mountPoint.filePath(QStringLiteral("filler")));
+        QVERIFY(filler.open(QIODevice::WriteOnly));
+        filler.write(QByteArray(qint64(fs.f_bavail * fs.f_frsize) - 8192, 'x'));
+        filler.close();
+
+
+        QVariantList many;
+        for (int i = 0; i < 180; ++i)
+            many << QByteArray(100, char('a' + i % 26));
+        prefs.setValue(Keys::Items, many);
+        QCOMPARE(contents(prefs.fileName()), before);
+        QVERIFY2(log.join(QLatin1Char('\n')).contains(QLatin1String("Could not write the settings file")), qPrintable(log.join(QLatin1Char('\n'))));
+        QVERIFY(!QFile::exists(prefs.fileName() + QStringLiteral(".bak")));
+    }
+};
+
+QTEST_GUILESS_MAIN(SettingsFaultsTest)
+#include "settings_faults_test.moc"
