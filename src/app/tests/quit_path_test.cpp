@@ -1,3 +1,4 @@
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -57,6 +58,41 @@ private Q_SLOTS:
         QCOMPARE(::stat(QFile::encodeName(conf).constData(), &st), 0);
         // The user wrote this file; its mode is theirs to choose.
         QCOMPARE(st.st_mode & 0777, 0644u);
+    }
+
+    // Quit when done: the last launch ends the program on its own, through the saving quit path.
+    void quitsAfterTheLastLaunch()
+    {
+        QTemporaryDir home;
+        const QString item = home.filePath(QStringLiteral("job"));
+        const QString marker = home.filePath(QStringLiteral("ran"));
+        {
+            QFile f(item);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("#!/bin/sh\ntouch '" + marker.toUtf8() + "'\n");
+            f.setPermissions(f.permissions() | QFile::ExeOwner);
+        }
+        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        {
+            QFile f(conf);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
+            f.write("[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\n");
+        }
+        QProcess app;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        app.setProcessEnvironment(env);
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(QStringLiteral(QUILLON_BINARY));
+        QVERIFY(app.waitForFinished(20'000));
+        QCOMPARE(app.exitCode(), 0);
+        QVERIFY(QFile::exists(marker));
+        QSettings saved(conf, QSettings::IniFormat);
+        QCOMPARE(saved.value(QStringLiteral("TimersRunning")).toBool(), false);
+        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 1);
     }
 };
 

@@ -310,6 +310,18 @@ private Q_SLOTS:
         QTRY_COMPARE(zombieChildren(), 0);
     }
 
+    void quittingDropsWhatHasNotStartedAndSaysHowMuch()
+    {
+        const QString exe = m_home.filePath(QStringLiteral("tools/tock"));
+        QVERIFY(Test::writeFile(exe, "#!/bin/sh\necho >> '" + m_marker.toUtf8() + "'\n", true));
+        for (int i = 0; i < 200; ++i)
+            QVERIFY(m_workspace.openFile(exe));
+        const int dropped = m_workspace.finishOpenings(std::chrono::milliseconds(0));
+        QVERIFY(dropped > 0);
+        QTRY_COMPARE(readFile(m_marker).size(), 200 - dropped);
+        QTRY_COMPARE(m_log, QStringList{QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped)});
+    }
+
 private:
     void waitForScript()
     {

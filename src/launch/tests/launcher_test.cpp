@@ -150,6 +150,25 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.opened.size(), 2);
     }
 
+    // Nothing overtakes a running script; quitting forgets what waited behind it.
+    void itemsWaitBehindARunningScript()
+    {
+        m_scripts.hold = true;
+        m_launcher->launchAllNow({QStringLiteral("/a.scpt"), QStringLiteral("/doc"), QStringLiteral("/b.scpt"), QStringLiteral("/doc2")});
+        m_launcher->launchItem(QStringLiteral("/due-meanwhile"));
+        QCOMPARE(m_scripts.ran, QStringList{"/a.scpt"});
+        QVERIFY(m_workspace.opened.isEmpty());
+        m_scripts.finishRunning();
+        QCOMPARE(m_workspace.opened, QStringList{"/doc"});
+        QCOMPARE(m_scripts.ran, (QStringList{"/a.scpt", "/b.scpt"}));
+        QCOMPARE(m_launcher->abandon(), 2);
+        QCOMPARE(m_scripts.stopped, QStringList{"/b.scpt"});
+        m_scripts.finishRunning();
+        m_scripts.hold = false;
+        m_launcher->launchItem(QStringLiteral("/next"));
+        QCOMPARE(m_workspace.opened, (QStringList{"/doc", "/next"}));
+    }
+
     void doubleClickRevealsAndNeverOpens_data()
     {
         QTest::addColumn<int>("row");

@@ -26,8 +26,14 @@ qint64 clockNSecs(clockid_t id)
 } // namespace
 
 TimerFdClock::TimerFdClock(QObject *parent)
+    : TimerFdClock(&TimerFdClock::sleptNSecs, parent)
+{
+}
+
+TimerFdClock::TimerFdClock(SleepGauge gauge, QObject *parent)
     : WallClock(parent)
-    , m_slept(sleptNSecs())
+    , m_gauge(std::move(gauge))
+    , m_slept(m_gauge())
 {
     m_fd = timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC);
     if (m_fd < 0) {
@@ -76,7 +82,7 @@ qint64 TimerFdClock::sleptNSecs()
 
 bool TimerFdClock::resumedSinceLastLook()
 {
-    const qint64 slept = sleptNSecs();
+    const qint64 slept = m_gauge();
     const bool grew = slept - m_slept > ResumeThresholdNSecs;
     m_slept = slept;
     return grew;

@@ -2,6 +2,8 @@
 
 #include "WallClock.h"
 
+#include <functional>
+
 class QSocketNotifier;
 
 namespace Quillon {
@@ -14,7 +16,11 @@ class TimerFdClock final : public WallClock
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TimerFdClock)
 public:
+    // How long the machine has slept since boot, in ns; tests hand in their own to act a suspend.
+    using SleepGauge = std::function<qint64()>;
+
     explicit TimerFdClock(QObject *parent = nullptr);
+    explicit TimerFdClock(SleepGauge gauge, QObject *parent = nullptr);
     ~TimerFdClock() override;
 
     qint64 nowMSecs() const override;
@@ -28,6 +34,7 @@ private:
     bool resumedSinceLastLook();
     static qint64 sleptNSecs();
 
+    SleepGauge m_gauge;
     int m_fd = -1;
     QSocketNotifier *m_notifier = nullptr;
     bool m_aimed = false;

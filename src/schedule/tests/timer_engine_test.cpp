@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <limits>
+
 using namespace Quillon;
 
 using Test::at;
@@ -103,6 +105,31 @@ private Q_SLOTS:
         QCOMPARE(m_launchTimes, (QList<qint64>{Now + 10'000, Now + 20'000, Now + 30'000}));
         QVERIFY(!m_schedule->timersRunning());
         QCOMPARE(quit.count(), 0);
+        // The automatic stop keeps each fired timer in its slot, spent: the row keeps its check mark.
+        for (const TimerSlot &slot : m_schedule->timers())
+            QVERIFY(slot && !slot->isValid());
+        m_clock->advance(100'000);
+        QCOMPARE(m_launched.size(), 3);
+    }
+
+    void datesNearTheLimitsNeverOpenAtOnce_data()
+    {
+        QTest::addColumn<qint64>("msecs");
+        QTest::addColumn<bool>("armed");
+        QTest::newRow("far past") << std::numeric_limits<qint64>::min() + 1 << false;
+        QTest::newRow("far future") << std::numeric_limits<qint64>::max() - 1 << true;
+    }
+    void datesNearTheLimitsNeverOpenAtOnce()
+    {
+        QFETCH(qint64, msecs);
+        QFETCH(bool, armed);
+        m_prefs->setValue(Keys::RepeatSeconds, 1);
+        add({{"edge", 0}});
+        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
+        m_schedule->startTimers(true);
+        QCOMPARE(m_schedule->timersRemaining(), armed ? 1 : 0);
+        m_clock->advance(86'400'000);
+        QCOMPARE(m_launched.size(), 0);
     }
 
     void quitWhenDoneQuitsAfterTheLastItem()
@@ -149,6 +176,8 @@ private Q_SLOTS:
         QTest::newRow("1 day") << 1 << 3 << qint64(86400);
         QTest::newRow("negative count wraps") << -1 << 0 << qint64(4294967295);
         QTest::newRow("product wraps at 2^32") << 50000 << 3 << qint64(25032704);
+        // Re-opening the item without end would be the alternative.
+        QTest::newRow("product wraps to exactly 0: one second") << (1 << 30) << 1 << qint64(1);
     }
     void repeatPeriod()
     {
