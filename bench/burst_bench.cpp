@@ -1,0 +1,102 @@
+// 3,000 executables fall due within one second while a 10 s script runs. Prints how many started
+// (each once), when the last one started, and the longest the event loop went without a turn.
+#include "BenchUtil.h"
+#include "DesktopWorkspace.h"
+#include "Launcher.h"
+#include "Log.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "ShebangScriptRunner.h"
+#include "TimerFdClock.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTimer>
+
+using namespace Quillon;
+
+namespace {
+constexpr int Programs = 3000;
+constexpr int ScriptSecs = 10;
+
+void write(const QString &path, const QByteArray &text, bool exe)
+{
+    QFile f(path);
+    f.open(QIODevice::WriteOnly);
+    f.write(text);
+    f.close();
+    if (exe)
+        f.setPermissions(f.permissions() | QFile::ExeOwner);
+}
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir dir;
+    setLogSink([](const QString &) {});
+    qputenv("XDG_CONFIG_HOME", dir.filePath(QStringLiteral("config")).toUtf8());
+    const QString log = dir.filePath(QStringLiteral("started.log"));
+
+    Preferences prefs;
+    TimerFdClock clock;
+    DesktopWorkspace workspace;
+    ShebangScriptRunner scripts;
+    Launcher launcher(prefs, workspace, scripts, [](const QString &, const QString &) {});
+    Schedule schedule(prefs, clock);
+    schedule.createArrays();
+    schedule.setLauncher([&](const QString &path) { launcher.launchItem(path); });
+
+    const QString script = dir.filePath(QStringLiteral("long.scpt"));
+    write(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);
+    QStringList paths{script};
+    for (int i = 0; i < Programs; ++i) {
+        const QString exe = dir.filePath(QStringLiteral("prog%1").arg(i));
+        write(exe, "#!/bin/sh\necho " + QByteArray::number(i) + " >> '" + QFile::encodeName(log) + "'\n", true);
+        paths << exe;
+    }
+    schedule.appendPaths(paths);
+    const qint64 due = clock.nowMSecs() + 1000;
+    schedule.setDateAt(0, QDateTime::fromMSecsSinceEpoch(due));
+    for (int i = 1; i <= Programs; ++i)
+        schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(due + 100 + (i * 800) / Programs));
+    schedule.startTimers(true);
+
+    qint64 lastTurn = monotonicNs();
+    qint64 longestGap = 0;
+    qint64 allStartedAt = 0;
+    QTimer tick;
+    tick.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&tick, &QTimer::timeout, &app, [&] {
+        const qint64 now = monotonicNs();
+        longestGap = std::max(longestGap, now - lastTurn);
+        lastTurn = now;
+        if (!allStartedAt && readAll(log).count('\n') >= Programs) {
+            allStartedAt = clock.nowMSecs();
+            QCoreApplication::quit();
+        }
+    });
+    tick.start(10);
+    QTimer::singleShot((ScriptSecs + 60) * 1000, &app, &QCoreApplication::quit);
+    app.exec();
+
+    const QList<QByteArray> lines = readAll(log).trimmed().split('\n');
+    QSet<QByteArray> distinct(lines.begin(), lines.end());
+    std::printf("programs started: %d of %d, started twice: %d\n", int(distinct.size()), Programs, int(lines.size() - distinct.size()));
+    if (allStartedAt)
+        std::printf("last one started %.2f s after the script began (script runs %d s; all due within 1 s of it)\n", (allStartedAt - due) / 1e3, ScriptSecs);
+    else
+        std::printf("not all started within %d s\n", ScriptSecs + 60);
+    std::printf("longest event-loop gap: %.1f ms\n", longestGap / 1e6);
+    workspace.waitForOpenings();
+    return 0;
+}
