@@ -1,8 +1,13 @@
 # One entry point for a fresh Debian 12 machine: install what is missing, build, run or test.
 BUILD ?= build
 JOBS ?= 2
+# SANITIZE=1: the same build and suite with AddressSanitizer and UBSan, in its own folder.
+ifeq ($(SANITIZE),1)
+BUILD := build-asan
+CMAKE_EXTRA := -DQUILLON_SANITIZE=ON
+endif
 DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libgmime-3.0-dev \
-        libglib2.0-dev libicu-dev shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
+        libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
         adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
@@ -18,7 +23,7 @@ deps:
 	fi
 
 configure: deps
-	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_EXTRA)
 
 build: configure
 	cmake --build $(BUILD) -j$(JOBS)

@@ -43,11 +43,10 @@ int main(int argc, char *argv[])
     LogindPowerService power;
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
-    QuillonController controller(Platform{clock, power, workspace, scripts});
-
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come
-    // before the saved list is restored: a signal during a slow start is then kept for the loop.
+    // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
+    QuillonController controller(Platform{clock, power, workspace, scripts});
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &app, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &app, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);

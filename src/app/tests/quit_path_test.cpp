@@ -7,6 +7,9 @@
 #include <QTest>
 
 #include <csignal>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 #include <sys/stat.h>
 
 // The real program, ended the ways Linux ends programs: each must save the list.
@@ -58,6 +61,41 @@ private Q_SLOTS:
         QCOMPARE(::stat(QFile::encodeName(conf).constData(), &st), 0);
         // The user wrote this file; its mode is theirs to choose.
         QCOMPARE(st.st_mode & 0777, 0644u);
+    }
+
+    // A signal while the saved list is still being read is kept until the program can quit properly.
+    void signalDuringStartUpSavesTheList()
+    {
+        QTemporaryDir home;
+        const QString item = home.filePath(QStringLiteral("report.txt"));
+        QFile(item).open(QIODevice::WriteOnly);
+        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        {
+            QFile f(conf);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("[General]\nItems=" + item.toUtf8() + "\n");
+        }
+        const int watch = ::inotify_init1(IN_CLOEXEC);
+        QVERIFY(watch >= 0);
+        QVERIFY(::inotify_add_watch(watch, QFile::encodeName(conf).constData(), IN_OPEN) >= 0);
+
+        QProcess app;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        app.setProcessEnvironment(env);
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(QStringLiteral(QUILLON_BINARY));
+        pollfd pfd{watch, POLLIN, 0};
+        QCOMPARE(::poll(&pfd, 1, 10'000), 1);
+        ::kill(pid_t(app.processId()), SIGTERM);
+        ::close(watch);
+        QVERIFY(app.waitForFinished(10'000));
+        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(app.exitCode(), 0);
+        QSettings saved(conf, QSettings::IniFormat);
+        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 1);
     }
 
     // Quit when done: the last launch ends the program on its own, through the saving quit path.
