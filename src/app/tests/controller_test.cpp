@@ -153,8 +153,17 @@ private Q_SLOTS:
 
         start();
         QCOMPARE(m_controller->schedule().count(), 0);
+        const QString conf = m_controller->preferences().fileName();
+        const auto bytesOf = [](const QString &path) {
+            QFile f(path);
+            return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+        };
+        const QByteArray before = bytesOf(conf);
         m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/other")});
         m_controller->applicationWillTerminate();
+        // Not even rewritten: the window's state goes to a file of its own.
+        QCOMPARE(bytesOf(conf), before);
+        QVERIFY(QFile::exists(m_controller->preferences().windowStateFileName()));
         m_controller->preferences().synchronize();
         QCOMPARE(m_controller->preferences().value(Keys::Items), savedItems);
     }
