@@ -8,7 +8,7 @@ CMAKE_EXTRA := -DQUILLON_SANITIZE=ON
 endif
 DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libgmime-3.0-dev \
         libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
-        adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd
+        adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
 .PHONY: deps configure build run test bench clean

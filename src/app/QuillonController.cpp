@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMenu>
 #include <QSystemTrayIcon>
 #include <QTableView>
@@ -75,13 +76,26 @@ void QuillonController::applicationWillFinishLaunching()
 
 void QuillonController::terminate()
 {
+    if (m_quitting)
+        return;
+    m_quitting = true;
+    applicationWillTerminate();
     // exit(), not quit(): quit() asks every window to close first, and a window that only
     // minimises would cancel it.
-    QCoreApplication::exit(0);
+    if (m_deliveries == 0) {
+        QCoreApplication::exit(0);
+        return;
+    }
+    QTimer::singleShot(std::chrono::seconds(20), this, [this] {
+        systemLog(QStringLiteral("Quitting: %1 mail deliveries did not finish in time.").arg(m_deliveries));
+        QCoreApplication::exit(0);
+    });
 }
 
 void QuillonController::applicationWillTerminate()
 {
+    if (std::exchange(m_terminated, true))
+        return;
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
@@ -145,8 +159,12 @@ void QuillonController::doAlert(const QString &message, const std::optional<QStr
     const QMessageBox::Icon icon = parentWindow || alertStyle < 0 || alertStyle > 2 ? QMessageBox::Warning : styles[alertStyle];
     auto *box = new QMessageBox(icon, QStringLiteral("Quillon"), message, QMessageBox::Ok, parentWindow);
     box->setTextFormat(Qt::PlainText);
-    if (informative)
+    if (informative) {
         box->setInformativeText(*informative);
+        // Plain text too: an address in angle brackets would otherwise vanish as an HTML tag.
+        if (auto *label = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+            label->setTextFormat(Qt::PlainText);
+    }
     box->setAttribute(Qt::WA_DeleteOnClose);
     m_alert = box;
     // Never a nested event loop: timers go on firing while the alert is up.
@@ -172,8 +190,15 @@ void QuillonController::openHelpURL()
 
 void QuillonController::sendMail(const QString &body, const QString &subject)
 {
-    Q_UNUSED(body);
-    systemLog(QStringLiteral("Mail delivery is not available in this version; not sent: %1").arg(subject));
+    // Owned as a child only so that it is freed; the delivery runs on its own until it is over.
+    auto *delivery = new SimpleSMTP(this);
+    ++m_deliveries;
+    connect(delivery, &SimpleSMTP::finished, this, [this, delivery] {
+        delivery->deleteLater();
+        if (--m_deliveries == 0 && m_quitting)
+            QCoreApplication::exit(0);
+    });
+    delivery->sendMail(*this, body, subject);
 }
 
 void QuillonController::testEmail()

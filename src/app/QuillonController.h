@@ -3,6 +3,7 @@
 #include "Launcher.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "SimpleSMTP.h"
 
 #include <QMessageBox>
 #include <QObject>
@@ -31,7 +32,7 @@ struct Platform
 
 // Brings the application up and down, wires the window to the schedule, and tells the user
 // about failures.
-class QuillonController final : public QObject
+class QuillonController final : public QObject, public MailHost
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(QuillonController)
@@ -42,10 +43,13 @@ public:
     void awakeFromNib();
     void applicationWillFinishLaunching();
     void applicationWillTerminate();
-    // The one way out: every quit ends here and then in applicationWillTerminate.
-    static void terminate();
+    // The one way out: every quit ends here. The list is saved at once; mail still under way gets
+    // up to 20 s, with the window hidden, before the process ends.
+    void terminate();
+    int deliveriesInFlight() const { return m_deliveries; }
 
-    void doAlert(const QString &message, const QString &informative = QString());
+    void doAlert(const QString &message, const QString &informative = QString()) override;
+    Preferences &mailPreferences() override { return m_preferences; }
     void doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle);
     void openHelpURL();
 
@@ -76,6 +80,9 @@ private:
     QSystemTrayIcon *m_tray = nullptr;
     QPointer<PreferencesDialog> m_preferencesDialog;
     QPointer<QMessageBox> m_alert;
+    int m_deliveries = 0;
+    bool m_quitting = false;
+    bool m_terminated = false;
 };
 
 } // namespace Quillon

@@ -47,8 +47,8 @@ int main(int argc, char *argv[])
     // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
     QuillonController controller(Platform{clock, power, workspace, scripts});
-    QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &app, &QuillonController::terminate);
-    QObject::connect(&app, &QGuiApplication::commitDataRequest, &app, &QuillonController::terminate);
+    QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
+    QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
 
     controller.awakeFromNib();

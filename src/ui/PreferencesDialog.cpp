@@ -1,5 +1,7 @@
 #include "PreferencesDialog.h"
 
+#include "MailSettings.h"
+
 #include "Preferences.h"
 #include "SettingsKeys.h"
 
@@ -104,7 +106,8 @@ QWidget *PreferencesDialog::buildMailPage()
     form->addRow(tr("Address:"), textControl(p, Keys::ServerAddress, page));
     auto *port = new QSpinBox(page);
     port->setObjectName(QString(Keys::ServerPort));
-    port->setRange(0, 65535);
+    // 0 is "not set"; the getter accepts 1 to 65365.
+    port->setRange(0, MailSettings::HighestPort);
     port->setSpecialValueText(tr("Not set"));
     port->setValue(p.intValue(Keys::ServerPort));
     connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
@@ -117,6 +120,8 @@ QWidget *PreferencesDialog::buildMailPage()
     form->addRow(tr("Password:"), password);
     auto *test = new QPushButton(tr("Send Test Message"), page);
     test->setObjectName(QStringLiteral("testEmailButton"));
+    // Enter in a mail field must not send a mail.
+    test->setAutoDefault(false);
     connect(test, &QPushButton::clicked, this, &PreferencesDialog::testEmailRequested);
     form->addRow(test);
     return page;

@@ -1,0 +1,161 @@
+#include "SimpleSMTP.h"
+
+#include "Log.h"
+#include "MailMessage.h"
+#include "MailSettings.h"
+#include "SmtpSession.h"
+
+#include <QStringDecoder>
+#include <QTimer>
+
+namespace Quillon {
+namespace {
+constexpr int ImplicitTlsPort = 465;
+std::chrono::milliseconds g_connectTimeout{30'000};
+std::chrono::milliseconds g_replyTimeout{300'000};
+
+QString errorText(const MailSettingsError &e)
+{
+    return QStringLiteral("Error (%1): %2").arg(e.name(), e.reason());
+}
+} // namespace
+
+SimpleSMTP::SimpleSMTP(QObject *parent)
+    : QObject(parent)
+{
+}
+
+SimpleSMTP::~SimpleSMTP() = default;
+
+void SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply)
+{
+    g_connectTimeout = connect;
+    g_replyTimeout = reply;
+}
+
+void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QString &subject)
+{
+    _controller = &controller;
+    MailSettings settings(controller.mailPreferences());
+    try {
+        // From the user to the user: the recipient's own address on both sides.
+        const QString from = settings.getRecipientEmail();
+        const QString to = settings.getRecipientEmail();
+        const QByteArray message = composeMailMessage(from, subject, body);
+        const QString server = settings.getServer();
+        const int port = settings.getPort();
+        _smtp = new SmtpSession(server, quint16(port), this);
+        _smtp->setTimeouts(g_connectTimeout, g_replyTimeout);
+        connect(_smtp, &SmtpSession::connectionEstablished, this, &SimpleSMTP::connectionEstablished);
+        connect(_smtp, &SmtpSession::serviceInitialized, this, &SimpleSMTP::serviceInitialized);
+        connect(_smtp, &SmtpSession::authenticationCompleted, this, &SimpleSMTP::authenticationCompleted);
+        connect(_smtp, &SmtpSession::authenticationFailed, this, &SimpleSMTP::authenticationFailed);
+        connect(_smtp, &SmtpSession::messageSent, this, &SimpleSMTP::messageSent);
+        connect(_smtp, &SmtpSession::messageNotSent, this, &SimpleSMTP::messageNotSent);
+        connect(_smtp, &SmtpSession::transactionResetCompleted, this, &SimpleSMTP::transactionResetCompleted);
+        connect(_smtp, &SmtpSession::connectionTerminated, this, &SimpleSMTP::connectionTerminated);
+        _smtp->setMessage(message, from.toUtf8(), {to.toUtf8()});
+        systemLog(QStringLiteral("Connecting to the %1 server...").arg(settings.getServer()));
+        // Port 465 is SMTPS: TLS from the first byte. Any other port secures itself with STARTTLS.
+        _smtp->connectInBackgroundAndNotify(settings.useSSL() && port == ImplicitTlsPort);
+    } catch (const MailSettingsError &e) {
+        delete std::exchange(_smtp, nullptr);
+        controller.doAlert(QStringLiteral("An error occurred when sending email."), errorText(e));
+        systemLog(errorText(e));
+        QTimer::singleShot(0, this, &SimpleSMTP::finished);
+    }
+}
+
+void SimpleSMTP::connectionEstablished()
+{
+    systemLog(QStringLiteral("Connected!"));
+    if (MailSettings(_controller->mailPreferences()).useSSL() && _smtp->isSSL()) {
+        systemLog(QStringLiteral("Starting SSL."));
+        _smtp->startSSL();
+    }
+}
+
+void SimpleSMTP::serviceInitialized()
+{
+    MailSettings settings(_controller->mailPreferences());
+    const bool useSSL = settings.useSSL();
+    if (useSSL && !_smtp->isSSL()) {
+        systemLog(QStringLiteral("SSL handshaking..."));
+        _smtp->startTLS();
+        return;
+    }
+    if (useSSL)
+        systemLog(QStringLiteral("SSL handshaking completed."));
+    if (settings.getSelectedLoginMechanism() == 0) {
+        systemLog(QStringLiteral("Sending the message..."));
+        _smtp->sendMessage();
+        return;
+    }
+    systemLog(QStringLiteral("Available authentication mechanisms: (%1)").arg(_smtp->supportedMechanisms().join(QStringLiteral(", "))));
+    // Read again on purpose: this second reading decides. The mechanism is used whether or not
+    // the server announced it, and a value outside 1 to 3 leaves the session idle.
+    const int mechanism = settings.getSelectedLoginMechanism();
+    static const char *const names[] = {nullptr, "PLAIN", "LOGIN", "CRAM-MD5"};
+    if (mechanism < 1 || mechanism > 3)
+        return;
+    try {
+        const QString username = settings.getUsername();
+        const QString password = settings.getPassword();
+        _smtp->authenticate(username, password, QString::fromLatin1(names[mechanism]));
+    } catch (const MailSettingsError &e) {
+        // Nobody catches this one for the user: logged, and the session waits until it is dropped.
+        systemLog(errorText(e));
+    }
+}
+
+void SimpleSMTP::authenticationCompleted()
+{
+    systemLog(QStringLiteral("Authentication completed! Sending the message..."));
+    _smtp->sendMessage();
+}
+
+void SimpleSMTP::authenticationFailed()
+{
+    systemLog(QStringLiteral("Authentication failed! Closing the connection..."));
+    _smtp->close();
+}
+
+void SimpleSMTP::messageSent()
+{
+    systemLog(QStringLiteral("Sent!\nClosing the connection."));
+    _smtp->close();
+}
+
+void SimpleSMTP::messageNotSent()
+{
+    const QByteArray response = _smtp->lastResponse();
+    if (response.isEmpty()) {
+        systemLog(QStringLiteral("Message not sent!"));
+        return;
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString decoded = decoder.decode(response);
+    if (decoder.hasError())
+        return;
+    const QString text = QStringLiteral("Message not sent. Server response: %1").arg(decoded.trimmed());
+    _controller->doAlert(text, QString());
+    systemLog(text);
+}
+
+void SimpleSMTP::transactionResetCompleted()
+{
+    systemLog(QStringLiteral("Sending the message over the same connection..."));
+    _smtp->sendMessage();
+}
+
+void SimpleSMTP::connectionTerminated()
+{
+    if (!_smtp->failure().isEmpty())
+        systemLog(QStringLiteral("The mail session ended early: %1.").arg(_smtp->failure()));
+    systemLog(QStringLiteral("Connection closed."));
+    _smtp->deleteLater();
+    _smtp = nullptr;
+    Q_EMIT finished();
+}
+
+} // namespace Quillon

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+
+namespace Quillon {
+
+class Preferences;
+class SmtpSession;
+
+// What a delivery asks of the one who wants the mail sent: the settings and a way to tell the user.
+class MailHost
+{
+public:
+    virtual ~MailHost() = default;
+    virtual Preferences &mailPreferences() = 0;
+    virtual void doAlert(const QString &message, const QString &informative) = 0;
+};
+
+// One mail: composes it and drives its own SMTP session from the session's events, logging every
+// step. The policy lives here; the protocol is SmtpSession's.
+class SimpleSMTP final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(SimpleSMTP)
+public:
+    explicit SimpleSMTP(QObject *parent = nullptr);
+    ~SimpleSMTP() override;
+
+    // Returns at once; finished() tells when the delivery is over, whichever way.
+    void sendMail(MailHost &controller, const QString &body, const QString &subject);
+
+    // Limits for every session started from now on: 30 s to connect, 5 minutes for any reply.
+    static void setSessionTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply);
+
+Q_SIGNALS:
+    void finished();
+
+private:
+    void connectionEstablished();
+    void serviceInitialized();
+    void authenticationCompleted();
+    void authenticationFailed();
+    void messageSent();
+    void messageNotSent();
+    void transactionResetCompleted();
+    void connectionTerminated();
+
+    SmtpSession *_smtp = nullptr;
+    MailHost *_controller = nullptr;
+};
+
+} // namespace Quillon

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "Preferences.h"
+#include "SimpleSMTP.h"
+
+#include <QDeadlineTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+// A real SMTP server (aiosmtpd) on loopback, and a self-signed certificate for it.
+namespace Quillon::MailTest {
+
+// Made once per test program; SSL_CERT_FILE then makes us trust it, as it would a private authority.
+inline bool makeCertificate(const QTemporaryDir &dir)
+{
+    QProcess openssl;
+    openssl.start(QStringLiteral("openssl"),
+                  {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
+                   QStringLiteral("-keyout"), dir.filePath(QStringLiteral("key.pem")), QStringLiteral("-out"), dir.filePath(QStringLiteral("cert.pem")),
+                   QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), QStringLiteral("/CN=127.0.0.1"), QStringLiteral("-addext"),
+                   QStringLiteral("subjectAltName=IP:127.0.0.1,IP:127.0.0.2,DNS:localhost")});
+    if (!openssl.waitForFinished(60'000) || openssl.exitCode() != 0)
+        return false;
+    qputenv("SSL_CERT_FILE", dir.filePath(QStringLiteral("cert.pem")).toUtf8());
+    return true;
+}
+
+class Server
+{
+public:
+    // Empty when the server did not come up.
+    bool start(const QTemporaryDir &certDir, QStringList arguments)
+    {
+        arguments << QStringLiteral("--cert") << certDir.filePath(QStringLiteral("cert.pem")) << QStringLiteral("--key")
+                  << certDir.filePath(QStringLiteral("key.pem"));
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QStringLiteral("/usr/bin/python3"), QStringList{QStringLiteral(SMTP_SERVER_SCRIPT)} + arguments);
+        QDeadlineTimer deadline(20'000);
+        while (!deadline.hasExpired()) {
+            if (!m_process.canReadLine() && !m_process.waitForReadyRead(int(deadline.remainingTime())))
+                return false;
+            while (m_process.canReadLine()) {
+                const QByteArray line = m_process.readLine().trimmed();
+                if (line.startsWith("PORT "))
+                    port = line.mid(5).toInt();
+                if (line == "READY")
+                    return port > 0;
+            }
+        }
+        return false;
+    }
+    ~Server()
+    {
+        m_process.closeWriteChannel();
+        if (!m_process.waitForFinished(5000))
+            m_process.kill();
+        m_process.waitForFinished(1000);
+    }
+    // Every "MSG" line so far, parsed.
+    QList<QJsonObject> messages()
+    {
+        while (m_process.canReadLine() || m_process.waitForReadyRead(0)) {
+            const QByteArray line = m_process.readLine().trimmed();
+            if (line.startsWith("MSG "))
+                m_messages << QJsonDocument::fromJson(line.mid(4)).object();
+            else if (line.startsWith("COUNT "))
+                count = line.mid(6).toInt();
+            if (!m_process.canReadLine())
+                break;
+        }
+        return m_messages;
+    }
+
+    int port = 0;
+    int count = 0;
+
+private:
+    QProcess m_process;
+    QList<QJsonObject> m_messages;
+};
+
+// What a delivery needs of the controller, with the alerts kept for the test to read.
+class Host final : public MailHost
+{
+public:
+    explicit Host(Preferences &preferences)
+        : m_preferences(preferences)
+    {
+    }
+    Preferences &mailPreferences() override { return m_preferences; }
+    void doAlert(const QString &message, const QString &informative) override { alerts << QPair(message, informative); }
+    QList<QPair<QString, QString>> alerts;
+
+private:
+    Preferences &m_preferences;
+};
+
+} // namespace Quillon::MailTest

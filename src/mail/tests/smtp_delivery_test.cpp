@@ -1,0 +1,207 @@
+#include "Log.h"
+#include "MailTestSupport.h"
+#include "SettingsKeys.h"
+#include "TestSupport.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace Quillon;
+
+namespace {
+const QString Password = QStringLiteral("s3cr\u00e9t-pw");
+const QString Subject = QStringLiteral("Quillon launched path... \u2603 \u00fcber");
+const QString Body = QStringLiteral("/home/ann/\u65e5\u672c/r\u00e9sum\u00e9.txt\n.a line that starts with a dot\nZeile <3>");
+} // namespace
+
+// Deliveries against real servers, and against broken ones.
+class SmtpDeliveryTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(MailTest::makeCertificate(m_certs));
+        m_settings = std::make_unique<TestSettings>();
+        m_prefs = std::make_unique<Preferences>();
+        setLogSink([this](const QString &line) { m_log << line; });
+    }
+    void init()
+    {
+        m_log.clear();
+        QFile::remove(m_settings->file());
+        m_prefs->synchronize();
+    }
+    void cleanup() { QVERIFY(m_log.filter(Password).isEmpty()); }
+
+    void deliversToARealServer_data()
+    {
+        QTest::addColumn<QStringList>("server");
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<bool>("useSSL");
+        QTest::addColumn<int>("mechanism");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QStringList>("log"); // after "Connecting..."; %1 the mechanisms
+        QTest::addColumn<bool>("delivered");
+        QTest::addColumn<QString>("alert");
+        const QStringList auth{QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password};
+        const QString sent = QStringLiteral("Sent!\nClosing the connection.");
+        const QString closed = QStringLiteral("Connection closed.");
+        const QString mechanisms = QStringLiteral("Available authentication mechanisms: %1");
+        const QString authDone = QStringLiteral("Authentication completed! Sending the message...");
+        QTest::newRow("STARTTLS + CRAM-MD5") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} + auth << "127.0.0.1" << true << 3 << Password
+                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closed} << true << "";
+        QTest::newRow("implicit TLS on 465 + LOGIN") << QStringList{QStringLiteral("--tls"), QStringLiteral("implicit"), QStringLiteral("--port"), QStringLiteral("465")} + auth
+                                                  << "127.0.0.2" << true << 2 << Password
+                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closed} << true << "";
+        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closed} << true << "";
+        QTest::newRow("mechanism 0 with a user name set: no AUTH") << auth << "127.0.0.1" << false << 0 << Password
+                                                                  << QStringList{"Connected!", "Sending the message...", sent, closed} << true << "";
+        QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong")
+                                        << QStringList{"Connected!", mechanisms, "Authentication failed! Closing the connection...", closed} << false << "";
+        QTest::newRow("refused message") << QStringList{QStringLiteral("--refuse")} << "127.0.0.1" << false << 0 << Password
+                                         << QStringList{"Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks"} << false
+                                         << "Message not sent. Server response: 550 Refused: no thanks";
+    }
+    void deliversToARealServer()
+    {
+        QFETCH(QStringList, server);
+        QFETCH(QString, host);
+        QFETCH(bool, useSSL);
+        QFETCH(int, mechanism);
+        QFETCH(QString, password);
+        QFETCH(QStringList, log);
+        QFETCH(bool, delivered);
+        QFETCH(QString, alert);
+        if (server.contains(QLatin1String("465")) && ::geteuid() != 0)
+            QSKIP("Binding port 465 needs root.");
+        MailTest::Server peer;
+        QVERIFY(peer.start(m_certs, server << QStringLiteral("--host") << host));
+        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, host}, {Keys::ServerPort, peer.port},
+                            {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, mechanism}, {Keys::LoginUsername, QStringLiteral("ann")},
+                            {Keys::LoginPassword, password}});
+        MailTest::Host controller(*m_prefs);
+        SimpleSMTP delivery;
+        QSignalSpy finished(&delivery, &SimpleSMTP::finished);
+        delivery.sendMail(controller, Body, Subject);
+        QVERIFY(finished.isEmpty()); // returns at once
+        if (alert.isEmpty())
+            QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 20'000);
+        else
+            QTRY_COMPARE_WITH_TIMEOUT(controller.alerts.size(), 1, 20'000);
+
+        QStringList expected{QStringLiteral("Connecting to the %1 server...").arg(host)};
+        for (const QString &line : log)
+            expected << (line.contains(QLatin1String("%1")) ? line.arg(m_log.value(expected.size()).section(QLatin1String(": "), 1)) : line);
+        QCOMPARE(m_log, expected);
+        if (mechanism > 0)
+            QVERIFY2(m_log.at(expected.indexOf(QStringLiteral("Connected!")) + (useSSL ? 3 : 1)).contains(QLatin1String("PLAIN")), qPrintable(m_log.join(QLatin1Char('|'))));
+        QCOMPARE(controller.alerts.size(), alert.isEmpty() ? 0 : 1);
+        if (!alert.isEmpty())
+            QCOMPARE(controller.alerts.first(), (QPair<QString, QString>(alert, QString())));
+
+        QTRY_COMPARE(peer.messages().size(), delivered ? 1 : 0);
+        if (!delivered)
+            return;
+        const QJsonObject m = peer.messages().first();
+        QCOMPARE(m.value(QLatin1String("mail_from")).toString(), QStringLiteral("ann@example.org"));
+        QCOMPARE(m.value(QLatin1String("rcpt_tos")).toVariant().toStringList(), QStringList{"ann@example.org"});
+        QCOMPARE(m.value(QLatin1String("from")).toString(), QStringLiteral("ann@example.org"));
+        QCOMPARE(m.value(QLatin1String("to")).toString(), QStringLiteral("ann@example.org"));
+        QCOMPARE(m.value(QLatin1String("subject")).toString(), Subject);
+        QCOMPARE(m.value(QLatin1String("content_type")).toString(), QStringLiteral("text/plain"));
+        QCOMPARE(m.value(QLatin1String("charset")).toString(), QStringLiteral("utf-8"));
+        QCOMPARE(m.value(QLatin1String("transfer_encoding")).toString(), QStringLiteral("base64"));
+        QCOMPARE(m.value(QLatin1String("body")).toString(), Body);
+        QCOMPARE(m.value(QLatin1String("authenticated")).toBool(), mechanism > 0);
+    }
+
+    // Unusable settings: an alert and a log line, and no session at all.
+    void settingsThatCannotWork_data()
+    {
+        QTest::addColumn<QVariant>("server");
+        QTest::addColumn<QVariant>("port");
+        QTest::addColumn<QString>("error");
+        const QString badPort = QStringLiteral("Error (BadPort): The outgoing SMTP server 'Port:' preference value is out of range.");
+        QTest::newRow("port 0") << QVariant(QStringLiteral("127.0.0.1")) << QVariant(0) << badPort;
+        QTest::newRow("port 65366") << QVariant(QStringLiteral("127.0.0.1")) << QVariant(65366) << badPort;
+        QTest::newRow("port unset") << QVariant(QStringLiteral("127.0.0.1")) << QVariant() << badPort;
+        QTest::newRow("no server") << QVariant() << QVariant(25)
+                                   << QStringLiteral("Error (NoServer): The outgoing SMTP server 'Address:' preference value has not been specified.");
+    }
+    void settingsThatCannotWork()
+    {
+        QFETCH(QVariant, server);
+        QFETCH(QVariant, port);
+        QFETCH(QString, error);
+        QTcpServer listener;
+        QVERIFY(listener.listen(QHostAddress::LocalHost));
+        m_prefs->setValue(Keys::ServerAddress, server);
+        m_prefs->setValue(Keys::ServerPort, port);
+        if (!server.isValid())
+            m_prefs->setValue(Keys::ServerPort, listener.serverPort());
+        MailTest::Host controller(*m_prefs);
+        SimpleSMTP delivery;
+        QSignalSpy finished(&delivery, &SimpleSMTP::finished);
+        delivery.sendMail(controller, Body, Subject);
+        QCOMPARE(controller.alerts, (QList<QPair<QString, QString>>{{QStringLiteral("An error occurred when sending email."), error}}));
+        QCOMPARE(m_log, QStringList{error});
+        QTRY_COMPARE(finished.count(), 1);
+        QVERIFY(!listener.waitForNewConnection(200));
+    }
+
+    // A broken or hostile server ends its own session, and only that.
+    void brokenServerEndsTheSession_data()
+    {
+        QTest::addColumn<QByteArray>("greeting");
+        QTest::addColumn<bool>("closeAfterEhlo");
+        QTest::newRow("a line longer than 64 KiB") << "220 " + QByteArray(70'000, 'a') << false;
+        QTest::newRow("a reply of 1,001 lines") << QByteArray("220-x\r\n").repeated(1001) + "220 x\r\n" << false;
+        QTest::newRow("garbage") << QByteArray("HELLO THERE\r\n") << false;
+        QTest::newRow("closed after the greeting") << QByteArray("220 hi\r\n") << true;
+        QTest::newRow("closed at once") << QByteArray() << true;
+        QTest::newRow("silence") << QByteArray() << false;
+    }
+    void brokenServerEndsTheSession()
+    {
+        QFETCH(QByteArray, greeting);
+        QFETCH(bool, closeAfterEhlo);
+        QTcpServer listener;
+        QVERIFY(listener.listen(QHostAddress::LocalHost));
+        connect(&listener, &QTcpServer::newConnection, &listener, [&] {
+            QTcpSocket *peer = listener.nextPendingConnection();
+            peer->write(greeting);
+            if (closeAfterEhlo && greeting.isEmpty())
+                peer->disconnectFromHost();
+            connect(peer, &QTcpSocket::readyRead, peer, [peer, closeAfterEhlo] {
+                peer->readAll();
+                if (closeAfterEhlo)
+                    peer->disconnectFromHost();
+            });
+        });
+        m_prefs->setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}});
+        SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds(2000), std::chrono::milliseconds(500));
+        auto defaults = qScopeGuard([] { SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::minutes(5)); });
+        MailTest::Host controller(*m_prefs);
+        SimpleSMTP delivery;
+        QSignalSpy finished(&delivery, &SimpleSMTP::finished);
+        delivery.sendMail(controller, Body, Subject);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 10'000);
+        QCOMPARE(m_log.last(), QStringLiteral("Connection closed."));
+        QCOMPARE(m_log.filter(QStringLiteral("The mail session ended early")).size(), 1);
+        QVERIFY(controller.alerts.isEmpty());
+    }
+
+private:
+    QTemporaryDir m_certs;
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<Preferences> m_prefs;
+    QStringList m_log;
+};
+
+QTEST_GUILESS_MAIN(SmtpDeliveryTest)
+#include "smtp_delivery_test.moc"
