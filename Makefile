@@ -11,7 +11,8 @@ DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libg
         adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps configure build run test bench clean
+.PHONY: deps configure build run test bench fuzz clean
+FUZZ_SECONDS ?= 600
 
 deps:
 	@missing=$$(for p in $(DEPS); do \
@@ -36,6 +37,14 @@ test: build
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b; done
+
+# libFuzzer on the SMTP reply parser; new inputs that add coverage are merged into fuzz/corpus.
+fuzz: deps
+	cmake -S fuzz -B build-fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build build-fuzz -j$(JOBS)
+	mkdir -p build-fuzz/corpus
+	build-fuzz/smtp_reply_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=200000 -rss_limit_mb=2048 build-fuzz/corpus fuzz/corpus
+	build-fuzz/smtp_reply_fuzz -merge=1 fuzz/corpus build-fuzz/corpus
 
 clean:
 	rm -rf $(BUILD)

@@ -3,8 +3,12 @@
 #include "SaslClient.h"
 
 #include <QHostAddress>
+#include <QPointer>
 #include <QSslConfiguration>
 #include <QSslSocket>
+
+#include <deque>
+#include <functional>
 
 namespace Quillon {
 namespace {
@@ -37,6 +41,46 @@ QByteArray addressLiteral(const QHostAddress &address)
         return "[IPv6:" + address.toString().toLatin1() + "]";
     return "[" + (address.isNull() ? QByteArray("127.0.0.1") : address.toString().toLatin1()) + "]";
 }
+
+// Setting up TLS costs most of a millisecond (OpenSSL builds a context per socket), and when many
+// sessions reach that step together the event loop would do them all in one go. Such steps wait
+// here and run one per event-loop turn, so that the window and the timers get turns in between.
+class OneStepPerTurn final : public QObject
+{
+public:
+    static OneStepPerTurn &instance()
+    {
+        static OneStepPerTurn queue;
+        return queue;
+    }
+    void add(QObject *context, std::function<void()> step)
+    {
+        m_steps.push_back({QPointer<QObject>(context), std::move(step)});
+        if (!m_timer.isActive())
+            m_timer.start();
+    }
+
+private:
+    OneStepPerTurn()
+    {
+        m_timer.setInterval(0);
+        m_timer.setSingleShot(true);
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            while (!m_steps.empty()) {
+                auto [context, step] = std::move(m_steps.front());
+                m_steps.pop_front();
+                if (context) {
+                    step();
+                    break;
+                }
+            }
+            if (!m_steps.empty())
+                m_timer.start();
+        });
+    }
+    std::deque<std::pair<QPointer<QObject>, std::function<void()>>> m_steps;
+    QTimer m_timer;
+};
 
 } // namespace
 
@@ -136,10 +180,12 @@ void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
         finish();
     });
     m_timer.start(m_connectTimeout);
-    if (implicitTls)
-        m_socket->connectToHostEncrypted(m_host, m_port);
-    else
-        m_socket->connectToHost(m_host, m_port);
+    OneStepPerTurn::instance().add(this, [this] {
+        if (m_implicitTls)
+            m_socket->connectToHostEncrypted(m_host, m_port);
+        else
+            m_socket->connectToHost(m_host, m_port);
+    });
 }
 
 bool SmtpSession::isSSL() const
@@ -265,7 +311,10 @@ void SmtpSession::onReply(const SmtpReply &reply)
             break;
         }
         m_step = Step::Handshaking;
-        m_socket->startClientEncryption();
+        OneStepPerTurn::instance().add(this, [this] {
+            if (m_socket)
+                m_socket->startClientEncryption();
+        });
         break;
     case Step::Auth:
         onAuthReply(reply);

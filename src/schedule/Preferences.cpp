@@ -108,11 +108,25 @@ void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &va
     writeOut();
 }
 
+Preferences::FileStamp Preferences::currentStamp() const
+{
+    struct stat st{};
+    if (::stat(QFile::encodeName(m_settings.fileName()).constData(), &st) != 0)
+        return {};
+    return {quint64(st.st_ino), qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec};
+}
+
 void Preferences::synchronize()
 {
+    // QSettings parses the whole file again on every sync; the mail getters ask for it at each
+    // call, so a long saved list would be parsed many times per mail. Only a changed file is read.
+    const FileStamp stamp = currentStamp();
+    if (stamp == m_readStamp && stamp.size >= 0)
+        return;
     // Re-reading also writes what is pending; only writeOut may write.
     if (m_fileProblem.isEmpty() || m_problemFileKept)
         m_settings.sync();
+    m_readStamp = stamp;
 }
 
 void Preferences::makeFolder() const
@@ -199,6 +213,7 @@ void Preferences::writeOut()
         ::unlink(backup.constData());
         if (!fileExisted)
             ::chmod(file.constData(), 0600);
+        m_readStamp = currentStamp();
         return;
     }
     struct stat after{};

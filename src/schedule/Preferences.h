@@ -48,7 +48,18 @@ private:
     bool readsBackAsWritten() const;
     void writeOut();
 
+    // The file as last read, to know when another writer changed it.
+    struct FileStamp
+    {
+        quint64 inode = 0;
+        qint64 size = -1;
+        qint64 mtimeNSecs = 0;
+        bool operator==(const FileStamp &) const = default;
+    };
+    FileStamp currentStamp() const;
+
     mutable QSettings m_settings;
+    FileStamp m_readStamp;
     // Why the file found at start could not be read whole; empty when it could.
     QString m_fileProblem;
     bool m_problemFileKept = false;

@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QLabel>
 #include <QTest>
 #include <QTimer>
 
@@ -112,11 +113,13 @@ private Q_SLOTS:
         QFETCH(int, style);
         QFETCH(int, icon);
         start();
-        m_controller->doAlert(QStringLiteral("m"), std::optional<QString>(QStringLiteral("100% %s done")),
+        m_controller->doAlert(QStringLiteral("m"), std::optional<QString>(QStringLiteral("100% %s done <ann@example.org>")),
                               withParent ? m_controller->fileListWindow() : nullptr, style);
         QMessageBox *alert = m_controller->currentAlert();
         QCOMPARE(int(alert->icon()), icon);
-        QCOMPARE(alert->informativeText(), QStringLiteral("100% %s done"));
+        QCOMPARE(alert->informativeText(), QStringLiteral("100% %s done <ann@example.org>"));
+        // Shown as it is: as rich text the address would vanish as a tag.
+        QCOMPARE(alert->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"))->textFormat(), Qt::PlainText);
         QCOMPARE(alert->windowModality(), withParent ? Qt::WindowModal : Qt::ApplicationModal);
         alert->close();
     }

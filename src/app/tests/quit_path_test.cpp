@@ -1,3 +1,5 @@
+#include "MailTestSupport.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -131,6 +133,38 @@ private Q_SLOTS:
         QSettings saved(conf, QSettings::IniFormat);
         QCOMPARE(saved.value(QStringLiteral("TimersRunning")).toBool(), false);
         QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 1);
+    }
+
+    // The last launch's notice is still delivered when that launch also ends the program.
+    void lastNoticeIsDeliveredBeforeQuitting()
+    {
+        QTemporaryDir home;
+        Quillon::MailTest::Server server;
+        QVERIFY(server.start(home, {}));
+        const QString item = home.filePath(QStringLiteral("notes.md"));
+        QFile(item).open(QIODevice::WriteOnly);
+        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        QDir().mkpath(QFileInfo(conf).absolutePath());
+        {
+            QFile f(conf);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
+            f.write("[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\n"
+                    "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n");
+        }
+        QProcess app;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data"))); // no handler: opening just fails
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        app.setProcessEnvironment(env);
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(QStringLiteral(QUILLON_BINARY));
+        QVERIFY(app.waitForFinished(30'000));
+        QCOMPARE(app.exitCode(), 0);
+        QTRY_COMPARE(server.messages().size(), 1);
+        QCOMPARE(server.messages().first().value(QLatin1String("subject")).toString(), QStringLiteral("Quillon launched path..."));
+        QCOMPARE(server.messages().first().value(QLatin1String("body")).toString(), item);
     }
 };
 

@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTemporaryDir>
+#include <QTabWidget>
 #include <QTest>
 
 using namespace Quillon;
@@ -62,6 +63,22 @@ private Q_SLOTS:
         QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
         QCOMPARE(test.count(), 1);
         QVERIFY(!m_prefs->rememberItems());
+    }
+
+    // Enter in a mail field must not send a test mail, and the port stops where the getter does.
+    void enterSendsNothingAndThePortStopsAt65365()
+    {
+        PreferencesDialog dialog(*m_prefs);
+        QSignalSpy test(&dialog, &PreferencesDialog::testEmailRequested);
+        dialog.show();
+        QLineEdit *server = control<QLineEdit>(dialog, Keys::ServerAddress);
+        dialog.findChild<QTabWidget *>()->setCurrentWidget(server->parentWidget());
+        server->setFocus();
+        QTest::keyClick(server, Qt::Key_Return);
+        QCOMPARE(test.count(), 0);
+        QSpinBox *port = control<QSpinBox>(dialog, Keys::ServerPort);
+        port->setValue(65535);
+        QCOMPARE(port->value(), 65365);
     }
 
 private:
