@@ -31,12 +31,18 @@ class Server
 {
 public:
     // Empty when the server did not come up.
-    bool start(const QTemporaryDir &certDir, QStringList arguments)
+    bool start(const QTemporaryDir &certDir, QStringList arguments) { return start(certDir, {}, std::move(arguments)); }
+    // onCpu: the processor to keep the server on (through taskset), for benchmarks.
+    bool start(const QTemporaryDir &certDir, const QString &onCpu, QStringList arguments)
     {
         arguments << QStringLiteral("--cert") << certDir.filePath(QStringLiteral("cert.pem")) << QStringLiteral("--key")
                   << certDir.filePath(QStringLiteral("key.pem"));
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QStringLiteral("/usr/bin/python3"), QStringList{QStringLiteral(SMTP_SERVER_SCRIPT)} + arguments);
+        const QStringList command = QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral(SMTP_SERVER_SCRIPT)} + arguments;
+        if (onCpu.isEmpty())
+            m_process.start(command.first(), command.mid(1));
+        else
+            m_process.start(QStringLiteral("taskset"), QStringList{QStringLiteral("-c"), onCpu} + command);
         QDeadlineTimer deadline(20'000);
         while (!deadline.hasExpired()) {
             if (!m_process.canReadLine() && !m_process.waitForReadyRead(int(deadline.remainingTime())))
