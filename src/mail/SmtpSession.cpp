@@ -121,9 +121,12 @@ SmtpSession::SmtpSession(QString host, quint16 port, QObject *parent)
     trustCertificatesFromEnvironment();
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] {
-        fail(m_step == Step::Connecting
-                 ? QStringLiteral("no connection within %1 s").arg(m_connectTimeout.count() / 1000)
-                 : QStringLiteral("the server did not answer within %1 s").arg(m_replyTimeout.count() / 1000));
+        if (m_step == Step::Connecting)
+            fail(QStringLiteral("no connection within %1 s").arg(m_connectTimeout.count() / 1000));
+        else if (m_step == Step::Idle)
+            fail(QStringLiteral("nothing happened for %1 s").arg(m_replyTimeout.count() / 1000));
+        else
+            fail(QStringLiteral("the server did not answer within %1 s").arg(m_replyTimeout.count() / 1000));
     });
 }
 
