@@ -4,6 +4,7 @@
 #include "ShebangScriptRunner.h"
 #include "TimerFdClock.h"
 #include "UnixSignalWatcher.h"
+#include "WakeAlarms.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -40,7 +41,8 @@ int main(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
 
     TimerFdClock clock;
-    LogindPowerService power;
+    // Ways of waking the machine, best first.
+    LogindPowerService power({new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm});
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come

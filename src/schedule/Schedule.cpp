@@ -9,6 +9,8 @@
 #include "TimerQueue.h"
 #include "WallClock.h"
 
+#include <QTimer>
+
 #include <QtNumeric>
 
 #include <algorithm>
@@ -90,6 +92,7 @@ void Schedule::addPath(const QString &path, int index)
     m_paths.insert(index, path);
     m_dates.insert(std::min<qsizetype>(index, m_dates.size()), now());
     m_timers.insert(index, TimerSlot());
+    m_slotIndexStale = true;
     Q_EMIT rowsInserted();
 }
 
@@ -103,6 +106,7 @@ void Schedule::appendPaths(const QStringList &paths)
         m_dates.append(now());
         m_timers.append(TimerSlot());
     }
+    m_slotIndexStale = true;
     Q_EMIT rowsInserted();
 }
 
@@ -117,6 +121,7 @@ void Schedule::insertPaths(int index, const QStringList &paths)
     std::copy(paths.begin(), paths.end(), m_paths.begin() + index);
     m_dates.insert(std::min<qsizetype>(index, m_dates.size()), n, stamp);
     m_timers.insert(index, n, TimerSlot());
+    m_slotIndexStale = true;
     Q_EMIT rowsInserted();
 }
 
@@ -132,6 +137,7 @@ void Schedule::removeRows(QList<int> rows)
         if (row < m_dates.size())
             m_dates.removeAt(row);
         m_timers.removeAt(row);
+        m_slotIndexStale = true;
         Q_EMIT rowsRemoved();
     }
 }
@@ -142,6 +148,7 @@ void Schedule::removeAll()
     m_paths.clear();
     m_dates.clear();
     m_timers.clear();
+    m_slotIndexStale = true;
     Q_EMIT reset();
 }
 
@@ -152,6 +159,7 @@ void Schedule::moveRow(int from, int to)
     Q_EMIT rowAboutToBeMoved(from, to);
     moveElement(m_paths, from, to);
     moveElement(m_timers, from, to);
+    m_slotIndexStale = true;
     moveElement(m_dates, from, to);
     Q_EMIT rowMoved();
 }
@@ -224,6 +232,7 @@ void Schedule::restoreItems()
             m_dates.append(now());
         m_timers.append(TimerSlot());
     }
+    m_slotIndexStale = true;
     Q_EMIT reset();
     Q_EMIT reloadTable();
     if (m_timersRunning)
@@ -252,6 +261,7 @@ void Schedule::showRunning()
 void Schedule::startTimers(bool quiet)
 {
     m_timersRemaining = 0;
+    m_slotIndexStale = true;
     const qint64 nowMSecs = m_clock.nowMSecs();
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
         if (i >= m_dates.size())
@@ -275,6 +285,7 @@ void Schedule::startTimers(bool quiet)
 
 void Schedule::invalidateTimers(bool keepSlots)
 {
+    m_slotIndexStale = true;
     for (TimerSlot &slot : m_timers) {
         if (!slot)
             continue;
@@ -321,14 +332,16 @@ void Schedule::launch(const TimerSlot &timer)
         const qint64 nowMSecs = m_clock.nowMSecs();
         // A late item fires again at once, and from then on its series counts from the present.
         const qint64 fireAt = next > nowMSecs ? next : nowMSecs;
-        const qsizetype k = m_timers.indexOf(timer);
+        const qsizetype k = slotOf(timer);
         if (k < 0) {
             systemLog(QStringLiteral("A repeating item fired after its row was removed; it is not re-armed."));
         } else {
+            m_slotIndex.remove(timer.get());
             m_timers[k] = armTimer(timer->path(), fireAt);
+            m_slotIndex.insert(m_timers[k].get(), k);
             if (k < m_dates.size())
                 m_dates[k] = QDateTime::fromMSecsSinceEpoch(next);
-            scheduleWakeUp();
+            scheduleWakeUpSoon();
         }
     }
     timer->invalidate();
@@ -343,16 +356,40 @@ void Schedule::launch(const TimerSlot &timer)
     }
 }
 
+// The slot of a timer, found by identity. Firing 30,000 repeating items in a second would make a
+// search per firing quadratic; the map is rebuilt only after rows or slots changed.
+qsizetype Schedule::slotOf(const TimerSlot &timer)
+{
+    if (m_slotIndexStale) {
+        m_slotIndex.clear();
+        m_slotIndex.reserve(m_timers.size());
+        for (qsizetype i = 0; i < m_timers.size(); ++i) {
+            if (m_timers.at(i))
+                m_slotIndex.insert(m_timers.at(i).get(), i);
+        }
+        m_slotIndexStale = false;
+    }
+    return m_slotIndex.value(timer.get(), -1);
+}
+
+void Schedule::scheduleWakeUpSoon()
+{
+    // Each repeat asks again; one request per event-loop turn is enough.
+    if (std::exchange(m_wakeUpQueued, true))
+        return;
+    QTimer::singleShot(0, this, [this] {
+        m_wakeUpQueued = false;
+        scheduleWakeUp();
+    });
+}
+
 void Schedule::scheduleWakeUp()
 {
     if (m_timers.isEmpty() || !m_power)
         return;
-    const qint64 nowMSecs = m_clock.nowMSecs();
-    std::optional<qint64> earliest;
-    for (const TimerSlot &slot : std::as_const(m_timers)) {
-        if (slot && slot->isValid() && slot->fireMSecs() > nowMSecs && (!earliest || slot->fireMSecs() < *earliest))
-            earliest = slot->fireMSecs();
-    }
+    // Every armed timer is in the queue, which keeps them in order; a timer of a removed row has
+    // no owner left there and does not count.
+    const std::optional<qint64> earliest = m_queue->earliestLiveAfter(m_clock.nowMSecs());
     if (earliest)
         m_power->schedulePowerWake(QDateTime::fromMSecsSinceEpoch(*earliest), WakeLeadSeconds);
 }

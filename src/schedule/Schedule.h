@@ -3,6 +3,7 @@
 #include "ItemTimer.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -60,6 +61,8 @@ public:
     void launch(const TimerSlot &timer);
     void startStopButtonClicked();
     void scheduleWakeUp();
+    // scheduleWakeUp() on the next event-loop turn, once however often it is asked for meanwhile.
+    void scheduleWakeUpSoon();
     // The machine came back from sleep.
     void afterWake();
 
@@ -83,6 +86,7 @@ private:
     void showStopped();
     void showRunning();
     TimerSlot armTimer(const QString &path, qint64 fireMSecs);
+    qsizetype slotOf(const TimerSlot &timer);
 
     Preferences &m_preferences;
     WallClock &m_clock;
@@ -95,6 +99,9 @@ private:
     QList<TimerSlot> m_timers;
     bool m_timersRunning = false;
     qint32 m_timersRemaining = 0;
+    QHash<const ItemTimer *, qsizetype> m_slotIndex;
+    bool m_slotIndexStale = true;
+    bool m_wakeUpQueued = false;
 };
 
 // Moves one element from s to t, shifting those between; out-of-range or equal indexes do nothing.

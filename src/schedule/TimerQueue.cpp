@@ -87,6 +87,31 @@ void TimerQueue::reaim(bool force)
     }
 }
 
+std::optional<qint64> TimerQueue::earliestLiveAfter(qint64 after) const
+{
+    // An entry's children are never earlier than it, so below a live entry later than after there
+    // is nothing better; only entries at or before after, or dead ones, are looked beneath.
+    std::optional<qint64> best;
+    std::vector<size_t> stack{0};
+    while (!stack.empty()) {
+        const size_t i = stack.back();
+        stack.pop_back();
+        if (i >= m_heap.size())
+            continue;
+        const Entry &e = m_heap[i];
+        if (best && e.deadline >= *best)
+            continue;
+        const auto t = e.timer.lock();
+        if (t && t->isValid() && e.deadline > after) {
+            best = e.deadline;
+            continue;
+        }
+        stack.push_back(2 * i + 1);
+        stack.push_back(2 * i + 2);
+    }
+    return best;
+}
+
 void TimerQueue::onExpired()
 {
     const qint64 now = m_clock.nowMSecs();

@@ -5,6 +5,7 @@
 #include <QObject>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace Quillon {
@@ -26,6 +27,9 @@ public:
     // A timer that fires at fireMSecs; one already due fires from the event loop as soon as it can.
     TimerSlot schedule(const QString &path, qint64 fireMSecs);
     int liveCount() const { return m_live; }
+    // The earliest deadline of a live timer strictly after after; walks only the heap's front,
+    // never every entry.
+    std::optional<qint64> earliestLiveAfter(qint64 after) const;
 
 private:
     friend class ItemTimer;

@@ -264,10 +264,47 @@ private Q_SLOTS:
         m_schedule->setPowerService(&power);
         m_prefs->setValue(Keys::RepeatSeconds, 1);
         m_prefs->setValue(Keys::TimeUnit, 2);
-        add({{"a", 10}, {"b", 1800}});
+        add({{"a", 10}, {"b", 1800}, {"c", 10}});
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000);
-        QCOMPARE(power.wakes, QList<QDateTime>{at(1800 - 15)});
+        // Two repeats in one turn, one request.
+        QTRY_COMPARE(power.wakes, QList<QDateTime>{at(1800 - 15)});
+        QTest::qWait(20);
+        QCOMPARE(power.wakes.size(), 1);
+    }
+
+    // Before sleep: 15 s ahead of the earliest timer that is still armed and still to come.
+    void sleepAsksForOneWake_data()
+    {
+        QTest::addColumn<QString>("story");
+        QTest::addColumn<QList<QDateTime>>("wakes");
+        QTest::newRow("10:00 and 09:30: wake at 09:29:45") << "two" << QList<QDateTime>{at(1800 - 15)};
+        QTest::newRow("nothing armed") << "none" << QList<QDateTime>{};
+        QTest::newRow("schedule stopped") << "stopped" << QList<QDateTime>{};
+        QTest::newRow("fired and cancelled timers do not count") << "moved" << QList<QDateTime>{at(3600 - 15)};
+        QTest::newRow("sleep disabled") << "disabled" << QList<QDateTime>{};
+    }
+    void sleepAsksForOneWake()
+    {
+        QFETCH(QString, story);
+        QFETCH(QList<QDateTime>, wakes);
+        FakePowerService power;
+        m_schedule->setPowerService(&power);
+        power.sleepEnabled = story != QLatin1String("disabled");
+        if (story != QLatin1String("none"))
+            add({{"ten", 3600}, {"half past nine", 1800}});
+        if (story == QLatin1String("moved"))
+            add({{"soon", 5}});
+        m_schedule->startStopButtonClicked();
+        if (story == QLatin1String("stopped"))
+            m_schedule->startStopButtonClicked();
+        if (story == QLatin1String("moved")) {
+            m_clock->advance(5000); // "soon" fires and is spent
+            m_schedule->setDate({1}, at(7200));
+            m_schedule->restartTimers(); // its old timer is cancelled
+        }
+        m_schedule->scheduleWakeUp();
+        QCOMPARE(power.wakes, wakes);
     }
 
     void realClockArmsFarDatesAndFiresNearOnesOnTime()
