@@ -1,0 +1,313 @@
+#include "FakeClock.h"
+#include "FakeWakeAlarm.h"
+#include "Log.h"
+#include "LogindPowerService.h"
+#include "Preferences.h"
+#include "Schedule.h"
+#include "TestSupport.h"
+#include "WakeAlarms.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDir>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace Quillon;
+using Test::at;
+
+namespace {
+const QString Logind = QStringLiteral("org.freedesktop.login1");
+const QString LogindPath = QStringLiteral("/org/freedesktop/login1");
+const QString LogindManager = QStringLiteral("org.freedesktop.login1.Manager");
+const QString MockInterface = QStringLiteral("org.freedesktop.DBus.Mock");
+
+QString readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+}
+
+// python3-dbusmock serving one name on the private bus, logging every call it gets.
+class Mock
+{
+public:
+    bool start(const QStringList &arguments, const QString &name, const QString &log)
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.setStandardOutputFile(QProcess::nullDevice());
+        m_process.start(QStringLiteral("/usr/bin/python3"), QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("-l"), log} + arguments);
+        QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
+        for (int i = 0; i < 200 && !bus->isServiceRegistered(name); ++i)
+            QTest::qWait(50);
+        return bus->isServiceRegistered(name);
+    }
+    ~Mock()
+    {
+        m_process.terminate();
+        m_process.waitForFinished(3000);
+    }
+
+private:
+    QProcess m_process;
+};
+
+QDBusMessage call(const QString &service, const QString &path, const QString &interface, const QString &method, const QVariantList &args)
+{
+    QDBusMessage m = QDBusMessage::createMethodCall(service, path, interface, method);
+    m.setArguments(args);
+    return QDBusConnection::sessionBus().call(m);
+}
+} // namespace
+
+// Sleep, wake and the ways of waking the machine, against mocked logind, KDE and systemd services
+// on a private D-Bus, and the real kernel alarm where the test may arm one.
+class WakeTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        QVERIFY(m_bus.waitForReadyRead(10'000));
+        const QByteArray address = m_bus.readLine().trimmed();
+        // One private bus stands in for both; set before Qt connects to either.
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        QVERIFY(QDBusConnection::sessionBus().isConnected());
+        m_settings = std::make_unique<TestSettings>();
+        m_prefs = std::make_unique<Preferences>();
+        setLogSink([this](const QString &line) { m_log << line; });
+    }
+    void cleanupTestCase()
+    {
+        m_bus.kill();
+        m_bus.waitForFinished();
+    }
+    void init() { m_log.clear(); }
+
+    void sleepRequestsOneWake_data()
+    {
+        QTest::addColumn<QString>("canSuspend");
+        QTest::addColumn<QString>("story");
+        QTest::addColumn<QList<qint64>>("requests");
+        const qint64 wake = at(1800 - 15).toSecsSinceEpoch();
+        QTest::newRow("10:00 and 09:30: one wake at 09:29:45") << "yes" << "two" << QList<qint64>{wake};
+        QTest::newRow("no armed item") << "yes" << "none" << QList<qint64>{};
+        QTest::newRow("schedule stopped") << "yes" << "stopped" << QList<qint64>{};
+        QTest::newRow("sleep not available (na)") << "na" << "two" << QList<qint64>{};
+    }
+    void sleepRequestsOneWake()
+    {
+        QFETCH(QString, canSuspend);
+        QFETCH(QString, story);
+        QFETCH(QList<qint64>, requests);
+        Mock logind;
+        QVERIFY(logind.start({QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind"), QStringLiteral("-p"),
+                              QStringLiteral("{\"CanSuspend\": \"%1\"}").arg(canSuspend)},
+                             Logind, m_home.filePath(QStringLiteral("logind.log"))));
+        auto *alarm = new FakeWakeAlarm;
+        LogindPowerService power({alarm});
+        FakeClock clock(Test::Now);
+        Schedule schedule(*m_prefs, clock);
+        schedule.setPowerService(&power);
+        connect(&power, &PowerService::willSleep, &schedule, &Schedule::scheduleWakeUp);
+        QVERIFY(power.registerForNotifications());
+        QTRY_VERIFY(power.holdsInhibitor());
+        if (story != QLatin1String("none")) {
+            schedule.appendPaths({QStringLiteral("/ten"), QStringLiteral("/half-past-nine")});
+            schedule.setDateAt(0, at(3600));
+            schedule.setDateAt(1, at(1800));
+            schedule.startStopButtonClicked();
+        }
+        if (story == QLatin1String("stopped"))
+            schedule.startStopButtonClicked();
+        QTest::qWait(100); // CanSuspend's answer
+        emitPrepareForSleep(true);
+        QTRY_VERIFY(!power.holdsInhibitor());
+        QCOMPARE(alarm->requests, requests);
+    }
+
+    // Held while awake; let go only once the request is with the kernel or the daemon; taken again on wake.
+    void inhibitorIsReleasedOnlyAfterTheRequest()
+    {
+        Mock logind;
+        QVERIFY(logind.start({QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind")}, Logind, m_home.filePath(QStringLiteral("l.log"))));
+        auto *alarm = new FakeWakeAlarm;
+        alarm->hold = true;
+        LogindPowerService power({alarm});
+        FakeClock clock(Test::Now);
+        Schedule schedule(*m_prefs, clock);
+        schedule.setPowerService(&power);
+        connect(&power, &PowerService::willSleep, &schedule, &Schedule::scheduleWakeUp);
+        QSignalSpy resumed(&clock, &WallClock::resumed);
+        connect(&power, &PowerService::didWake, &clock, &WallClock::checkForResume);
+        QVERIFY(power.registerForNotifications());
+        QTRY_VERIFY(power.holdsInhibitor());
+        QTRY_COMPARE(inhibitors(), 1);
+        schedule.appendPaths({QStringLiteral("/item")});
+        schedule.setDateAt(0, at(600));
+        schedule.startStopButtonClicked();
+
+        emitPrepareForSleep(true);
+        QTRY_COMPARE(alarm->requests.size(), 1);
+        QTest::qWait(200);
+        QVERIFY(power.holdsInhibitor());
+        alarm->acknowledge();
+        QVERIFY(!power.holdsInhibitor());
+        QTRY_COMPARE(inhibitors(), 0);
+
+        emitPrepareForSleep(false);
+        QTRY_VERIFY(power.holdsInhibitor());
+        QTRY_COMPARE(inhibitors(), 1);
+        // Nothing slept in the fake clock's view: the schedule is left as it was.
+        QVERIFY(schedule.timersRunning());
+        QCOMPARE(schedule.timersRemaining(), 1);
+    }
+
+    // The first way that works does the work; with none, the log says so once.
+    void firstAvailableWayIsUsed()
+    {
+        auto *missing = new FakeWakeAlarm(false);
+        auto *present = new FakeWakeAlarm(true);
+        LogindPowerService power({missing, present});
+        power.registerForNotifications();
+        QCOMPARE(power.chosenAlarm(), present);
+        QVERIFY(power.schedulePowerWake(at(100), 15));
+        QCOMPARE(present->requests, QList<qint64>{at(85).toSecsSinceEpoch()});
+
+        LogindPowerService none({new FakeWakeAlarm(false)});
+        none.registerForNotifications();
+        QVERIFY(!none.schedulePowerWake(at(100), 15));
+        QVERIFY(!none.schedulePowerWake(at(200), 15));
+        QCOMPARE(m_log.filter(QStringLiteral("No wake-up can be arranged")).size(), 1);
+    }
+
+    void kdePowerDaemonGetsTheEpochSeconds()
+    {
+        const QString service = QStringLiteral("org.kde.Solid.PowerManagement");
+        const QString log = m_home.filePath(QStringLiteral("kde.log"));
+        Mock kde;
+        QVERIFY(kde.start({service, QStringLiteral("/org/kde/Solid/PowerManagement"), service}, service, log));
+        call(service, QStringLiteral("/org/kde/Solid/PowerManagement"), MockInterface, QStringLiteral("AddMethod"),
+             {service, QStringLiteral("scheduleWakeup"), QStringLiteral("sot"), QStringLiteral("u"), QStringLiteral("ret = 7")});
+        KdeWakeAlarm alarm;
+        QSignalSpy probed(&alarm, &WakeAlarm::probed);
+        QSignalSpy done(&alarm, &WakeAlarm::requestDone);
+        alarm.probe();
+        QTRY_COMPARE(probed.count(), 1);
+        QVERIFY(probed.first().first().toBool());
+        alarm.request(1'900'000'123);
+        QTRY_COMPARE(done.count(), 1);
+        QVERIFY(done.first().first().toBool());
+        QTRY_VERIFY(readFile(log).contains(QLatin1String("scheduleWakeup")));
+        QVERIFY2(readFile(log).contains(QLatin1String("1900000123")), qPrintable(readFile(log)));
+    }
+
+    void systemdTimerOnlyFrom254_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("used");
+        QTest::newRow("254") << "254" << true;
+        QTest::newRow("252 (Debian 12)") << "252.22-1~deb12u1" << false;
+    }
+    void systemdTimerOnlyFrom254()
+    {
+        QFETCH(QString, version);
+        QFETCH(bool, used);
+        const QString service = QStringLiteral("org.freedesktop.systemd1");
+        const QString log = m_home.filePath(QStringLiteral("systemd-%1.log").arg(version));
+        Mock systemd;
+        QVERIFY(systemd.start({QStringLiteral("--session"), QStringLiteral("--template"), QStringLiteral("systemd")}, service, log));
+        call(service, QStringLiteral("/org/freedesktop/systemd1"), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
+             {QStringLiteral("org.freedesktop.systemd1.Manager"), QStringLiteral("Version"), QVariant::fromValue(QDBusVariant(version))});
+        auto *alarm = new SystemdWakeAlarm;
+        LogindPowerService power({alarm});
+        QSignalSpy chosen(&power, &LogindPowerService::wakeChoiceMade);
+        power.registerForNotifications();
+        QTRY_COMPARE(chosen.count(), 1);
+        QCOMPARE(power.chosenAlarm() == alarm, used);
+        QSignalSpy done(alarm, &WakeAlarm::requestDone);
+        power.schedulePowerWake(QDateTime(QDate(2027, 1, 15), QTime(7, 0, 15), Qt::UTC), 15);
+        if (!used) {
+            QTest::qWait(200);
+            QVERIFY(!readFile(log).contains(QLatin1String("StartTransientUnit")));
+            return;
+        }
+        QTRY_COMPARE(done.count(), 1);
+        const QString calls = readFile(log);
+        QVERIFY2(calls.contains(QLatin1String("StartTransientUnit")), qPrintable(calls));
+        QVERIFY2(calls.contains(QLatin1String("WakeSystem")) && calls.contains(QLatin1String("2027-01-15 07:00:00 UTC")), qPrintable(calls));
+    }
+
+    // The real helper, as root (which holds CAP_WAKE_ALARM): an alarm timer armed for the time asked.
+    void helperArmsAKernelWakeAlarm()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Arming a wake alarm needs CAP_WAKE_ALARM, which root holds.");
+        auto alarm = std::make_unique<HelperWakeAlarm>(QStringLiteral(WAKE_HELPER));
+        QSignalSpy probed(alarm.get(), &WakeAlarm::probed);
+        QSignalSpy done(alarm.get(), &WakeAlarm::requestDone);
+        alarm->probe();
+        QTRY_COMPARE(probed.count(), 1);
+        QVERIFY2(probed.first().first().toBool(), qPrintable(probed.first().last().toString()));
+        const qint64 when = QDateTime::currentSecsSinceEpoch() + 3600;
+        alarm->request(when);
+        QTRY_COMPARE(done.count(), 1);
+        QVERIFY(done.first().first().toBool());
+
+        const qint64 pid = alarm->helperPid();
+        bool found = false;
+        const QString fdDir = QStringLiteral("/proc/%1/fd").arg(pid);
+        for (const QString &fd : QDir(fdDir).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)) {
+            if (QFile::symLinkTarget(fdDir + QLatin1Char('/') + fd) != QLatin1String("anon_inode:[timerfd]") &&
+                !QFileInfo(fdDir + QLatin1Char('/') + fd).symLinkTarget().contains(QLatin1String("timerfd")))
+                continue;
+            const QString info = readFile(QStringLiteral("/proc/%1/fdinfo/%2").arg(pid).arg(fd));
+            if (!info.contains(QLatin1String("clockid: 8")))
+                continue;
+            // it_value: (seconds, nanoseconds) left.
+            const qint64 left = info.section(QLatin1String("it_value: ("), 1).section(QLatin1Char(','), 0, 0).toLongLong();
+            found = qAbs(left - 3600) <= 5;
+        }
+        QVERIFY(found);
+        alarm.reset(); // Quillon quits: the helper's input closes and it ends
+        QTRY_VERIFY(!QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)) ||
+                    readFile(QStringLiteral("/proc/%1/stat").arg(pid)).contains(QLatin1String(") Z ")));
+    }
+
+private:
+    void emitPrepareForSleep(bool start)
+    {
+        call(Logind, LogindPath, MockInterface, QStringLiteral("EmitSignal"),
+             {LogindManager, QStringLiteral("PrepareForSleep"), QStringLiteral("b"), QVariant::fromValue(QVariantList{start})});
+    }
+    int inhibitors()
+    {
+        const QDBusMessage reply = call(Logind, LogindPath, LogindManager, QStringLiteral("ListInhibitors"), {});
+        const QDBusArgument list = reply.arguments().value(0).value<QDBusArgument>();
+        int n = 0;
+        list.beginArray();
+        while (!list.atEnd()) {
+            QVariant entry;
+            list >> entry;
+            ++n;
+        }
+        list.endArray();
+        return n;
+    }
+
+    QProcess m_bus;
+    QTemporaryDir m_home;
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<Preferences> m_prefs;
+    QStringList m_log;
+};
+
+QTEST_GUILESS_MAIN(WakeTest)
+#include "wake_test.moc"
