@@ -8,10 +8,11 @@ CMAKE_EXTRA := -DQUILLON_SANITIZE=ON
 endif
 DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libgmime-3.0-dev \
         libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
-        adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev
+        adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev \
+        qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n appstream libcap2-bin dpkg-dev file
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps configure build run test bench fuzz clean
+.PHONY: deps configure build run test bench fuzz install package clean
 FUZZ_SECONDS ?= 600
 
 deps:
@@ -34,6 +35,15 @@ run: build
 
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 300
+
+# Installs under PREFIX (default /usr/local); the wake helper gets its capability where setcap works.
+PREFIX ?= /usr/local
+install: build
+	$(SUDO) cmake --install $(BUILD) --prefix $(PREFIX)
+
+# A Debian package in $(BUILD): quillon_<version>_<arch>.deb.
+package: build
+	cd $(BUILD) && cpack -G DEB
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b; done

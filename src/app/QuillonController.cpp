@@ -54,6 +54,7 @@ void QuillonController::awakeFromNib()
     connect(m_window, &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
     connect(m_window, &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
     connect(m_window, &MainWindow::helpRequested, this, &QuillonController::openHelpURL);
+    connect(m_window, &MainWindow::aboutRequested, this, &QuillonController::showAbout);
     connect(m_window, &MainWindow::quitRequested, this, &QuillonController::terminate);
 
     m_schedule.setPowerService(&m_platform.power);
@@ -114,6 +115,26 @@ void QuillonController::showMainWindow()
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+}
+
+void QuillonController::startHidden()
+{
+    if (!m_tray)
+        m_window->showMinimized();
+}
+
+void QuillonController::showAbout()
+{
+    // Not QMessageBox::about(): that runs a nested event loop, and the timers must go on.
+    auto *box = new QMessageBox(QMessageBox::NoIcon, tr("About Quillon"),
+                                tr("<h3>Quillon %1</h3><p>Opens files, applications and scripts at the times you choose.</p>"
+                                   "<p>Free software under the GNU General Public License, version 3 or later.</p>")
+                                    .arg(QCoreApplication::applicationVersion()),
+                                QMessageBox::Ok, m_window);
+    box->setObjectName(QStringLiteral("aboutDialog"));
+    box->setIconPixmap(QApplication::windowIcon().pixmap(96, 96));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void QuillonController::setUpTray()

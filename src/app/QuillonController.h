@@ -61,6 +61,9 @@ public:
     void testEmail();
     void showPreferences();
     void showMainWindow();
+    // A start at login: the schedule runs, the window stays in the tray (minimised without one).
+    void startHidden();
+    void showAbout();
 
     Schedule &schedule() { return m_schedule; }
     Preferences &preferences() { return m_preferences; }

@@ -2,13 +2,18 @@
 #include "LogindPowerService.h"
 #include "QuillonController.h"
 #include "ShebangScriptRunner.h"
+#include "SingleInstance.h"
 #include "TimerFdClock.h"
+#include "Translations.h"
 #include "UnixSignalWatcher.h"
 #include "WakeAlarms.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QIcon>
+#include <QStandardPaths>
 
+#include <cstdio>
 #include <sys/resource.h>
 
 using namespace Quillon;
@@ -24,19 +29,70 @@ void raiseOpenFileLimit()
         ::setrlimit(RLIMIT_NOFILE, &limit);
     }
 }
+
+bool haveDisplay()
+{
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    if (!platform.isEmpty() && !platform.startsWith("xcb") && !platform.startsWith("wayland"))
+        return true; // offscreen, vnc, ...: Qt needs no display server for those
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
 } // namespace
 
 int main(int argc, char *argv[])
 {
     raiseOpenFileLimit();
+    QCoreApplication::setOrganizationName(QStringLiteral("Quillon"));
+    QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
+
+    // The command line is read before anything touches the display or the settings.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Quillon opens files, applications and scripts at the times you choose."));
+    const QCommandLineOption helpOption = parser.addHelpOption();
+    const QCommandLineOption versionOption = parser.addVersionOption();
+    const QCommandLineOption autostart(QStringLiteral("autostart"), QStringLiteral("Start as the login session does: the schedule runs, the window stays hidden."));
+    parser.addOption(autostart);
+    if (!parser.parse(arguments)) {
+        std::fprintf(stderr, "quillon: %s (try --help)\n", qPrintable(parser.errorText()));
+        return 2;
+    }
+    if (parser.isSet(helpOption)) {
+        std::fputs(qPrintable(parser.helpText()), stdout);
+        return 0;
+    }
+    if (parser.isSet(versionOption)) {
+        std::printf("quillon %s\n", QUILLON_VERSION);
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        std::fprintf(stderr, "quillon: unexpected argument '%s' (try --help)\n", qPrintable(parser.positionalArguments().first()));
+        return 2;
+    }
+    if (!haveDisplay()) {
+        std::fputs("quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n", stderr);
+        return 1;
+    }
+
     QApplication app(argc, argv);
-    QApplication::setOrganizationName(QStringLiteral("Quillon"));
-    QApplication::setApplicationName(QStringLiteral("Quillon"));
-    QApplication::setDesktopFileName(QStringLiteral("quillon"));
+    QApplication::setDesktopFileName(QStringLiteral(QUILLON_APP_ID));
+    // A second start hands over to the running one before it reads or writes the settings.
+    SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    if (!instance.claim())
+        return 0;
+
+    installTranslations(app);
     // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
         QIcon::setThemeName(QStringLiteral("Adwaita"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("alarm-symbolic"), QIcon::fromTheme(QStringLiteral("appointment-soon"))));
+    // Our own icon, built in: the tray must never be blank because a theme lacks one.
+    QIcon icon;
+    for (const char *size : {"48", "128", "256"})
+        icon.addFile(QStringLiteral(":/icons/quillon-%1.png").arg(QLatin1String(size)));
+    QApplication::setWindowIcon(icon);
     // A running schedule lives on when the window is closed.
     QApplication::setQuitOnLastWindowClosed(false);
 
@@ -45,6 +101,7 @@ int main(int argc, char *argv[])
     LogindPowerService power({new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm});
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
+
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come
     // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
@@ -52,8 +109,12 @@ int main(int argc, char *argv[])
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
+    QObject::connect(&instance, &SingleInstance::activationRequested, &controller, &QuillonController::showMainWindow);
 
     controller.awakeFromNib();
-    controller.applicationWillFinishLaunching();
+    if (parser.isSet(autostart))
+        controller.startHidden();
+    else
+        controller.applicationWillFinishLaunching();
     return app.exec();
 }

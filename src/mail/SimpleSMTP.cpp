@@ -60,7 +60,7 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         _smtp->connectInBackgroundAndNotify(settings.useSSL() && port == ImplicitTlsPort);
     } catch (const MailSettingsError &e) {
         delete std::exchange(_smtp, nullptr);
-        controller.doAlert(QStringLiteral("An error occurred when sending email."), errorText(e));
+        controller.doAlert(tr("An error occurred when sending email."), errorText(e));
         systemLog(errorText(e));
         QTimer::singleShot(0, this, &SimpleSMTP::finished);
     }
@@ -137,9 +137,9 @@ void SimpleSMTP::messageNotSent()
     const QString decoded = decoder.decode(response);
     if (decoder.hasError())
         return;
-    const QString text = QStringLiteral("Message not sent. Server response: %1").arg(decoded.trimmed());
-    _controller->doAlert(text, QString());
-    systemLog(text);
+    // Shown in the user's language, logged in English like every log line.
+    _controller->doAlert(tr("Message not sent. Server response: %1").arg(decoded.trimmed()), QString());
+    systemLog(QStringLiteral("Message not sent. Server response: %1").arg(decoded.trimmed()));
 }
 
 void SimpleSMTP::transactionResetCompleted()

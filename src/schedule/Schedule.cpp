@@ -277,7 +277,7 @@ void Schedule::startTimers(bool quiet)
     if (m_timersRemaining < 1) {
         showStopped();
         if (!quiet)
-            Q_EMIT alertRequested(Texts::NoItemsScheduled, Texts::NoItemsScheduledInfo);
+            Q_EMIT alertRequested(Texts::tr(Texts::NoItemsScheduled), Texts::tr(Texts::NoItemsScheduledInfo));
         return;
     }
     showRunning();

@@ -1,17 +1,25 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
-// Every text the user sees from the schedule, in one place for translators.
+// Every text the user sees from the schedule, in one place for translators. Log lines and mail
+// subjects stay English, whatever the user's language.
 namespace Quillon::Texts {
-inline const QString NoItemsScheduled = QStringLiteral("No items were scheduled to run.");
-inline const QString NoItemsScheduledInfo = QStringLiteral("Make sure that at least one item has a scheduled run time in the future.");
-inline const QString Start = QStringLiteral("Start");
-inline const QString Stop = QStringLiteral("Stop");
-inline const QString StartToolTip = QStringLiteral("Run the schedule.");
-inline const QString StopToolTip = QStringLiteral("Cancel the schedule.");
-inline const QString LocationTitle = QStringLiteral("Location");
-inline const QString TimeToLaunchTitle = QStringLiteral("Time to Launch");
+// The translated form of one of the marked texts below.
+inline QString tr(const char *text)
+{
+    return QCoreApplication::translate("Texts", text);
+}
+
+inline constexpr const char *NoItemsScheduled = QT_TRANSLATE_NOOP("Texts", "No items were scheduled to run.");
+inline constexpr const char *NoItemsScheduledInfo = QT_TRANSLATE_NOOP("Texts", "Make sure that at least one item has a scheduled run time in the future.");
+inline constexpr const char *Start = QT_TRANSLATE_NOOP("Texts", "Start");
+inline constexpr const char *Stop = QT_TRANSLATE_NOOP("Texts", "Stop");
+inline constexpr const char *StartToolTip = QT_TRANSLATE_NOOP("Texts", "Run the schedule.");
+inline constexpr const char *StopToolTip = QT_TRANSLATE_NOOP("Texts", "Cancel the schedule.");
+inline constexpr const char *LocationTitle = QT_TRANSLATE_NOOP("Texts", "Location");
+inline constexpr const char *TimeToLaunchTitle = QT_TRANSLATE_NOOP("Texts", "Time to Launch");
 inline const QString EmailOff = QStringLiteral("Email notifications are off.");
 inline const QString LaunchedSubject = QStringLiteral("Quillon launched path...");
 inline const QString ScriptResultSubject = QStringLiteral("Quillon Script Result");

@@ -8,11 +8,11 @@
 namespace Quillon {
 
 FileAndFolderChooser::FileAndFolderChooser(QWidget *parent)
-    : QFileDialog(parent, QStringLiteral("Choose Files and Folders"))
+    : QFileDialog(parent, tr("Choose Files and Folders"))
 {
     setOption(QFileDialog::DontUseNativeDialog);
     setFileMode(QFileDialog::ExistingFiles);
-    setLabelText(QFileDialog::Accept, QStringLiteral("Choose"));
+    setLabelText(QFileDialog::Accept, tr("Choose"));
     setWindowModality(Qt::WindowModal);
 }
 

@@ -29,7 +29,7 @@ ItemTableModel::ItemTableModel(Schedule &schedule, Workspace &workspace, Prefere
     , m_schedule(schedule)
     , m_workspace(workspace)
     , m_preferences(preferences)
-    , m_titles{QString(), QStringLiteral("Name"), Texts::LocationTitle, QStringLiteral("Launch Time"), QString()}
+    , m_titles{QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString()}
 {
     connectSchedule();
 }

@@ -121,7 +121,7 @@ void MainWindow::buildControls()
     m_progress->setMaximumWidth(80);
     m_progress->setMaximumHeight(m_fileTable->fontMetrics().height());
     buttons->addWidget(m_progress);
-    m_stopStartButton = button(Texts::Start, QStringLiteral("stopStartButton"), Texts::StartToolTip, [this] { Q_EMIT startStopRequested(); });
+    m_stopStartButton = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
     m_stopStartButton->setDefault(true);
     layout->addLayout(buttons);
     setCentralWidget(central);
@@ -162,6 +162,7 @@ void MainWindow::buildMenus()
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     QAction *helpAction = help->addAction(tr("Quillon &Help"), this, [this] { Q_EMIT helpRequested(); });
     helpAction->setShortcut(QKeySequence::HelpContents);
+    help->addAction(tr("&About Quillon"), this, [this] { Q_EMIT aboutRequested(); })->setMenuRole(QAction::AboutRole);
 }
 
 void MainWindow::setTableColumnName(const QString &title, const QString &identifier)
@@ -173,15 +174,15 @@ void MainWindow::showRunningState(bool running)
 {
     if (running) {
         m_progress->setRange(0, 0);
-        setTableColumnName(Texts::TimeToLaunchTitle, QStringLiteral("File"));
-        m_stopStartButton->setText(Texts::Stop);
-        m_stopStartButton->setToolTip(Texts::StopToolTip);
+        setTableColumnName(Texts::tr(Texts::TimeToLaunchTitle), QStringLiteral("File"));
+        m_stopStartButton->setText(Texts::tr(Texts::Stop));
+        m_stopStartButton->setToolTip(Texts::tr(Texts::StopToolTip));
     } else {
         m_progress->setRange(0, 1);
         m_progress->setValue(0);
-        setTableColumnName(Texts::LocationTitle, QStringLiteral("File"));
-        m_stopStartButton->setText(Texts::Start);
-        m_stopStartButton->setToolTip(Texts::StartToolTip);
+        setTableColumnName(Texts::tr(Texts::LocationTitle), QStringLiteral("File"));
+        m_stopStartButton->setText(Texts::tr(Texts::Start));
+        m_stopStartButton->setToolTip(Texts::tr(Texts::StartToolTip));
     }
     m_startStopAction->setText(running ? tr("&Stop") : tr("&Start"));
     m_clearButton->setEnabled(!running);

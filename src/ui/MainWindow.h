@@ -64,6 +64,7 @@ Q_SIGNALS:
     void startStopRequested();
     void preferencesRequested();
     void helpRequested();
+    void aboutRequested();
     void quitRequested();
     void doubleClicked();
 

@@ -1,5 +1,6 @@
 #include "PreferencesDialog.h"
 
+#include "Autostart.h"
 #include "MailSettings.h"
 
 #include "Preferences.h"
@@ -12,6 +13,7 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -91,6 +93,18 @@ QWidget *PreferencesDialog::buildGeneralPage()
     repeatRow->addWidget(choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page));
     form->addRow(tr("Repeat every:"), repeatRow);
     form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
+
+    // Not a setting of the file: the session's autostart folder is the record.
+    auto *login = new QCheckBox(tr("Start Quillon when I log in"), page);
+    login->setObjectName(QStringLiteral("autostart"));
+    login->setChecked(Autostart::isEnabled());
+    connect(login, &QCheckBox::toggled, page, [login](bool on) {
+        if (!Autostart::setEnabled(on)) {
+            const QSignalBlocker blocker(login);
+            login->setChecked(Autostart::isEnabled());
+        }
+    });
+    form->addRow(login);
     return page;
 }
 

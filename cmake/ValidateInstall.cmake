@@ -1,0 +1,25 @@
+# Installs into a scratch folder and runs desktop-file-validate and appstreamcli on what landed there.
+set(stage ${BINARY_DIR}/validate-stage)
+file(REMOVE_RECURSE ${stage})
+set(ENV{DESTDIR} ${stage})
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BINARY_DIR} --prefix /usr RESULT_VARIABLE rc OUTPUT_QUIET)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "install failed")
+endif()
+foreach(path usr/bin/quillon usr/libexec/quillon/quillon-wake usr/share/applications/org.quillon.Quillon.desktop
+             usr/share/metainfo/org.quillon.Quillon.metainfo.xml usr/share/icons/hicolor/scalable/apps/org.quillon.Quillon.svg
+             usr/share/icons/hicolor/48x48/apps/org.quillon.Quillon.png usr/share/quillon/translations/quillon_de.qm
+             usr/share/quillon/help/index.html)
+    if(NOT EXISTS ${stage}/${path})
+        message(FATAL_ERROR "not installed: /${path}")
+    endif()
+endforeach()
+execute_process(COMMAND desktop-file-validate ${stage}/usr/share/applications/org.quillon.Quillon.desktop RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "desktop-file-validate failed")
+endif()
+execute_process(COMMAND appstreamcli validate --no-net ${stage}/usr/share/metainfo/org.quillon.Quillon.metainfo.xml RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "appstreamcli validate failed")
+endif()
+message(STATUS "installed files: 1 passed, 0 failed")

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+// Starting with the session, the freedesktop.org way: an entry in $XDG_CONFIG_HOME/autostart.
+namespace Quillon::Autostart {
+QString entryPath();
+bool isEnabled();
+// Writes or removes the entry; false when that failed.
+bool setEnabled(bool enabled);
+} // namespace Quillon::Autostart
