@@ -4,9 +4,10 @@ set(CPACK_PACKAGE_NAME quillon)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "The Quillon developers <developers@quillon.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "open files, applications and scripts at scheduled times")
-set(CPACK_PACKAGE_DESCRIPTION "Quillon keeps a list of applications, documents, scripts and folders,
-each with a launch date and time, and opens them when their time comes. It repeats,
-wakes the machine before a launch and can announce every launch by e-mail.")
+set(CPACK_PACKAGE_DESCRIPTION "Quillon keeps a list of applications, documents, scripts and
+folders, each with a launch date and time, and opens them when their time
+comes. It repeats, wakes the machine before a launch and can announce every
+launch by e-mail.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)

@@ -1,4 +1,5 @@
 #include "DesktopWorkspace.h"
+#include "Log.h"
 #include "LogindPowerService.h"
 #include "QuillonController.h"
 #include "ShebangScriptRunner.h"
@@ -61,7 +62,7 @@ int main(int argc, char *argv[])
         return 2;
     }
     if (parser.isSet(helpOption)) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+        std::fputs(qPrintable(parser.helpText().replace(QLatin1String("<executable_name>"), QLatin1String("quillon"))), stdout);
         return 0;
     }
     if (parser.isSet(versionOption)) {
@@ -109,7 +110,10 @@ int main(int argc, char *argv[])
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
-    QObject::connect(&instance, &SingleInstance::activationRequested, &controller, &QuillonController::showMainWindow);
+    QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller] {
+        systemLog(QStringLiteral("Another start asked for the window."));
+        controller.showMainWindow();
+    });
 
     controller.awakeFromNib();
     if (parser.isSet(autostart))

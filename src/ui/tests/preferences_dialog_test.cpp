@@ -1,4 +1,5 @@
 #include "Preferences.h"
+#include "Autostart.h"
 #include "PreferencesDialog.h"
 #include "SettingsKeys.h"
 
@@ -79,6 +80,21 @@ private Q_SLOTS:
         QSpinBox *port = control<QSpinBox>(dialog, Keys::ServerPort);
         port->setValue(65535);
         QCOMPARE(port->value(), 65365);
+    }
+
+    void startAtLoginWritesAndRemovesTheAutostartEntry()
+    {
+        PreferencesDialog dialog(*m_prefs);
+        auto *box = dialog.findChild<QCheckBox *>(QStringLiteral("autostart"));
+        QVERIFY(!box->isChecked());
+        box->setChecked(true);
+        QFile entry(Autostart::entryPath());
+        QVERIFY(entry.open(QIODevice::ReadOnly));
+        const QByteArray text = entry.readAll();
+        QVERIFY(text.contains("Exec=") && text.contains(" --autostart\n") && text.contains("Type=Application"));
+        QVERIFY(entry.fileName().startsWith(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")) + QStringLiteral("/autostart/")));
+        box->setChecked(false);
+        QVERIFY(!QFile::exists(Autostart::entryPath()));
     }
 
 private:
