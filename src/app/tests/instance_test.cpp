@@ -60,6 +60,46 @@ private Q_SLOTS:
         stop(next);
     }
 
+    // The command line follows convention and never touches the display or the settings.
+    void commandLine_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("display");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("output");
+        QTest::newRow("--version") << QStringList{"--version"} << false << 0 << "quillon " QUILLON_VERSION "\n";
+        QTest::newRow("--help") << QStringList{"--help"} << false << 0 << "Usage: quillon [options]";
+        QTest::newRow("unknown option") << QStringList{"--frobnicate"} << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n";
+        QTest::newRow("stray argument") << QStringList{"file.txt"} << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n";
+        QTest::newRow("no display") << QStringList{} << false << 1
+                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n";
+    }
+    void commandLine()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(bool, display);
+        QFETCH(int, exitCode);
+        QFETCH(QString, output);
+        QTemporaryDir session;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(QStringLiteral("runtime")));
+        env.remove(QStringLiteral("DISPLAY"));
+        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        if (display)
+            env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        else
+            env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(QUILLON_BINARY), arguments);
+        QVERIFY(p.waitForFinished(10'000));
+        QCOMPARE(p.exitCode(), exitCode);
+        const QString printed = QString::fromLocal8Bit(p.readAllStandardOutput() + p.readAllStandardError());
+        QVERIFY2(printed.startsWith(output), qPrintable(printed));
+        QVERIFY(QDir(session.path()).isEmpty());
+    }
+
 private:
     static void start(QProcess &p, const QTemporaryDir &session, const QString &config)
     {
