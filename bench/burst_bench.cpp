@@ -7,6 +7,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "ShebangScriptRunner.h"
+#include "TestSupport.h"
 #include "TimerFdClock.h"
 
 #include <QCoreApplication>
@@ -21,22 +22,6 @@ using namespace Quillon;
 namespace {
 constexpr int Programs = 3000;
 constexpr int ScriptSecs = 10;
-
-void write(const QString &path, const QByteArray &text, bool exe)
-{
-    QFile f(path);
-    f.open(QIODevice::WriteOnly);
-    f.write(text);
-    f.close();
-    if (exe)
-        f.setPermissions(f.permissions() | QFile::ExeOwner);
-}
-
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -57,11 +42,11 @@ int main(int argc, char *argv[])
     schedule.setLauncher([&](const QString &path) { launcher.launchItem(path); });
 
     const QString script = dir.filePath(QStringLiteral("long.scpt"));
-    write(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);
+    Test::writeFile(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);
     QStringList paths{script};
     for (int i = 0; i < Programs; ++i) {
         const QString exe = dir.filePath(QStringLiteral("prog%1").arg(i));
-        write(exe, "#!/bin/sh\necho " + QByteArray::number(i) + " >> '" + QFile::encodeName(log) + "'\n", true);
+        Test::writeFile(exe, "#!/bin/sh\necho " + QByteArray::number(i) + " >> '" + QFile::encodeName(log) + "'\n", true);
         paths << exe;
     }
     schedule.appendPaths(paths);
@@ -80,7 +65,7 @@ int main(int argc, char *argv[])
         const qint64 now = monotonicNs();
         longestGap = std::max(longestGap, now - lastTurn);
         lastTurn = now;
-        if (!allStartedAt && readAll(log).count('\n') >= Programs) {
+        if (!allStartedAt && Test::readFile(log).toUtf8().count('\n') >= Programs) {
             allStartedAt = clock.nowMSecs();
             QCoreApplication::quit();
         }
@@ -89,7 +74,7 @@ int main(int argc, char *argv[])
     QTimer::singleShot((ScriptSecs + 60) * 1000, &app, &QCoreApplication::quit);
     app.exec();
 
-    const QList<QByteArray> lines = readAll(log).trimmed().split('\n');
+    const QList<QByteArray> lines = Test::readFile(log).toUtf8().trimmed().split('\n');
     QSet<QByteArray> distinct(lines.begin(), lines.end());
     std::printf("programs started: %d of %d, started twice: %d\n", int(distinct.size()), Programs, int(lines.size() - distinct.size()));
     if (allStartedAt)

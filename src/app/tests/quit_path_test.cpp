@@ -1,4 +1,5 @@
 #include "MailTestSupport.h"
+#include "TestSupport.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -14,10 +15,25 @@
 #include <unistd.h>
 #include <sys/stat.h>
 
+using namespace Quillon;
+
 // The real program, ended the ways Linux ends programs: each must save the list.
 class QuitPathTest : public QObject
 {
     Q_OBJECT
+    // The real program with its settings, runtime and data folders in home.
+    static void startQuillon(QProcess &app, const QTemporaryDir &home)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.filePath(QStringLiteral("runtime")));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data"))); // no handlers: opening a document just fails
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        app.setProcessEnvironment(env);
+        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.start(QStringLiteral(QUILLON_BINARY));
+    }
+
 private Q_SLOTS:
     void signalsSaveTheList_data()
     {
@@ -33,20 +49,10 @@ private Q_SLOTS:
         const QString item = home.filePath(QStringLiteral("report.txt"));
         QFile(item).open(QIODevice::WriteOnly);
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
-        QDir().mkpath(QFileInfo(conf).absolutePath());
-        {
-            QFile f(conf);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("[General]\nItems=" + item.toUtf8() + ", " + item.toUtf8() + "\nTimersRunning=false\n");
-        }
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + ", " + item.toUtf8() + "\nTimersRunning=false\n"));
 
         QProcess app;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        app.setProcessEnvironment(env);
-        app.setProcessChannelMode(QProcess::ForwardedChannels);
-        app.start(QStringLiteral(QUILLON_BINARY));
+        startQuillon(app, home);
         QVERIFY(app.waitForStarted());
         QTest::qWait(1500);
         ::kill(pid_t(app.processId()), signal);
@@ -72,23 +78,13 @@ private Q_SLOTS:
         const QString item = home.filePath(QStringLiteral("report.txt"));
         QFile(item).open(QIODevice::WriteOnly);
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
-        QDir().mkpath(QFileInfo(conf).absolutePath());
-        {
-            QFile f(conf);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("[General]\nItems=" + item.toUtf8() + "\n");
-        }
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + "\n"));
         const int watch = ::inotify_init1(IN_CLOEXEC);
         QVERIFY(watch >= 0);
         QVERIFY(::inotify_add_watch(watch, QFile::encodeName(conf).constData(), IN_OPEN) >= 0);
 
         QProcess app;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        app.setProcessEnvironment(env);
-        app.setProcessChannelMode(QProcess::ForwardedChannels);
-        app.start(QStringLiteral(QUILLON_BINARY));
+        startQuillon(app, home);
         pollfd pfd{watch, POLLIN, 0};
         QCOMPARE(::poll(&pfd, 1, 10'000), 1);
         ::kill(pid_t(app.processId()), SIGTERM);
@@ -113,20 +109,10 @@ private Q_SLOTS:
             f.setPermissions(f.permissions() | QFile::ExeOwner);
         }
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
-        QDir().mkpath(QFileInfo(conf).absolutePath());
-        {
-            QFile f(conf);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
-            f.write("[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\n");
-        }
+        const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\n"));
         QProcess app;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        app.setProcessEnvironment(env);
-        app.setProcessChannelMode(QProcess::ForwardedChannels);
-        app.start(QStringLiteral(QUILLON_BINARY));
+        startQuillon(app, home);
         QVERIFY(app.waitForFinished(20'000));
         QCOMPARE(app.exitCode(), 0);
         QVERIFY(QFile::exists(marker));
@@ -144,22 +130,11 @@ private Q_SLOTS:
         const QString item = home.filePath(QStringLiteral("notes.md"));
         QFile(item).open(QIODevice::WriteOnly);
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
-        QDir().mkpath(QFileInfo(conf).absolutePath());
-        {
-            QFile f(conf);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
-            f.write("[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\n"
-                    "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n");
-        }
+        const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\n"
+                    "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n"));
         QProcess app;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data"))); // no handler: opening just fails
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        app.setProcessEnvironment(env);
-        app.setProcessChannelMode(QProcess::ForwardedChannels);
-        app.start(QStringLiteral(QUILLON_BINARY));
+        startQuillon(app, home);
         QVERIFY(app.waitForFinished(30'000));
         QCOMPARE(app.exitCode(), 0);
         QTRY_COMPARE(server.messages().size(), 1);

@@ -20,13 +20,9 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using Test::readFile;
 
 namespace {
-QString readFile(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-}
 
 // Children of ours that have ended but were never reaped.
 int zombieChildren()

@@ -26,6 +26,12 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
     f.close();
     return !executable || f.setPermissions(f.permissions() | QFile::ExeOwner | QFile::ExeUser);
 }
+
+inline QString readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+}
 } // namespace Quillon::Test
 
 // Points the settings file at a fresh folder; call before the first Preferences is made.

@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using Test::readFile;
 using Test::at;
 
 namespace {
@@ -27,11 +28,6 @@ const QString LogindPath = QStringLiteral("/org/freedesktop/login1");
 const QString LogindManager = QStringLiteral("org.freedesktop.login1.Manager");
 const QString MockInterface = QStringLiteral("org.freedesktop.DBus.Mock");
 
-QString readFile(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-}
 
 // python3-dbusmock serving one name on the private bus, logging every call it gets.
 class Mock
