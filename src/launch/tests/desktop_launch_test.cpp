@@ -90,14 +90,6 @@ private Q_SLOTS:
         QTRY_COMPARE(readFile(m_marker), QStringLiteral("desktop-ran\n"));
     }
 
-    void executableRunsInItsOwnFolder()
-    {
-        const QString exe = m_home.filePath(QStringLiteral("tools/job"));
-        QVERIFY(Test::writeFile(exe, "#!/bin/sh\npwd >> '" + m_marker.toUtf8() + "'\n", true));
-        m_launcher->launchItem(exe);
-        QTRY_COMPARE(readFile(m_marker), m_home.filePath(QStringLiteral("tools")) + QLatin1Char('\n'));
-    }
-
     void scriptOutputBecomesTheResult_data()
     {
         QTest::addColumn<QByteArray>("script");
