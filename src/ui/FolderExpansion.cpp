@@ -21,6 +21,11 @@ bool FolderExpansion::isPlainFolder(const QString &path)
     return info.isDir() && !info.isSymLink() && !isPackage(path);
 }
 
+bool FolderExpansion::isDroppedFolder(const QString &path)
+{
+    return QFileInfo(path).isDir() && !isPackage(path);
+}
+
 const QSet<QString> &FolderExpansion::hiddenNamesIn(const QString &folder)
 {
     auto it = m_hiddenFiles.find(folder);

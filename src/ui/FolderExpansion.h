@@ -15,6 +15,9 @@ public:
     // holding an executable AppRun) are shown as one file.
     static bool isPlainFolder(const QString &path);
     static bool isPackage(const QString &path);
+    // A folder dropped or chosen by the user: a link to a folder is that folder, as opening the
+    // path would make it. Only the walk inside does not follow links.
+    static bool isDroppedFolder(const QString &path);
     // A name starting with a dot, or listed in its folder's ".hidden" file.
     bool isInvisible(const QString &path);
 

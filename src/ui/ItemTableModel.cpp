@@ -243,7 +243,7 @@ bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
         QString path = url.toLocalFile();
         if (path.size() > 1 && path.endsWith(QLatin1Char('/')))
             path.chop(1);
-        if (!FolderExpansion::isPlainFolder(path) || !m_preferences.addFolderFiles())
+        if (!FolderExpansion::isDroppedFolder(path) || !m_preferences.addFolderFiles())
             handled << path;
         else
             handled << expansion.expand(path, m_preferences.addFolderFilesRecursively());

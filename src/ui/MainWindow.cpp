@@ -212,6 +212,8 @@ QList<int> MainWindow::selectedRows() const
 void MainWindow::setupDatePickerControl()
 {
     QDateTime value = QDateTime::currentDateTime();
+    // Whole seconds: an item set to 07:00:00 must open then, not at a hidden 07:00:00.8.
+    value = value.addMSecs(-value.time().msec());
     if (m_datePicker) {
         if (m_datePicker->dateTime().isValid())
             value = m_datePicker->dateTime();
@@ -235,7 +237,8 @@ void MainWindow::datePickerAction()
     const QList<int> rows = selectedRows();
     if (rows.isEmpty() || !m_datePicker)
         return;
-    m_schedule.setDate(rows, m_datePicker->dateTime());
+    const QDateTime picked = m_datePicker->dateTime();
+    m_schedule.setDate(rows, picked.addMSecs(-picked.time().msec()));
     if (m_schedule.timersRunning())
         m_schedule.restartTimers();
     m_model->reloadAll();

@@ -90,7 +90,17 @@ QWidget *PreferencesDialog::buildGeneralPage()
     count->setAccessibleName(tr("Repeat every"));
     connect(count, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::RepeatSeconds, v); });
     repeatRow->addWidget(count);
-    repeatRow->addWidget(choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page));
+    QComboBox *unit = choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page);
+    repeatRow->addWidget(unit);
+    // The period is kept in 32 bits of seconds: 49,710 days at most.
+    const auto limitCount = [count, unit] {
+        static constexpr int MaxCount[] = {1'000'000, 1'000'000, 1'000'000, 49'710};
+        count->setMaximum(MaxCount[qBound(0, unit->currentIndex(), 3)]);
+        unit->setEnabled(count->value() != 0);
+    };
+    limitCount();
+    connect(unit, &QComboBox::activated, page, limitCount);
+    connect(count, &QSpinBox::valueChanged, page, limitCount);
     form->addRow(tr("Repeat every:"), repeatRow);
     form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
 
@@ -127,11 +137,20 @@ QWidget *PreferencesDialog::buildMailPage()
     connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
     form->addRow(tr("Port:"), port);
     form->addRow(boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), page));
-    form->addRow(tr("Login:"), choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, page));
-    form->addRow(tr("Username:"), textControl(p, Keys::LoginUsername, page));
+    QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, page);
+    form->addRow(tr("Login:"), login);
+    QLineEdit *username = textControl(p, Keys::LoginUsername, page);
+    form->addRow(tr("Username:"), username);
     QLineEdit *password = textControl(p, Keys::LoginPassword, page);
     password->setEchoMode(QLineEdit::Password);
     form->addRow(tr("Password:"), password);
+    // No login, nothing to fill in.
+    const auto enableLogin = [login, username, password] {
+        username->setEnabled(login->currentIndex() != 0);
+        password->setEnabled(login->currentIndex() != 0);
+    };
+    enableLogin();
+    connect(login, &QComboBox::activated, page, enableLogin);
     auto *test = new QPushButton(tr("Send Test Message"), page);
     test->setObjectName(QStringLiteral("testEmailButton"));
     // Enter in a mail field must not send a mail.

@@ -191,6 +191,7 @@ private Q_SLOTS:
             << QStringList{"f1.txt", "Tool.app", "Tool.app/Contents/MacOS/Tool", "AppDir", "AppDir/AppRun", "sub/s1.txt", ".hid/v.txt"};
         QTest::newRow("a package dropped is one item") << true << true << "top/Tool.app" << QStringList{"top/Tool.app"};
         QTest::newRow("a hidden file dropped itself is taken") << true << true << "top/.dot" << QStringList{"top/.dot"};
+        QTest::newRow("a link to a folder counts as the folder") << true << false << "link" << QStringList{"link/f1.txt", "link/Tool.app", "link/AppDir"};
     }
     void droppedFolders()
     {
@@ -203,6 +204,7 @@ private Q_SLOTS:
         for (const char *f : {"f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner"})
             QVERIFY(Test::writeFile(topDir + QLatin1Char('/') + QLatin1String(f)));
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
+        QVERIFY(QFile::link(topDir, tree.filePath(QStringLiteral("link"))));
         QFile hidden(topDir + QStringLiteral("/.hidden"));
         QVERIFY(hidden.open(QIODevice::WriteOnly));
         hidden.write("listed.txt\n");

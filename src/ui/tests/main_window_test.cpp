@@ -62,7 +62,8 @@ private Q_SLOTS:
     void pickedDateGoesToEverySelectedRow()
     {
         select({0, 2});
-        m_window->datePicker()->setDateTime(at(5000));
+        // A fraction of a second the picker may hold is dropped: 07:00:00 means 07:00:00.000.
+        m_window->datePicker()->setDateTime(at(5000.8));
         QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(5000), at(200), at(5000)}));
     }
 

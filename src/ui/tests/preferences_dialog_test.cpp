@@ -82,6 +82,29 @@ private Q_SLOTS:
         QCOMPARE(port->value(), 65365);
     }
 
+    // Controls that cannot matter are disabled; the repeat count stops where 32 bits of seconds do.
+    void controlsFollowWhatTheyDependOn()
+    {
+        m_prefs->setValues({{Keys::SelectedAuthentication, 0}, {Keys::RepeatSeconds, 0}, {Keys::TimeUnit, 0}});
+        PreferencesDialog dialog(*m_prefs);
+        auto *login = control<QComboBox>(dialog, Keys::SelectedAuthentication);
+        QVERIFY(!control<QLineEdit>(dialog, Keys::LoginUsername)->isEnabled());
+        QVERIFY(!control<QLineEdit>(dialog, Keys::LoginPassword)->isEnabled());
+        login->setCurrentIndex(2);
+        login->activated(2);
+        QVERIFY(control<QLineEdit>(dialog, Keys::LoginPassword)->isEnabled());
+
+        auto *count = control<QSpinBox>(dialog, Keys::RepeatSeconds);
+        auto *unit = control<QComboBox>(dialog, Keys::TimeUnit);
+        QVERIFY(!unit->isEnabled());
+        count->setValue(100'000);
+        QVERIFY(unit->isEnabled());
+        unit->setCurrentIndex(3);
+        unit->activated(3);
+        QCOMPARE(count->value(), 49'710);
+        QCOMPARE(m_prefs->intValue(Keys::RepeatSeconds), 49'710);
+    }
+
     void startAtLoginWritesAndRemovesTheAutostartEntry()
     {
         PreferencesDialog dialog(*m_prefs);
