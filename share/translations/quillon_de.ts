@@ -27,14 +27,24 @@
 <context>
     <name>Quillon::DateWindow</name>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="15"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="17"/>
         <source>Date &amp; Time</source>
         <translation>Datum &amp; Uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="17"/>
-        <source>Launch date and time of the selected items:</source>
-        <translation>Startdatum und -uhrzeit der ausgewählten Einträge:</translation>
+        <location filename="../../src/ui/DateWindow.cpp" line="37"/>
+        <source>No item is selected: a date set here changes nothing.</source>
+        <translation>Kein Eintrag ist ausgewählt: Ein hier gesetztes Datum ändert nichts.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="39"/>
+        <source>Launch date and time of the selected item:</source>
+        <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="41"/>
+        <source>Launch date and time of %1 selected items:</source>
+        <translation>Startdatum und -uhrzeit von %1 ausgewählten Einträgen:</translation>
     </message>
 </context>
 <context>
@@ -142,7 +152,7 @@
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="114"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="135"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="140"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
@@ -167,93 +177,93 @@
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="133"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="138"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="141"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="146"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="144"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="146"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="148"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="153"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="150"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="155"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="159"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="164"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="167"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="168"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="165"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="223"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
@@ -321,82 +331,82 @@
         <translation>Tage</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="94"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="104"/>
         <source>Repeat every:</source>
         <translation>Wiederholen alle:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="95"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="105"/>
         <source>Quit after the last item has been opened</source>
         <translation>Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="98"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="108"/>
         <source>Start Quillon when I log in</source>
         <translation>Quillon bei der Anmeldung starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="116"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="126"/>
         <source>Send a message for each opened item</source>
         <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="117"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="127"/>
         <source>Send the result of each script</source>
         <translation>Das Ergebnis jedes Skripts senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="118"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
         <source>Recipient address:</source>
         <translation>Empfängeradresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="119"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
         <source>Recipient name:</source>
         <translation>Empfängername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="120"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
         <source>Address:</source>
         <translation>Adresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="125"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
         <source>Port:</source>
         <translation>Port:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="139"/>
         <source>Use a secure connection (TLS)</source>
         <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="141"/>
         <source>Login:</source>
         <translation>Anmeldung:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="140"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="131"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="143"/>
         <source>Username:</source>
         <translation>Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="134"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="146"/>
         <source>Password:</source>
         <translation>Passwort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="154"/>
         <source>Send Test Message</source>
         <translation>Testnachricht senden</translation>
     </message>

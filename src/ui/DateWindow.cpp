@@ -3,26 +3,42 @@
 #include "ClockView.h"
 
 #include <QHBoxLayout>
+#include <QKeySequence>
 #include <QLabel>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace Quillon {
 
 DateWindow::DateWindow(QWidget *parent)
-    : QWidget(parent, Qt::Tool | Qt::WindowStaysOnTopHint)
+    : QWidget(parent, Qt::Tool) // a tool window of its parent: above the list window, not above every other application
 {
     setObjectName(QStringLiteral("calendarClockWindow"));
     setWindowTitle(tr("Date & Time"));
     auto *layout = new QVBoxLayout(this);
-    auto *label = new QLabel(tr("Launch date and time of the selected items:"), this);
-    layout->addWidget(label);
+    m_label = new QLabel(this);
+    m_label->setObjectName(QStringLiteral("selectionLabel"));
+    layout->addWidget(m_label);
+    setSelectionCount(0);
+    auto *close = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(close, &QShortcut::activated, this, &QWidget::close);
     m_placeholder = new QWidget(this);
     m_placeholder->setObjectName(QStringLiteral("datePickerPlaceHolder"));
     auto *pickerLayout = new QHBoxLayout(m_placeholder);
     pickerLayout->setContentsMargins(1, 0, 0, 0);
     layout->addWidget(m_placeholder);
     layout->addWidget(new ClockView(this));
-    label->setBuddy(m_placeholder);
+    m_label->setBuddy(m_placeholder);
+}
+
+void DateWindow::setSelectionCount(int count)
+{
+    if (count == 0)
+        m_label->setText(tr("No item is selected: a date set here changes nothing."));
+    else if (count == 1)
+        m_label->setText(tr("Launch date and time of the selected item:"));
+    else
+        m_label->setText(tr("Launch date and time of %1 selected items:").arg(count));
 }
 
 } // namespace Quillon

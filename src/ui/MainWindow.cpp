@@ -120,6 +120,11 @@ void MainWindow::buildControls()
     m_progress->setTextVisible(false);
     m_progress->setMaximumWidth(80);
     m_progress->setMaximumHeight(m_fileTable->fontMetrics().height());
+    // Hidden while stopped, where an idle bar looks like an empty text field; its place is kept.
+    QSizePolicy keepPlace = m_progress->sizePolicy();
+    keepPlace.setRetainSizeWhenHidden(true);
+    m_progress->setSizePolicy(keepPlace);
+    m_progress->hide();
     buttons->addWidget(m_progress);
     m_stopStartButton = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
     m_stopStartButton->setDefault(true);
@@ -172,6 +177,7 @@ void MainWindow::setTableColumnName(const QString &title, const QString &identif
 
 void MainWindow::showRunningState(bool running)
 {
+    m_progress->setVisible(running);
     if (running) {
         m_progress->setRange(0, 0);
         setTableColumnName(Texts::tr(Texts::TimeToLaunchTitle), QStringLiteral("File"));
@@ -310,6 +316,7 @@ void MainWindow::invertSelectionsButtonClicked()
 
 void MainWindow::tableViewSelectionDidChange()
 {
+    m_dateWindow->setSelectionCount(int(m_fileTable->selectionModel()->selectedRows().size()));
     if (!m_datePicker)
         return;
     const int row = selectedRow();

@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QLabel>
+#include <QProgressBar>
 #include <QTest>
 
 using namespace Quillon;
@@ -65,6 +67,23 @@ private Q_SLOTS:
         // A fraction of a second the picker may hold is dropped: 07:00:00 means 07:00:00.000.
         m_window->datePicker()->setDateTime(at(5000.8));
         QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(5000), at(200), at(5000)}));
+    }
+
+    void dateWindowCountsTheSelectionAndFloatsOverUsOnly()
+    {
+        auto *label = m_window->calendarClockWindow()->findChild<QLabel *>(QStringLiteral("selectionLabel"));
+        select({0, 1, 2});
+        QCOMPARE(label->text(), QStringLiteral("Launch date and time of 3 selected items:"));
+        m_window->fileTable()->selectionModel()->clearSelection();
+        QVERIFY(label->text().contains(QLatin1String("changes nothing")));
+        // The idle progress bar is hidden, not shown as an empty field.
+        auto *progress = m_window->findChild<QProgressBar *>(QStringLiteral("progress"));
+        QVERIFY(progress->isHidden());
+        m_window->showRunningState(true);
+        QVERIFY(!progress->isHidden());
+        m_window->showRunningState(false);
+        QVERIFY(progress->isHidden());
+        QVERIFY(!(m_window->calendarClockWindow()->windowFlags() & Qt::WindowStaysOnTopHint));
     }
 
     void pickedDateWithoutSelectionChangesNothing()
