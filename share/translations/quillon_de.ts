@@ -63,32 +63,48 @@
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="32"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="34"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="32"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="34"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="120"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="109"/>
+        <source>Opens %1 (in %2 days)</source>
+        <translation>Öffnet %1 (in %2 Tagen)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="109"/>
+        <source>Opens %1</source>
+        <translation>Öffnet %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="115"/>
+        <source>Opened at %1</source>
+        <translation>Geöffnet um %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="141"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="120"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="117"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="141"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="138"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="159"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="140"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="161"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -96,174 +112,174 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="57"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="66"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="106"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>&amp;Add…</source>
         <translation>&amp;Hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="106"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="107"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="107"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="110"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="110"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="111"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="111"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="112"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="112"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="140"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>&amp;Datum &amp;&amp; Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="146"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="138"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="146"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="155"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="153"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="155"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="164"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="166"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="171"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="164"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="167"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="176"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="168"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="240"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
@@ -481,11 +497,21 @@
     </message>
     <message>
         <location filename="../../src/schedule/Texts.h" line="21"/>
+        <source>No item has a launch time in the future; the schedule stopped.</source>
+        <translation>Kein Eintrag hat eine Startzeit in der Zukunft; der Zeitplan wurde angehalten.</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Texts.h" line="22"/>
+        <source>The last item was opened; the schedule stopped.</source>
+        <translation>Der letzte Eintrag wurde geöffnet; der Zeitplan wurde angehalten.</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Texts.h" line="23"/>
         <source>Location</source>
         <translation>Ort</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="22"/>
+        <location filename="../../src/schedule/Texts.h" line="24"/>
         <source>Time to Launch</source>
         <translation>Zeit bis zum Start</translation>
     </message>

@@ -298,8 +298,11 @@ void Schedule::invalidateTimers(bool keepSlots)
 
 void Schedule::restartTimers()
 {
+    const bool wasRunning = m_timersRunning;
     invalidateTimers(false);
     startTimers(true);
+    if (wasRunning && !m_timersRunning)
+        Q_EMIT stoppedByItself(Texts::tr(Texts::StoppedNoFuture));
 }
 
 void Schedule::startStopButtonClicked()
@@ -351,6 +354,7 @@ void Schedule::launch(const TimerSlot &timer)
         m_timersRunning = false;
         invalidateTimers(true);
         showStopped();
+        Q_EMIT stoppedByItself(Texts::tr(Texts::StoppedLastOpened));
         if (m_preferences.boolValue(Keys::QuitWhenDone))
             Q_EMIT quitRequested();
     }

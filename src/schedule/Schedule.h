@@ -81,6 +81,8 @@ Q_SIGNALS:
     void runningStateChanged(bool running);
     void alertRequested(const QString &message, const QString &informative);
     void quitRequested();
+    // The schedule stopped without the user asking: text says why, for a status line.
+    void stoppedByItself(const QString &text);
 
 private:
     void showStopped();

@@ -1,5 +1,7 @@
 #include "ItemTableModel.h"
 
+#include <QLocale>
+
 #include "Countdown.h"
 #include "FolderExpansion.h"
 #include "MediumDateFormat.h"
@@ -96,6 +98,27 @@ QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
     return {};
 }
 
+// The countdown gives the full launch time, and the status image says what it means.
+QVariant ItemTableModel::toolTip(int column, int row) const
+{
+    const TimerSlot &slot = m_schedule.timers().at(row);
+    if (column == FileColumn && m_schedule.timersRunning() && slot && slot->isValid()) {
+        const qint64 left = slot->fireMSecs() - m_schedule.clock().nowMSecs();
+        const QString when = formatMediumDateTime(slot->fireDate());
+        const qint64 days = left / (86'400 * 1000);
+        return days >= 1 ? tr("Opens %1 (in %2 days)").arg(when).arg(days) : tr("Opens %1").arg(when);
+    }
+    if (column == FileColumn || column == NameColumn)
+        return m_schedule.paths().at(row);
+    if (column == CheckColumn && slot) {
+        if (!slot->isValid())
+            return tr("Opened at %1").arg(QLocale().toString(slot->fireDate().time(), QStringLiteral("HH:mm:ss")));
+        if (slot->fireMSecs() > m_schedule.clock().nowMSecs())
+            return tr("Waiting");
+    }
+    return {};
+}
+
 QVariant ItemTableModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
@@ -108,9 +131,7 @@ QVariant ItemTableModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         return image ? cellValue(Identifiers.at(column), index.row()) : QVariant();
     case Qt::ToolTipRole:
-        if (column == FileColumn || column == NameColumn)
-            return m_schedule.paths().at(index.row());
-        return {};
+        return toolTip(column, index.row());
     case Qt::AccessibleTextRole:
         if (column == CheckColumn) {
             const QVariant v = cellValue(Identifiers.at(column), index.row());

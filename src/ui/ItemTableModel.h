@@ -28,6 +28,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     // The value of one cell by column identifier: an icon, a string, or nothing.
+    QVariant toolTip(int column, int row) const;
     QVariant cellValue(const QString &identifier, int row) const;
 
     void setTableColumnName(const QString &title, const QString &identifier);

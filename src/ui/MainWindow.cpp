@@ -22,6 +22,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -41,6 +42,14 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
     buildMenus();
     showRunningState(false);
     restoreWindowState();
+    // Telling without an alert: the schedule may stop on its own after a date change, a wake or
+    // the last launch.
+    statusBar()->setObjectName(QStringLiteral("statusBar"));
+    connect(&m_schedule, &Schedule::stoppedByItself, this, [this](const QString &text) { statusBar()->showMessage(text); });
+    connect(&m_schedule, &Schedule::runningStateChanged, this, [this](bool running) {
+        if (running)
+            statusBar()->clearMessage();
+    });
 }
 
 MainWindow::~MainWindow() = default;

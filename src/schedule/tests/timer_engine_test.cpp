@@ -93,6 +93,7 @@ private Q_SLOTS:
     {
         add({{"c", 30}, {"a", 10}, {"b", 20}});
         QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
+        QSignalSpy told(m_schedule.get(), &Schedule::stoppedByItself);
         m_schedule->startStopButtonClicked();
         m_clock->advance(9999);
         QVERIFY(m_launched.isEmpty());
@@ -105,6 +106,8 @@ private Q_SLOTS:
         QCOMPARE(m_launchTimes, (QList<qint64>{Now + 10'000, Now + 20'000, Now + 30'000}));
         QVERIFY(!m_schedule->timersRunning());
         QCOMPARE(quit.count(), 0);
+        QCOMPARE(told.count(), 1);
+        QCOMPARE(told.first().first().toString(), QStringLiteral("The last item was opened; the schedule stopped."));
         // The automatic stop keeps each fired timer in its slot, spent: the row keeps its check mark.
         for (const TimerSlot &slot : m_schedule->timers())
             QVERIFY(slot && !slot->isValid());

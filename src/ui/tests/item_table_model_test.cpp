@@ -112,6 +112,23 @@ private Q_SLOTS:
         QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
     }
 
+    void toolTipsSayWhen()
+    {
+        m_schedule->addPath(QStringLiteral("/soon"), 0);
+        m_schedule->addPath(QStringLiteral("/later"), 1);
+        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_schedule->setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
+        m_schedule->startTimers(true);
+        const auto tip = [this](int row, int column) { return m_model->data(m_model->index(row, column), Qt::ToolTipRole).toString(); };
+        QVERIFY2(tip(1, ItemTableModel::FileColumn).startsWith(QLatin1String("Opens ")) && tip(1, ItemTableModel::FileColumn).endsWith(QLatin1String("(in 3 days)")),
+                 qPrintable(tip(1, ItemTableModel::FileColumn)));
+        QVERIFY(!tip(0, ItemTableModel::FileColumn).contains(QLatin1String("days")));
+        QCOMPARE(tip(0, ItemTableModel::CheckColumn), QStringLiteral("Waiting"));
+        m_clock->advance(400);
+        QCOMPARE(tip(0, ItemTableModel::CheckColumn),
+                 QStringLiteral("Opened at %1").arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(QStringLiteral("HH:mm:ss"))));
+    }
+
     void validTimerDueNowShowsNoImage()
     {
         m_schedule->addPath(QStringLiteral("/p"), 0);

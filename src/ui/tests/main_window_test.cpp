@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QLabel>
 #include <QProgressBar>
+#include <QStatusBar>
 #include <QTest>
 
 using namespace Quillon;
@@ -84,6 +85,18 @@ private Q_SLOTS:
         m_window->showRunningState(false);
         QVERIFY(progress->isHidden());
         QVERIFY(!(m_window->calendarClockWindow()->windowFlags() & Qt::WindowStaysOnTopHint));
+    }
+
+    void statusBarSaysWhenTheScheduleStoppedByItself()
+    {
+        m_schedule->startTimers(true);
+        select({0, 1, 2});
+        m_window->datePicker()->setDateTime(at(-60)); // every item into the past
+        QVERIFY(!m_schedule->timersRunning());
+        QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("No item has a launch time in the future; the schedule stopped."));
+        m_window->datePicker()->setDateTime(at(60));
+        m_schedule->startTimers(true);
+        QCOMPARE(m_window->statusBar()->currentMessage(), QString());
     }
 
     void pickedDateWithoutSelectionChangesNothing()
