@@ -112,176 +112,202 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="66"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="67"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>&amp;Add…</source>
         <translation>&amp;Hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="154"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="130"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="342"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>&amp;Datum &amp;&amp; Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="130"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="133"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="146"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="155"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
+        <source>Move &amp;Up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="166"/>
+        <source>Move Do&amp;wn</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="169"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="171"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="164"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="166"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="181"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="171"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="213"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="176"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="213"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="240"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="335"/>
+        <source>&amp;Open Now</source>
+        <translation>Jetzt ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="341"/>
+        <source>Show in &amp;File Manager</source>
+        <translation>In der &amp;Dateiverwaltung zeigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
     </message>
 </context>
 <context>
@@ -430,22 +456,22 @@
 <context>
     <name>Quillon::QuillonController</name>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="129"/>
+        <location filename="../../src/app/QuillonController.cpp" line="133"/>
         <source>About Quillon</source>
         <translation>Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="130"/>
+        <location filename="../../src/app/QuillonController.cpp" line="134"/>
         <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
         <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="149"/>
+        <location filename="../../src/app/QuillonController.cpp" line="153"/>
         <source>Show Quillon</source>
         <translation>Quillon anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="150"/>
+        <location filename="../../src/app/QuillonController.cpp" line="154"/>
         <source>Quit</source>
         <translation>Beenden</translation>
     </message>

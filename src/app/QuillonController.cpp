@@ -55,6 +55,10 @@ void QuillonController::awakeFromNib()
     connect(m_window, &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
     connect(m_window, &MainWindow::helpRequested, this, &QuillonController::openHelpURL);
     connect(m_window, &MainWindow::aboutRequested, this, &QuillonController::showAbout);
+    connect(m_window, &MainWindow::openNowRequested, this, [this](const QStringList &paths) {
+        for (const QString &path : paths)
+            launchItem(path);
+    });
     connect(m_window, &MainWindow::quitRequested, this, &QuillonController::terminate);
 
     m_schedule.setPowerService(&m_platform.power);

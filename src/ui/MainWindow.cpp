@@ -17,6 +17,7 @@
 #include <QItemSelectionModel>
 #include <QKeySequence>
 #include <QLayout>
+#include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
@@ -93,6 +94,10 @@ void MainWindow::buildTable()
     header->resizeSection(ItemTableModel::FileColumn, 300);
     header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Stretch);
 
+    // Tab leaves the table for the controls instead of walking its cells.
+    m_fileTable->setTabKeyNavigation(false);
+    m_fileTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_fileTable, &QWidget::customContextMenuRequested, this, &MainWindow::showRowMenu);
     connect(m_fileTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::tableViewSelectionDidChange);
     connect(m_fileTable, &QTableView::doubleClicked, this, [this] { Q_EMIT doubleClicked(); });
 }
@@ -155,6 +160,12 @@ void MainWindow::buildMenus()
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
     m_removeAction = edit->addAction(tr("&Remove Selected Items"), this, &MainWindow::removeSelectedRows);
     m_removeAction->setShortcut(QKeySequence::Delete);
+    QAction *up = edit->addAction(tr("Move &Up"), this, [this] { moveSelectedRow(-1); });
+    up->setObjectName(QStringLiteral("moveUpAction"));
+    up->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Up));
+    QAction *down = edit->addAction(tr("Move Do&wn"), this, [this] { moveSelectedRow(+1); });
+    down->setObjectName(QStringLiteral("moveDownAction"));
+    down->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Down));
     m_clearAction = edit->addAction(tr("&Clear List"), this, &MainWindow::clearListButtonClicked);
     edit->addSeparator();
     QAction *all = edit->addAction(tr("Select &All"), this, &MainWindow::selectAllButtonClicked);
@@ -299,6 +310,41 @@ void MainWindow::clearListButtonClicked()
         m_schedule.removeAll();
     else
         m_schedule.removeRows(rows);
+}
+
+// The move a drag makes, one row at a time, and the selection follows the row.
+void MainWindow::moveSelectedRow(int by)
+{
+    const int row = selectedRow();
+    const int to = row + by;
+    if (row < 0 || to < 0 || to >= m_schedule.count())
+        return;
+    m_schedule.moveRow(row, to);
+    // Not selectRow(): with Ctrl held it would toggle the row out of the selection.
+    const QModelIndex index = m_model->index(to, ItemTableModel::NameColumn);
+    m_fileTable->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void MainWindow::showRowMenu(const QPoint &at)
+{
+    if (!m_fileTable->indexAt(at).isValid())
+        return;
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectName(QStringLiteral("rowMenu"));
+    menu->addAction(tr("&Open Now"), this, [this] {
+        QStringList paths;
+        for (int row : selectedRows())
+            paths << m_schedule.paths().at(row);
+        Q_EMIT openNowRequested(paths);
+    })->setObjectName(QStringLiteral("openNowAction"));
+    menu->addAction(tr("Show in &File Manager"), this, [this] { Q_EMIT doubleClicked(); });
+    menu->addAction(tr("&Date && Time…"), this, &MainWindow::dateTimeClicked);
+    menu->addSeparator();
+    QAction *remove = menu->addAction(tr("&Remove"), this, &MainWindow::removeSelectedRows);
+    remove->setEnabled(m_removeAction->isEnabled());
+    // popup(), never exec(): no nested event loop while the schedule runs.
+    menu->popup(m_fileTable->viewport()->mapToGlobal(at));
 }
 
 void MainWindow::removeSelectedRows()

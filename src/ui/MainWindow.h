@@ -50,6 +50,8 @@ public:
     void addChosenPaths(const QStringList &paths);
     void clearListButtonClicked();
     void removeSelectedRows();
+    void moveSelectedRow(int by);
+    void showRowMenu(const QPoint &at);
     void selectAllButtonClicked();
     void deselectAllButtonClicked();
     void invertSelectionsButtonClicked();
@@ -67,6 +69,8 @@ Q_SIGNALS:
     void aboutRequested();
     void quitRequested();
     void doubleClicked();
+    // Open these now, top to bottom, as their time had come.
+    void openNowRequested(const QStringList &paths);
 
 protected:
     void closeEvent(QCloseEvent *event) override;

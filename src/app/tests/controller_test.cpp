@@ -17,6 +17,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QLabel>
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
 
@@ -169,6 +170,22 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(m_controller->preferences().windowStateFileName()));
         m_controller->preferences().synchronize();
         QCOMPARE(m_controller->preferences().value(Keys::Items), savedItems);
+    }
+
+    void openNowFromTheRowMenuOpensTheSelectionInOrder()
+    {
+        start();
+        MainWindow *window = m_controller->fileListWindow();
+        window->addChosenPaths({QStringLiteral("/1"), QStringLiteral("/2"), QStringLiteral("/3")});
+        window->fileTable()->selectRow(2);
+        window->fileTable()->selectionModel()->select(window->model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        const QRect row = window->fileTable()->visualRect(window->model()->index(0, 1));
+        Q_EMIT window->fileTable()->customContextMenuRequested(row.center());
+        auto *menu = window->findChild<QMenu *>(QStringLiteral("rowMenu"));
+        QVERIFY(menu);
+        menu->findChild<QAction *>(QStringLiteral("openNowAction"))->trigger();
+        QCOMPARE(m_workspace.opened, (QStringList{"/1", "/3"}));
+        menu->close();
     }
 
     void launchAllNowChangesNothingElse()

@@ -99,6 +99,20 @@ private Q_SLOTS:
         QCOMPARE(m_window->statusBar()->currentMessage(), QString());
     }
 
+    // The keyboard: Tab leaves the table for the controls, Ctrl+Down moves the selected row.
+    void keyboardLeavesTheTableAndMovesRows()
+    {
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        select({0});
+        m_window->fileTable()->setFocus();
+        QTest::keyClick(m_window->fileTable(), Qt::Key_Down, Qt::ControlModifier);
+        QCOMPARE(m_schedule->paths().at(1), QStringLiteral("/a"));
+        QCOMPARE(m_window->selectedRow(), 1);
+        QTest::keyClick(m_window->fileTable(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), m_window->findChild<QWidget *>(QStringLiteral("browseButton")));
+    }
+
     void pickedDateWithoutSelectionChangesNothing()
     {
         m_window->datePicker()->setEnabled(true);
