@@ -168,7 +168,9 @@ Qt::ItemFlags ItemTableModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled;
+    // Drop-enabled so that the view offers a drop onto a row at all, and canDropMimeData refuses
+    // it; otherwise the view quietly turns it into a drop above or below the row.
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
 }
 
 void ItemTableModel::setTableColumnName(const QString &title, const QString &identifier)

@@ -12,6 +12,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QLabel>
+#include <QMimeData>
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QTest>
@@ -111,6 +112,30 @@ private Q_SLOTS:
         QCOMPARE(m_window->selectedRow(), 1);
         QTest::keyClick(m_window->fileTable(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), m_window->findChild<QWidget *>(QStringLiteral("browseButton")));
+    }
+
+    // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
+    void dropOntoARowIsRefusedBetweenRowsTaken()
+    {
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QWidget *viewport = m_window->fileTable()->viewport();
+        const QRect row = m_window->fileTable()->visualRect(m_window->model()->index(1, ItemTableModel::NameColumn));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QStringLiteral("/dropped"))});
+        const auto dropAt = [&](QPoint at) {
+            QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &enter);
+            QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &move);
+            QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &drop);
+            return move.isAccepted();
+        };
+        QVERIFY(!dropAt(row.center()));
+        QCOMPARE(m_schedule->count(), 3);
+        QVERIFY(dropAt(QPoint(row.center().x(), row.top() + 1)));
+        QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/dropped", "/b", "/c"}));
     }
 
     void pickedDateWithoutSelectionChangesNothing()
