@@ -16,6 +16,7 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeySequence>
+#include <QLabel>
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -93,6 +94,20 @@ void MainWindow::buildTable()
     header->resizeSection(ItemTableModel::NameColumn, 180);
     header->resizeSection(ItemTableModel::FileColumn, 300);
     header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Stretch);
+
+    // An empty list says what to do with it; the hint lets drops through to the table.
+    auto *hint = new QLabel(tr("Drop files here or choose Add…"), m_fileTable->viewport());
+    hint->setObjectName(QStringLiteral("emptyHint"));
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setEnabled(false);
+    hint->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto *hintLayout = new QVBoxLayout(m_fileTable->viewport());
+    hintLayout->addWidget(hint);
+    const auto showHint = [this, hint] { hint->setVisible(m_model->rowCount() == 0); };
+    connect(m_model, &QAbstractItemModel::rowsInserted, hint, showHint);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, hint, showHint);
+    connect(m_model, &QAbstractItemModel::modelReset, hint, showHint);
+    showHint();
 
     // Tab leaves the table for the controls instead of walking its cells.
     m_fileTable->setTabKeyNavigation(false);

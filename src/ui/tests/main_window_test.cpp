@@ -138,6 +138,16 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/dropped", "/b", "/c"}));
     }
 
+    void emptyListShowsAHint()
+    {
+        auto *hint = m_window->fileTable()->viewport()->findChild<QLabel *>(QStringLiteral("emptyHint"));
+        QVERIFY(hint->isHidden());
+        m_schedule->removeAll();
+        QVERIFY(!hint->isHidden());
+        m_schedule->appendPaths({QStringLiteral("/x")});
+        QVERIFY(hint->isHidden());
+    }
+
     void pickedDateWithoutSelectionChangesNothing()
     {
         m_window->datePicker()->setEnabled(true);
