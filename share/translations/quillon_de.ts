@@ -93,6 +93,16 @@
         <translation>Geöffnet</translation>
     </message>
     <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="245"/>
+        <source>Move</source>
+        <translation>Verschieben</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="245"/>
+        <source>Drop</source>
+        <translation>Ablegen</translation>
+    </message>
+    <message>
         <location filename="../../src/ui/ItemTableModel.cpp" line="117"/>
         <location filename="../../src/ui/ItemTableModel.cpp" line="141"/>
         <source>Waiting</source>
@@ -112,202 +122,243 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="67"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="111"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
+        <source>Drop files here or choose Add…</source>
+        <translation>Dateien hier ablegen oder „Hinzufügen …“ wählen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
         <source>&amp;Add…</source>
         <translation>&amp;Hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="154"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="212"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="342"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="422"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>&amp;Datum &amp;&amp; Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="133"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="209"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="210"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="214"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="218"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="219"/>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="222"/>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederherstellen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="228"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
         <source>Move &amp;Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="166"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="169"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="236"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="171"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="238"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="240"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="242"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="244"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="181"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="248"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="213"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="249"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="280"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="254"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="255"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="257"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="213"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="280"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="318"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="335"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="334"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="370"/>
+        <source>Date Change</source>
+        <translation>Datumsänderung</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="380"/>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="387"/>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="402"/>
+        <source>Move</source>
+        <translation>Verschieben</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="415"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="341"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="421"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="424"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="434"/>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
     </message>
 </context>
 <context>

@@ -184,6 +184,20 @@ void Schedule::setDateAt(int row, const QDateTime &date)
         m_dates[row] = date;
 }
 
+void Schedule::restore(const Snapshot &snapshot)
+{
+    Q_EMIT aboutToReset();
+    m_paths = snapshot.paths;
+    m_dates = snapshot.dates;
+    m_timers = QList<TimerSlot>(m_paths.size());
+    m_slotIndexStale = true;
+    Q_EMIT reset();
+    Q_EMIT reloadTable();
+    // Rows came back with their dates: a running schedule arms them as a date change would.
+    if (m_timersRunning)
+        restartTimers();
+}
+
 void Schedule::saveItems()
 {
     QVariantList items;

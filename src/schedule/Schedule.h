@@ -52,6 +52,16 @@ public:
     void setDate(const QList<int> &rows, const QDateTime &date);
     void setDateAt(int row, const QDateTime &date);
 
+    // The list as it stands, and putting it back: what undo works with.
+    struct Snapshot
+    {
+        QStringList paths;
+        QList<QDateTime> dates;
+        bool operator==(const Snapshot &) const = default;
+    };
+    Snapshot snapshot() const { return {m_paths, m_dates}; }
+    void restore(const Snapshot &snapshot);
+
     void saveItems();
     void restoreItems();
 

@@ -239,6 +239,13 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
 {
     if (!data || !canDropMimeData(data, action, row, column, parent))
         return false;
+    if (m_record) {
+        bool done = false;
+        ChangeRecorder record = std::exchange(m_record, {});
+        record(data->hasFormat(PrivateRowsType) ? tr("Move") : tr("Drop"), [&] { done = dropMimeData(data, action, row, column, parent); });
+        m_record = std::move(record);
+        return done;
+    }
     const int r = row < 0 || row > rowCount() ? rowCount() : row;
     if (data->hasFormat(PrivateRowsType)) {
         QList<int> rows;

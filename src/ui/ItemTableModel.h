@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QAbstractTableModel>
 #include <QStringList>
 
@@ -27,8 +29,12 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
-    // The value of one cell by column identifier: an icon, a string, or nothing.
+    // Wraps every change a drop makes, so that it can be undone.
+    using ChangeRecorder = std::function<void(const QString &what, const std::function<void()> &change)>;
+    void setChangeRecorder(ChangeRecorder recorder) { m_record = std::move(recorder); }
+
     QVariant toolTip(int column, int row) const;
+    // The value of one cell by column identifier: an icon, a string, or nothing.
     QVariant cellValue(const QString &identifier, int row) const;
 
     void setTableColumnName(const QString &title, const QString &identifier);
@@ -51,6 +57,7 @@ private:
     Workspace &m_workspace;
     Preferences &m_preferences;
     QStringList m_titles;
+    ChangeRecorder m_record;
 };
 
 } // namespace Quillon

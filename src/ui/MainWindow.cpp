@@ -26,9 +26,50 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTableView>
+#include <QUndoCommand>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 namespace Quillon {
+namespace {
+// One change of the list, kept as the list before and after it. Consecutive date changes to the
+// same rows merge, so that stepping a date through the picker is one undo.
+class ListChange final : public QUndoCommand
+{
+public:
+    ListChange(Schedule &schedule, const QString &text, Schedule::Snapshot before, Schedule::Snapshot after, bool isDateChange)
+        : QUndoCommand(text)
+        , m_schedule(schedule)
+        , m_before(std::move(before))
+        , m_after(std::move(after))
+        , m_dateChange(isDateChange)
+    {
+    }
+    void undo() override { m_schedule.restore(m_before); }
+    void redo() override
+    {
+        // The change is made before it is pushed; only a redo after an undo puts it back.
+        if (std::exchange(m_done, true))
+            m_schedule.restore(m_after);
+    }
+    int id() const override { return m_dateChange ? 1 : -1; }
+    bool mergeWith(const QUndoCommand *other) override
+    {
+        const auto *next = static_cast<const ListChange *>(other);
+        if (next->m_before.paths != m_after.paths)
+            return false;
+        m_after = next->m_after;
+        return true;
+    }
+
+private:
+    Schedule &m_schedule;
+    Schedule::Snapshot m_before;
+    Schedule::Snapshot m_after;
+    bool m_dateChange;
+    bool m_done = false;
+};
+} // namespace
 
 MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &workspace, QWidget *parent)
     : QMainWindow(parent)
@@ -38,6 +79,8 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
     setObjectName(QStringLiteral("fileListWindow"));
     setWindowTitle(QStringLiteral("Quillon"));
     m_model = new ItemTableModel(schedule, workspace, preferences, this);
+    m_undo = new QUndoStack(this);
+    m_model->setChangeRecorder([this](const QString &what, const std::function<void()> &change) { recordChange(what, change); });
     m_dateWindow = new DateWindow(this);
     buildTable();
     buildControls();
@@ -173,6 +216,15 @@ void MainWindow::buildMenus()
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    QAction *undo = m_undo->createUndoAction(this, tr("&Undo"));
+    undo->setObjectName(QStringLiteral("undoAction"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = m_undo->createRedoAction(this, tr("&Redo"));
+    redo->setObjectName(QStringLiteral("redoAction"));
+    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence::Redo});
+    edit->addAction(undo);
+    edit->addAction(redo);
+    edit->addSeparator();
     m_removeAction = edit->addAction(tr("&Remove Selected Items"), this, &MainWindow::removeSelectedRows);
     m_removeAction->setShortcut(QKeySequence::Delete);
     QAction *up = edit->addAction(tr("Move &Up"), this, [this] { moveSelectedRow(-1); });
@@ -279,7 +331,7 @@ void MainWindow::datePickerAction()
     if (rows.isEmpty() || !m_datePicker)
         return;
     const QDateTime picked = m_datePicker->dateTime();
-    m_schedule.setDate(rows, picked.addMSecs(-picked.time().msec()));
+    recordChange(tr("Date Change"), [&] { m_schedule.setDate(rows, picked.addMSecs(-picked.time().msec())); });
     if (m_schedule.timersRunning())
         m_schedule.restartTimers();
     m_model->reloadAll();
@@ -308,6 +360,16 @@ void MainWindow::browseButtonClicked()
     m_chooser->open();
 }
 
+void MainWindow::recordChange(const QString &what, const std::function<void()> &change)
+{
+    Schedule::Snapshot before = m_schedule.snapshot();
+    change();
+    Schedule::Snapshot after = m_schedule.snapshot();
+    if (after == before)
+        return;
+    m_undo->push(new ListChange(m_schedule, what, std::move(before), std::move(after), what == tr("Date Change")));
+}
+
 void MainWindow::addChosenPaths(const QStringList &paths)
 {
     QStringList present;
@@ -315,16 +377,19 @@ void MainWindow::addChosenPaths(const QStringList &paths)
         if (!p.isEmpty())
             present << p;
     }
-    m_schedule.appendPaths(present);
+    recordChange(tr("Add"), [&] { m_schedule.appendPaths(present); });
 }
 
 void MainWindow::clearListButtonClicked()
 {
+    // No confirmation, as ever: undo is what makes a one-click clear safe.
     const QList<int> rows = selectedRows();
-    if (rows.isEmpty())
-        m_schedule.removeAll();
-    else
-        m_schedule.removeRows(rows);
+    recordChange(tr("Clear"), [&] {
+        if (rows.isEmpty())
+            m_schedule.removeAll();
+        else
+            m_schedule.removeRows(rows);
+    });
 }
 
 // The move a drag makes, one row at a time, and the selection follows the row.
@@ -334,7 +399,7 @@ void MainWindow::moveSelectedRow(int by)
     const int to = row + by;
     if (row < 0 || to < 0 || to >= m_schedule.count())
         return;
-    m_schedule.moveRow(row, to);
+    recordChange(tr("Move"), [&] { m_schedule.moveRow(row, to); });
     // Not selectRow(): with Ctrl held it would toggle the row out of the selection.
     const QModelIndex index = m_model->index(to, ItemTableModel::NameColumn);
     m_fileTable->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -366,7 +431,7 @@ void MainWindow::removeSelectedRows()
 {
     const QList<int> rows = selectedRows();
     if (!rows.isEmpty())
-        m_schedule.removeRows(rows);
+        recordChange(tr("Remove"), [&] { m_schedule.removeRows(rows); });
 }
 
 void MainWindow::selectAllButtonClicked()

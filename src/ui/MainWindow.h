@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QMainWindow>
 #include <QPointer>
 
@@ -8,6 +10,7 @@ class QDateTimeEdit;
 class QProgressBar;
 class QPushButton;
 class QTableView;
+class QUndoStack;
 
 namespace Quillon {
 
@@ -56,6 +59,9 @@ public:
     void deselectAllButtonClicked();
     void invertSelectionsButtonClicked();
     void tableViewSelectionDidChange();
+    QUndoStack *undoStack() const { return m_undo; }
+    // Runs change and puts it on the undo stack when it changed the list.
+    void recordChange(const QString &what, const std::function<void()> &change);
 
     // When the desktop has no tray to bring the window back from, closing only minimises it.
     void setCloseHides(bool hides) { m_closeHides = hides; }
@@ -88,6 +94,7 @@ private:
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;
     QProgressBar *m_progress = nullptr;
+    QUndoStack *m_undo = nullptr;
     QAction *m_startStopAction = nullptr;
     QAction *m_clearAction = nullptr;
     QAction *m_removeAction = nullptr;

@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QTest>
+#include <QUndoStack>
 
 using namespace Quillon;
 
@@ -146,6 +147,35 @@ private Q_SLOTS:
         QVERIFY(!hint->isHidden());
         m_schedule->appendPaths({QStringLiteral("/x")});
         QVERIFY(hint->isHidden());
+    }
+
+    // Clear keeps its rules (all rows when none is selected, no question asked); undo makes it safe.
+    void clearThenUndoRestoresEveryRowWithItsDate()
+    {
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        const Schedule::Snapshot before = m_schedule->snapshot();
+        m_window->fileTable()->selectionModel()->clearSelection();
+        QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("clearButton")), Qt::LeftButton);
+        QCOMPARE(m_schedule->count(), 0);
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_schedule->snapshot(), before);
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(m_schedule->count(), 0);
+    }
+
+    // Steps of the picker are one undo; undoing while running arms the old dates again.
+    void dateChangesUndoAsOne()
+    {
+        m_schedule->startTimers(true);
+        select({1});
+        m_window->datePicker()->setDateTime(at(1000));
+        m_window->datePicker()->setDateTime(at(2000));
+        QCOMPARE(m_window->undoStack()->count(), 1);
+        m_window->undoStack()->undo();
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(100), at(200), at(300)}));
+        QVERIFY(m_schedule->timersRunning());
+        QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(200));
     }
 
     void pickedDateWithoutSelectionChangesNothing()
