@@ -134,9 +134,10 @@ void MainWindow::buildTable()
     header->setSectionResizeMode(ItemTableModel::CheckColumn, QHeaderView::Fixed);
     header->resizeSection(ItemTableModel::IconColumn, 30);
     header->resizeSection(ItemTableModel::CheckColumn, 30);
-    header->resizeSection(ItemTableModel::NameColumn, 180);
-    header->resizeSection(ItemTableModel::FileColumn, 300);
-    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Stretch);
+    // Name and the path or countdown share the spare width; the launch time takes what it needs.
+    header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::ResizeToContents);
 
     // An empty list says what to do with it; the hint lets drops through to the table.
     auto *hint = new QLabel(tr("Drop files here or choose Add…"), m_fileTable->viewport());
@@ -165,9 +166,15 @@ void MainWindow::buildControls()
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->addWidget(m_fileTable);
-    auto *buttons = new QHBoxLayout;
+    // The button row may be narrower than all its buttons: those that do not fit are hidden
+    // (every one of them is in the menus too), so that the window works down to 600 px.
+    m_buttonRow = new QWidget(central);
+    m_buttonRow->setObjectName(QStringLiteral("buttonRow"));
+    m_buttonRow->installEventFilter(this);
+    auto *buttons = new QHBoxLayout(m_buttonRow);
+    buttons->setContentsMargins(0, 0, 0, 0);
     const auto button = [&](const QString &text, const QString &name, const QString &tip, auto slot) {
-        auto *b = new QPushButton(text, central);
+        auto *b = new QPushButton(text, m_buttonRow);
         b->setObjectName(name);
         b->setToolTip(tip);
         b->setAccessibleName(QString(text).remove(QLatin1Char('&')).remove(QStringLiteral("…")));
@@ -179,14 +186,17 @@ void MainWindow::buildControls()
     m_clearButton = button(tr("&Clear"), QStringLiteral("clearButton"), tr("Remove the selected items, or every item when none is selected."),
                            &MainWindow::clearListButtonClicked);
     buttons->addSpacing(12);
-    button(tr("Select All"), QStringLiteral("selectAllButton"), tr("Select every item."), &MainWindow::selectAllButtonClicked);
-    button(tr("Deselect All"), QStringLiteral("deselectAllButton"), tr("Select no item."), &MainWindow::deselectAllButtonClicked);
-    button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
+    QPushButton *selectAll = button(tr("Select All"), QStringLiteral("selectAllButton"), tr("Select every item."), &MainWindow::selectAllButtonClicked);
+    QPushButton *deselectAll = button(tr("Deselect All"), QStringLiteral("deselectAllButton"), tr("Select no item."), &MainWindow::deselectAllButtonClicked);
+    QPushButton *invert = button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
     buttons->addStretch(1);
-    button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
-           [this] { Q_EMIT launchAllNowRequested(); });
-    button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."), &MainWindow::dateTimeClicked);
-    m_progress = new QProgressBar(central);
+    QPushButton *launchAll = button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
+                                    [this] { Q_EMIT launchAllNowRequested(); });
+    QPushButton *dateTime = button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."),
+                                   &MainWindow::dateTimeClicked);
+    // The first to go when the row is narrow.
+    m_optionalButtons = {invert, deselectAll, selectAll, launchAll, dateTime};
+    m_progress = new QProgressBar(m_buttonRow);
     m_progress->setObjectName(QStringLiteral("progress"));
     m_progress->setAccessibleName(tr("Schedule running"));
     m_progress->setTextVisible(false);
@@ -200,8 +210,35 @@ void MainWindow::buildControls()
     buttons->addWidget(m_progress);
     m_stopStartButton = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
     m_stopStartButton->setDefault(true);
-    layout->addLayout(buttons);
+    layout->addWidget(m_buttonRow);
     setCentralWidget(central);
+    fitButtons();
+}
+
+void MainWindow::fitButtons()
+{
+    // The layout itself says what the row needs: first with the optional buttons gone, then with
+    // each added back, the most useful first, while they fit.
+    QLayout *layout = m_buttonRow->layout();
+    for (QWidget *w : m_optionalButtons)
+        w->hide();
+    layout->invalidate();
+    m_buttonRow->setMinimumWidth(layout->minimumSize().width());
+    for (auto it = m_optionalButtons.crbegin(); it != m_optionalButtons.crend(); ++it) {
+        (*it)->show();
+        layout->invalidate();
+        if (layout->minimumSize().width() > m_buttonRow->width()) {
+            (*it)->hide();
+            break;
+        }
+    }
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_buttonRow && event->type() == QEvent::Resize)
+        fitButtons();
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::buildMenus()

@@ -81,7 +81,11 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent *event) override;
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void fitButtons();
     void buildTable();
     void buildControls();
     void buildMenus();
@@ -95,6 +99,8 @@ private:
     QPushButton *m_clearButton = nullptr;
     QProgressBar *m_progress = nullptr;
     QUndoStack *m_undo = nullptr;
+    QWidget *m_buttonRow = nullptr;
+    QList<QWidget *> m_optionalButtons;
     QAction *m_startStopAction = nullptr;
     QAction *m_clearAction = nullptr;
     QAction *m_removeAction = nullptr;

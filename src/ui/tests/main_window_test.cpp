@@ -178,6 +178,34 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(200));
     }
 
+    // At 600 px the window works: nothing clipped; what does not fit is left to the menus.
+    void narrowWindowClipsNoControl()
+    {
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        m_window->resize(600, 400);
+        QTRY_COMPARE(m_window->width(), 600);
+        QWidget *row = m_window->findChild<QWidget *>(QStringLiteral("buttonRow"));
+        // Each shown button whole and inside the row, once the layouts have settled.
+        const auto nothingClipped = [row] {
+            int shown = 0;
+            for (auto *b : row->findChildren<QPushButton *>()) {
+                if (b->isHidden())
+                    continue;
+                if (!row->rect().contains(b->geometry()) || b->width() < b->minimumSizeHint().width())
+                    return false;
+                ++shown;
+            }
+            return shown >= 3;
+        };
+        QTRY_VERIFY(nothingClipped());
+        QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("stopStartButton"))->isHidden());
+        QVERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("browseButton"))->isHidden());
+        // Wide again: every button is back.
+        m_window->resize(1200, 400);
+        QTRY_VERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("invertSelectionButton"))->isHidden());
+    }
+
     void pickedDateWithoutSelectionChangesNothing()
     {
         m_window->datePicker()->setEnabled(true);
