@@ -528,7 +528,12 @@ void MainWindow::restoreWindowState()
     const QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
     if (!restoreGeometry(state.value(Keys::WindowGeometry).toByteArray()))
         resize(860, 480);
-    m_fileTable->horizontalHeader()->restoreState(state.value(Keys::TableHeader).toByteArray());
+    QHeaderView *header = m_fileTable->horizontalHeader();
+    header->restoreState(state.value(Keys::TableHeader).toByteArray());
+    // The user's column widths and order come back; how the columns share the width does not change.
+    header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::ResizeToContents);
 }
 
 } // namespace Quillon
