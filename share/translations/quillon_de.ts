@@ -50,12 +50,13 @@
 <context>
     <name>Quillon::FileAndFolderChooser</name>
     <message>
-        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="11"/>
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="16"/>
         <source>Choose Files and Folders</source>
         <translation>Dateien und Ordner auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="15"/>
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="20"/>
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="37"/>
         <source>Choose</source>
         <translation>Auswählen</translation>
     </message>
@@ -122,241 +123,241 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="111"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="112"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="144"/>
         <source>Drop files here or choose Add…</source>
         <translation>Dateien hier ablegen oder „Hinzufügen …“ wählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
         <source>&amp;Add…</source>
         <translation>&amp;Hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="192"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="192"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="212"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="250"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="422"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="470"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>&amp;Datum &amp;&amp; Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="209"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="247"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="210"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="248"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="214"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="252"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="218"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="256"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="219"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="257"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="222"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="260"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="228"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="266"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="268"/>
         <source>Move &amp;Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="271"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="236"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="274"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="238"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="276"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="240"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="278"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="242"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="280"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="244"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="282"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="248"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="286"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="249"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="280"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="287"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="318"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="289"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="254"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="292"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="255"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="293"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="257"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="295"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="280"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="318"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="318"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="356"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="334"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="370"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="372"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="418"/>
         <source>Date Change</source>
         <translation>Datumsänderung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="380"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="428"/>
         <source>Add</source>
         <translation>Hinzufügen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="387"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="435"/>
         <source>Clear</source>
         <translation>Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="402"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="450"/>
         <source>Move</source>
         <translation>Verschieben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="415"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="463"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="421"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="469"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="424"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="472"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="434"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="482"/>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>

@@ -1,6 +1,11 @@
 #include "FileAndFolderChooser.h"
 
 #include <QAbstractItemView>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QFileSystemModel>
 #include <QListView>
 #include <QTreeView>
@@ -14,6 +19,41 @@ FileAndFolderChooser::FileAndFolderChooser(QWidget *parent)
     setFileMode(QFileDialog::ExistingFiles);
     setLabelText(QFileDialog::Accept, tr("Choose"));
     setWindowModality(Qt::WindowModal);
+    // Enter on a typed folder goes into it, as in a file manager; it does not add it.
+    if (auto *name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))) {
+        name->installEventFilter(this);
+        connect(name, &QLineEdit::textChanged, this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);
+    }
+    // The stock dialog calls its button "Open" while a folder is highlighted; here it always
+    // chooses what is highlighted, folders included.
+    connect(this, &QFileDialog::currentChanged, this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);
+    connect(this, &QFileDialog::directoryEntered, this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);
+}
+
+void FileAndFolderChooser::keepChooseLabel()
+{
+    if (auto *box = findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"))) {
+        if (QPushButton *choose = box->button(QDialogButtonBox::Open))
+            choose->setText(tr("Choose"));
+    }
+}
+
+bool FileAndFolderChooser::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        auto *name = qobject_cast<QLineEdit *>(watched);
+        if (name && (key == Qt::Key_Return || key == Qt::Key_Enter) && !name->text().isEmpty()) {
+            const QString typed = QDir::isAbsolutePath(name->text()) ? name->text() : directory().filePath(name->text());
+            if (QFileInfo(typed).isDir()) {
+                setDirectory(typed);
+                name->clear();
+                QMetaObject::invokeMethod(this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);
+                return true;
+            }
+        }
+    }
+    return QFileDialog::eventFilter(watched, event);
 }
 
 void FileAndFolderChooser::accept()

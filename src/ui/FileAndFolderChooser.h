@@ -15,7 +15,12 @@ public:
 public Q_SLOTS:
     void accept() override;
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void keepChooseLabel();
+
     QStringList m_chosen;
 };
 

@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -392,8 +393,18 @@ void MainWindow::browseButtonClicked()
     if (m_chooser)
         return;
     m_chooser = new FileAndFolderChooser(this);
+    m_chooser->setObjectName(QStringLiteral("chooser"));
     m_chooser->setAttribute(Qt::WA_DeleteOnClose);
-    connect(m_chooser, &QDialog::accepted, this, [this] { addChosenPaths(m_chooser->chosenPaths()); });
+    // It opens where it was last used.
+    QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
+    const QString last = state.value(QStringLiteral("window/chooserFolder")).toString();
+    if (!last.isEmpty() && QFileInfo(last).isDir())
+        m_chooser->setDirectory(last);
+    connect(m_chooser, &QDialog::accepted, this, [this] {
+        m_preferences.makeFolder();
+        QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).setValue(QStringLiteral("window/chooserFolder"), m_chooser->directory().absolutePath());
+        addChosenPaths(m_chooser->chosenPaths());
+    });
     m_chooser->open();
 }
 

@@ -11,6 +11,12 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QFileDialog>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMenu>
+#include <QAction>
 #include <QLabel>
 #include <QMimeData>
 #include <QProgressBar>
@@ -204,6 +210,41 @@ private Q_SLOTS:
         // Wide again: every button is back.
         m_window->resize(1200, 400);
         QTRY_VERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("invertSelectionButton"))->isHidden());
+    }
+
+    // Enter on a typed folder path goes into the folder; the button still reads "Choose" and adds.
+    void chooserEnterOnAFolderNavigates()
+    {
+        QTemporaryDir home;
+        QVERIFY(Test::writeFile(home.filePath(QStringLiteral("inner/file.txt"))));
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        m_window->browseButtonClicked();
+        auto *chooser = m_window->findChild<QFileDialog *>(QStringLiteral("chooser"));
+        QVERIFY(chooser);
+        chooser->setDirectory(home.path());
+        auto *name = chooser->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        name->setText(QStringLiteral("inner"));
+        QTest::keyClick(name, Qt::Key_Return);
+        QCOMPARE(chooser->directory().absolutePath(), QDir(home.filePath(QStringLiteral("inner"))).absolutePath());
+        QVERIFY(chooser->isVisible());
+        QCOMPARE(m_schedule->count(), 3);
+        QTRY_COMPARE(chooser->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->text(), QStringLiteral("Choose"));
+        chooser->reject();
+    }
+
+    // Every menu entry can be reached from the keyboard; every button has a name for screen readers.
+    void everythingIsReachableAndNamed()
+    {
+        for (QAction *menu : m_window->menuBar()->actions()) {
+            QVERIFY2(menu->text().contains(QLatin1Char('&')), qPrintable(menu->text()));
+            for (QAction *a : menu->menu()->actions()) {
+                if (!a->isSeparator())
+                    QVERIFY2(a->text().contains(QLatin1Char('&')) || !a->shortcut().isEmpty(), qPrintable(a->text()));
+            }
+        }
+        for (auto *b : m_window->findChildren<QPushButton *>())
+            QVERIFY2(!b->accessibleName().isEmpty(), qPrintable(b->objectName()));
     }
 
     void pickedDateWithoutSelectionChangesNothing()
