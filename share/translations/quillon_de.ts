@@ -365,142 +365,147 @@
 <context>
     <name>Quillon::PreferencesDialog</name>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="60"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="61"/>
         <source>Quillon Preferences</source>
         <translation>Quillon-Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="62"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="63"/>
         <source>General</source>
         <translation>Allgemein</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="63"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="64"/>
         <source>Mail</source>
         <translation>E-Mail</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="76"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="77"/>
         <source>Remember the list between sessions</source>
         <translation>Die Liste zwischen Sitzungen behalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="77"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="78"/>
         <source>A dropped folder adds the files inside it</source>
         <translation>Ein abgelegter Ordner fügt die Dateien darin hinzu</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="78"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="79"/>
         <source>…and the files in its subfolders</source>
         <translation>… und die Dateien in seinen Unterordnern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="88"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="89"/>
         <source>Never</source>
         <translation>Nie</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="90"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="91"/>
         <source>Repeat every</source>
         <translation>Wiederholen alle</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="93"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="94"/>
         <source>seconds</source>
         <translation>Sekunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="93"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="94"/>
         <source>minutes</source>
         <translation>Minuten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="93"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="94"/>
         <source>hours</source>
         <translation>Stunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="93"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="94"/>
         <source>days</source>
         <translation>Tage</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="104"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="105"/>
         <source>Repeat every:</source>
         <translation>Wiederholen alle:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="105"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="106"/>
         <source>Quit after the last item has been opened</source>
         <translation>Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="108"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="109"/>
         <source>Start Quillon when I log in</source>
         <translation>Quillon bei der Anmeldung starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="126"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="127"/>
         <source>Send a message for each opened item</source>
         <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="127"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
         <source>Send the result of each script</source>
         <translation>Das Ergebnis jedes Skripts senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
         <source>Recipient address:</source>
         <translation>Empfängeradresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
         <source>Recipient name:</source>
         <translation>Empfängername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="132"/>
+        <source>Outgoing server</source>
+        <translation>Postausgangsserver</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
         <source>Address:</source>
         <translation>Adresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="140"/>
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="143"/>
         <source>Port:</source>
         <translation>Port:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="139"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="144"/>
         <source>Use a secure connection (TLS)</source>
         <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="141"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="146"/>
         <source>Login:</source>
         <translation>Anmeldung:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="140"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="145"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="143"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="148"/>
         <source>Username:</source>
         <translation>Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="146"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="151"/>
         <source>Password:</source>
         <translation>Passwort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="154"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="160"/>
         <source>Send Test Message</source>
         <translation>Testnachricht senden</translation>
     </message>

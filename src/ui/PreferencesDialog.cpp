@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -127,23 +128,27 @@ QWidget *PreferencesDialog::buildMailPage()
     form->addRow(boolControl(p, Keys::EmailScriptResults, tr("Send the result of each script"), p.boolValue(Keys::EmailScriptResults), page));
     form->addRow(tr("Recipient address:"), textControl(p, Keys::RecipientEmail, page));
     form->addRow(tr("Recipient name:"), textControl(p, Keys::RecipientName, page));
-    form->addRow(tr("Address:"), textControl(p, Keys::ServerAddress, page));
-    auto *port = new QSpinBox(page);
+    // Everything about the server in one group, apart from whom the mail is for.
+    auto *group = new QGroupBox(tr("Outgoing server"), page);
+    group->setObjectName(QStringLiteral("outgoingServer"));
+    auto *server = new QFormLayout(group);
+    server->addRow(tr("Address:"), textControl(p, Keys::ServerAddress, group));
+    auto *port = new QSpinBox(group);
     port->setObjectName(QString(Keys::ServerPort));
     // 0 is "not set"; the getter accepts 1 to 65365.
     port->setRange(0, MailSettings::HighestPort);
     port->setSpecialValueText(tr("Not set"));
     port->setValue(p.intValue(Keys::ServerPort));
     connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
-    form->addRow(tr("Port:"), port);
-    form->addRow(boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), page));
-    QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, page);
-    form->addRow(tr("Login:"), login);
-    QLineEdit *username = textControl(p, Keys::LoginUsername, page);
-    form->addRow(tr("Username:"), username);
-    QLineEdit *password = textControl(p, Keys::LoginPassword, page);
+    server->addRow(tr("Port:"), port);
+    server->addRow(boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group));
+    QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, group);
+    server->addRow(tr("Login:"), login);
+    QLineEdit *username = textControl(p, Keys::LoginUsername, group);
+    server->addRow(tr("Username:"), username);
+    QLineEdit *password = textControl(p, Keys::LoginPassword, group);
     password->setEchoMode(QLineEdit::Password);
-    form->addRow(tr("Password:"), password);
+    server->addRow(tr("Password:"), password);
     // No login, nothing to fill in.
     const auto enableLogin = [login, username, password] {
         username->setEnabled(login->currentIndex() != 0);
@@ -151,6 +156,7 @@ QWidget *PreferencesDialog::buildMailPage()
     };
     enableLogin();
     connect(login, &QComboBox::activated, page, enableLogin);
+    form->addRow(group);
     auto *test = new QPushButton(tr("Send Test Message"), page);
     test->setObjectName(QStringLiteral("testEmailButton"));
     // Enter in a mail field must not send a mail.
