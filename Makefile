@@ -6,31 +6,46 @@ ifeq ($(SANITIZE),1)
 BUILD := build-asan
 CMAKE_EXTRA := -DQUILLON_SANITIZE=ON
 endif
-DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libgmime-3.0-dev \
+# What building and running the program needs; the test suite, packaging and fuzzing add theirs.
+RUN_DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libgsasl-dev libgmime-3.0-dev \
         libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
-        adwaita-icon-theme xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev \
-        qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n appstream libcap2-bin dpkg-dev file
+        adwaita-icon-theme qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n libcap2-bin
+TEST_DEPS := xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev \
+        appstream dpkg-dev file
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps configure build run test bench fuzz install package clean
+.PHONY: deps test-deps configure build build-app run test bench fuzz install package clean
 FUZZ_SECONDS ?= 600
 
-deps:
-	@missing=$$(for p in $(DEPS); do \
+# Installs those of the packages named in its argument that are missing.
+define install_missing
+	@missing=$$(for p in $(1); do \
 	    dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q 'install ok installed' || echo $$p; done); \
 	if [ -n "$$missing" ]; then \
 	    echo "Installing missing packages:" $$missing; \
 	    $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get update -qq && \
 	    $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $$missing; \
 	fi
+endef
+
+deps:
+	$(call install_missing,$(RUN_DEPS))
+
+test-deps: deps
+	$(call install_missing,$(TEST_DEPS))
 
 configure: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_EXTRA)
 
-build: configure
+# Everything: the program, the tests and the benchmarks.
+build: configure test-deps
 	cmake --build $(BUILD) -j$(JOBS)
 
-run: build
+# The program, its wake helper and what they install beside them (translations, changelog); no tests.
+build-app: configure
+	cmake --build $(BUILD) -j$(JOBS) --target quillon quillon-wake changelog
+
+run: build-app
 	$(BUILD)/bin/quillon
 
 test: build
@@ -38,18 +53,18 @@ test: build
 
 # Installs under PREFIX (default /usr/local); the wake helper gets its capability where setcap works.
 PREFIX ?= /usr/local
-install: build
+install: build-app
 	$(SUDO) cmake --install $(BUILD) --prefix $(PREFIX)
 
 # A Debian package in $(BUILD): quillon_<version>_<arch>.deb.
-package: build
+package: build-app test-deps
 	cd $(BUILD) && cpack -G DEB
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b; done
 
 # libFuzzer on the SMTP reply parser; new inputs that add coverage are merged into fuzz/corpus.
-fuzz: deps
+fuzz: test-deps
 	cmake -S fuzz -B build-fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build build-fuzz -j$(JOBS)
 	mkdir -p build-fuzz/corpus

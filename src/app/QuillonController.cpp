@@ -49,7 +49,8 @@ void QuillonController::awakeFromNib()
     m_schedule.setLauncher([this](const QString &path) { launchItem(path); });
     connect(&m_schedule, &Schedule::runningStateChanged, m_window, &MainWindow::showRunningState);
     connect(&m_schedule, &Schedule::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
-    connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::terminate, Qt::QueuedConnection);
+    connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::quitWhenIdle, Qt::QueuedConnection);
+    connect(&m_schedule, &Schedule::stoppedByUser, this, [this] { m_launcher.dropScheduled(); });
     connect(m_window, &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
     connect(m_window, &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
     connect(m_window, &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
@@ -57,7 +58,7 @@ void QuillonController::awakeFromNib()
     connect(m_window, &MainWindow::aboutRequested, this, &QuillonController::showAbout);
     connect(m_window, &MainWindow::openNowRequested, this, [this](const QStringList &paths) {
         for (const QString &path : paths)
-            launchItem(path);
+            m_launcher.launchItem(path, Launcher::Origin::User);
     });
     connect(m_window, &MainWindow::quitRequested, this, &QuillonController::terminate);
 
@@ -91,9 +92,27 @@ void QuillonController::terminate()
         QCoreApplication::exit(0);
         return;
     }
+    // A session the policy left waiting (a refused message, a login it cannot make) never ends
+    // on its own; only the ones still at work get the time.
+    for (SimpleSMTP *delivery : findChildren<SimpleSMTP *>(Qt::FindDirectChildrenOnly))
+        delivery->closeWhenIdle();
+    if (m_deliveries == 0)
+        return;
     QTimer::singleShot(std::chrono::seconds(20), this, [this] {
         systemLog(QStringLiteral("Quitting: %1 mail deliveries did not finish in time.").arg(m_deliveries));
         QCoreApplication::exit(0);
+    });
+}
+
+void QuillonController::quitWhenIdle()
+{
+    // Queued, so that terminate never runs inside the launcher's own loop.
+    m_launcher.whenIdle([this] {
+        QMetaObject::invokeMethod(this, [this] {
+            // Started again meanwhile: it is no longer done.
+            if (!m_schedule.timersRunning())
+                terminate();
+        }, Qt::QueuedConnection);
     });
 }
 

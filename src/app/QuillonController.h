@@ -55,6 +55,9 @@ public:
 
     void handleUpdateDisplayTimer();
     void launchItem(const QString &path) { m_launcher.launchItem(path); }
+    // Quit when done: the last launch may be a script, or have items queued behind one; they
+    // run to their end (and mail what they must) before the quit.
+    void quitWhenIdle();
     void launchAllNow() { m_launcher.launchAllNow(m_schedule.paths()); }
     void doubleAction();
     void sendMail(const QString &body, const QString &subject);

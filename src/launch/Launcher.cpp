@@ -28,9 +28,29 @@ bool Launcher::isScriptPath(const QString &path)
     return extension == QLatin1String("applescript") || extension == QLatin1String("scpt");
 }
 
-void Launcher::launchItem(const QString &path)
+void Launcher::launchItem(const QString &path, Origin origin)
 {
-    m_waiting.enqueue(path);
+    // A repeating script that runs longer than its period would otherwise pile up a run per
+    // period without end; its firings collapse into the one run that already waits.
+    if (origin == Origin::Schedule && isScriptPath(path)) {
+        for (const Pending &pending : std::as_const(m_waiting)) {
+            if (pending.origin == Origin::Schedule && pending.path == path)
+                return;
+        }
+    }
+    m_waiting.enqueue({path, origin});
+    drain();
+}
+
+void Launcher::dropScheduled()
+{
+    m_waiting.removeIf([](const Pending &pending) { return pending.origin == Origin::Schedule; });
+    drain();
+}
+
+void Launcher::whenIdle(std::function<void()> idle)
+{
+    m_whenIdle = std::move(idle);
     drain();
 }
 
@@ -41,7 +61,7 @@ void Launcher::drain()
         return;
     m_draining = true;
     while (!m_scriptRunning && !m_waiting.isEmpty()) {
-        const QString path = m_waiting.dequeue();
+        const QString path = m_waiting.dequeue().path;
         if (isScriptPath(path)) {
             m_scriptRunning = true;
             m_scripts.start(path, [this](const ScriptRunner::Outcome &outcome) {
@@ -58,6 +78,8 @@ void Launcher::drain()
             systemLog(Texts::EmailOff);
     }
     m_draining = false;
+    if (isIdle() && m_whenIdle)
+        std::exchange(m_whenIdle, {})();
 }
 
 void Launcher::scriptFinished(const ScriptRunner::Outcome &outcome)
@@ -84,7 +106,7 @@ void Launcher::launchAllNow(const QStringList &paths)
 {
     const QStringList snapshot = paths;
     for (const QString &path : snapshot)
-        launchItem(path);
+        launchItem(path, Origin::User);
 }
 
 int Launcher::abandon()
@@ -94,6 +116,7 @@ int Launcher::abandon()
     m_scriptRunning = false;
     const int waiting = int(m_waiting.size());
     m_waiting.clear();
+    m_whenIdle = {};
     return waiting;
 }
 

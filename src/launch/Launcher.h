@@ -23,8 +23,11 @@ public:
 
     Launcher(Preferences &preferences, Workspace &workspace, ScriptRunner &scripts, SendMail sendMail);
 
+    // Who asked: a timer's firing, or the user (Launch All Now, Open Now).
+    enum class Origin { Schedule, User };
     // Opens the item now, or, while a script runs, once the script and the items before it are done.
-    void launchItem(const QString &path);
+    // A script the schedule fires again before its earlier run started is not queued twice.
+    void launchItem(const QString &path, Origin origin = Origin::Schedule);
     // Every item, top row first, now; dates and timers stay as they are.
     void launchAllNow(const QStringList &paths);
     // A double click shows the row's file in the file manager; it never opens it.
@@ -35,6 +38,11 @@ public:
 
     // At quit: ends a running script and forgets the launches waiting behind it; how many waited.
     int abandon();
+    // The schedule was stopped: what its timers queued and has not started yet is dropped.
+    void dropScheduled();
+    bool isIdle() const { return !m_scriptRunning && m_waiting.isEmpty(); }
+    // Called once, as soon as no script runs and nothing waits (at once when that is so now).
+    void whenIdle(std::function<void()> idle);
 
 private:
     void drain();
@@ -44,7 +52,13 @@ private:
     Workspace &m_workspace;
     ScriptRunner &m_scripts;
     SendMail m_sendMail;
-    QQueue<QString> m_waiting;
+    struct Pending
+    {
+        QString path;
+        Origin origin;
+    };
+    QQueue<Pending> m_waiting;
+    std::function<void()> m_whenIdle;
     bool m_scriptRunning = false;
     bool m_draining = false;
 };

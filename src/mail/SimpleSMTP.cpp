@@ -54,6 +54,11 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         connect(_smtp, &SmtpSession::messageNotSent, this, &SimpleSMTP::messageNotSent);
         connect(_smtp, &SmtpSession::transactionResetCompleted, this, &SimpleSMTP::transactionResetCompleted);
         connect(_smtp, &SmtpSession::connectionTerminated, this, &SimpleSMTP::connectionTerminated);
+        // After the handlers above: only then is it known whether the policy left the session waiting.
+        for (auto step : {&SmtpSession::connectionEstablished, &SmtpSession::serviceInitialized, &SmtpSession::authenticationCompleted,
+                          &SmtpSession::authenticationFailed, &SmtpSession::messageSent, &SmtpSession::messageNotSent,
+                          &SmtpSession::transactionResetCompleted})
+            connect(_smtp, step, this, &SimpleSMTP::settle);
         _smtp->setMessage(message, from.toUtf8(), {to.toUtf8()});
         systemLog(QStringLiteral("Connecting to the %1 server...").arg(settings.getServer()));
         // Port 465 is SMTPS: TLS from the first byte. Any other port secures itself with STARTTLS.
@@ -63,6 +68,20 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         controller.doAlert(tr("An error occurred when sending email."), errorText(e));
         systemLog(errorText(e));
         QTimer::singleShot(0, this, &SimpleSMTP::finished);
+    }
+}
+
+void SimpleSMTP::closeWhenIdle()
+{
+    _closeWhenIdle = true;
+    settle();
+}
+
+void SimpleSMTP::settle()
+{
+    if (_closeWhenIdle && _smtp && _smtp->isIdle()) {
+        systemLog(QStringLiteral("Quitting: a mail session with nothing more to do is closed."));
+        _smtp->abort();
     }
 }
 

@@ -32,6 +32,10 @@ public:
     // Returns at once; finished() tells when the delivery is over, whichever way.
     void sendMail(MailHost &controller, const QString &body, const QString &subject);
 
+    // At quit: a session with nothing under way (the policy left it waiting) ends at once, and
+    // so does one that comes to that point later; one that still works goes on.
+    void closeWhenIdle();
+
     // Limits for every session started from now on: 30 s to connect, 5 minutes for any reply.
     static void setSessionTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply);
 
@@ -47,9 +51,11 @@ private:
     void messageNotSent();
     void transactionResetCompleted();
     void connectionTerminated();
+    void settle();
 
     SmtpSession *_smtp = nullptr;
     MailHost *_controller = nullptr;
+    bool _closeWhenIdle = false;
 };
 
 } // namespace Quillon

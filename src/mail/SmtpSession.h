@@ -45,6 +45,10 @@ public:
     void resetTransaction();
     // QUIT, then the connection ends.
     void close();
+    // Ends the connection now, without a word to the server.
+    void abort() { finish(); }
+    // Connected, and no command waits for its reply: nothing happens until the caller acts.
+    bool isIdle() const { return m_step == Step::Idle; }
     QByteArray lastResponse() const { return m_lastResponse; }
 
     // Why the session ended abnormally (a time-out, a broken reply, a failed TLS handshake); empty otherwise.

@@ -8,10 +8,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTemporaryFile>
+#include <QScopeGuard>
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,10 +25,22 @@ QString errnoText()
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
+// An empty list, an absent key and QSettings' "@Invalid()" all mean "nothing": QSettings writes an
+// empty list as the last and reads it back as an invalid value.
+bool meansNothing(const QVariant &v)
+{
+    if (!v.isValid())
+        return true;
+    const bool list = v.typeId() == QMetaType::QVariantList || v.typeId() == QMetaType::QStringList;
+    return list && v.toList().isEmpty();
+}
+
 // QSettings hands back what it was given (a bool, an int) but parses the file into text; the
 // same value may therefore come back with another type.
 bool sameValue(const QVariant &a, const QVariant &b)
 {
+    if (meansNothing(a) || meansNothing(b))
+        return meansNothing(a) && meansNothing(b);
     const bool aList = a.typeId() == QMetaType::QVariantList || a.typeId() == QMetaType::QStringList;
     const bool bList = b.typeId() == QMetaType::QVariantList || b.typeId() == QMetaType::QStringList;
     if (aList || bList) {
@@ -140,7 +154,12 @@ void Preferences::makeFolder() const
 
 QString Preferences::windowStateFileName() const
 {
-    return QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+    const QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+    // As for the settings: QSaveFile would make a new file with the umask's mode.
+    const int fd = ::open(QFile::encodeName(name).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd >= 0)
+        ::close(fd);
+    return name;
 }
 
 // A file that could not be read whole is never written over before a copy of it is kept.
@@ -157,27 +176,51 @@ bool Preferences::keepProblemFileAside()
         return false;
     }
     systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2.").arg(original, copy));
+    // QSettings writes into a fresh file only what is set again after it parsed the old one, so
+    // every key that could be read is set again: the log promised that it was kept.
+    QList<std::pair<QString, QVariant>> readable;
+    for (const QString &key : m_settings.allKeys())
+        readable.append({key, m_settings.value(key)});
     // The copy holds it now; a fresh file gets our own private mode instead of the odd one it had.
     ::unlink(QFile::encodeName(original).constData());
+    for (const auto &[key, value] : std::as_const(readable))
+        m_settings.setValue(key, value);
     m_problemFileKept = true;
     return true;
 }
 
 bool Preferences::readsBackAsWritten() const
 {
-    // Parsed from a copy: QSettings shares one in-memory copy per file name, and asking it again
-    // would answer from memory instead of from the disk.
+    // Parsed from an anonymous in-memory file: QSettings shares one in-memory copy per file name,
+    // so asking it again would answer from memory, and a copy on disk would spread the password.
     QFile file(m_settings.fileName());
-    QTemporaryFile copy;
-    if (!file.open(QIODevice::ReadOnly) || !copy.open())
+    if (!file.open(QIODevice::ReadOnly))
         return false;
-    copy.write(file.readAll());
-    copy.close();
-    QSettings onDisk(copy.fileName(), QSettings::IniFormat);
+    const QByteArray bytes = file.readAll();
+    const int memory = ::memfd_create("quillon-read-back", MFD_CLOEXEC);
+    if (memory < 0)
+        return false;
+    auto closeMemory = qScopeGuard([memory] { ::close(memory); });
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t n = ::write(memory, bytes.constData() + done, size_t(bytes.size() - done));
+        if (n <= 0)
+            return false;
+        done += n;
+    }
+    QSettings onDisk(QStringLiteral("/proc/self/fd/%1").arg(memory), QSettings::IniFormat);
     if (onDisk.status() != QSettings::NoError)
         return false;
-    const QStringList keys = m_settings.allKeys();
-    if (onDisk.allKeys().size() != keys.size())
+    const auto meaningfulKeys = [](const QSettings &settings) {
+        QStringList keys;
+        for (const QString &key : settings.allKeys()) {
+            if (!meansNothing(settings.value(key)))
+                keys << key;
+        }
+        keys.sort();
+        return keys;
+    };
+    const QStringList keys = meaningfulKeys(m_settings);
+    if (meaningfulKeys(onDisk) != keys)
         return false;
     for (const QString &key : keys) {
         if (!sameValue(m_settings.value(key), onDisk.value(key)))
@@ -204,6 +247,14 @@ void Preferences::writeOut()
     const QByteArray backup = file + ".bak";
     ::unlink(backup.constData());
     const bool haveBackup = fileExisted && ::link(file.constData(), backup.constData()) == 0;
+    // QSaveFile gives a new file the umask's mode (0644) until it is renamed into place, and an
+    // existing file's mode from the start: an empty file of our own, private from its first
+    // instant, is what it then copies.
+    if (!fileExisted) {
+        const int fd = ::open(file.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd >= 0)
+            ::close(fd);
+    }
 
     m_settings.sync();
     // The status mixes up reading and writing (an unreadable file reports an error even when the
@@ -211,8 +262,6 @@ void Preferences::writeOut()
     // at all: reading the file back is what tells.
     if (readsBackAsWritten()) {
         ::unlink(backup.constData());
-        if (!fileExisted)
-            ::chmod(file.constData(), 0600);
         m_readStamp = currentStamp();
         return;
     }

@@ -84,6 +84,15 @@ void Schedule::createArrays()
     m_paths.reserve(InitialCapacity);
     m_dates.reserve(InitialCapacity);
     m_timers.reserve(InitialCapacity);
+    m_ids.reserve(InitialCapacity);
+}
+
+QList<quint64> Schedule::newIds(qsizetype n)
+{
+    QList<quint64> ids(n);
+    for (quint64 &id : ids)
+        id = m_nextId++;
+    return ids;
 }
 
 void Schedule::addPath(const QString &path, int index)
@@ -92,6 +101,7 @@ void Schedule::addPath(const QString &path, int index)
     m_paths.insert(index, path);
     m_dates.insert(std::min<qsizetype>(index, m_dates.size()), now());
     m_timers.insert(index, TimerSlot());
+    m_ids.insert(index, m_nextId++);
     m_slotIndexStale = true;
     Q_EMIT rowsInserted();
 }
@@ -105,6 +115,7 @@ void Schedule::appendPaths(const QStringList &paths)
         m_paths.append(path);
         m_dates.append(now());
         m_timers.append(TimerSlot());
+        m_ids.append(m_nextId++);
     }
     m_slotIndexStale = true;
     Q_EMIT rowsInserted();
@@ -121,6 +132,9 @@ void Schedule::insertPaths(int index, const QStringList &paths)
     std::copy(paths.begin(), paths.end(), m_paths.begin() + index);
     m_dates.insert(std::min<qsizetype>(index, m_dates.size()), n, stamp);
     m_timers.insert(index, n, TimerSlot());
+    const QList<quint64> ids = newIds(n);
+    m_ids.insert(index, n, 0);
+    std::copy(ids.begin(), ids.end(), m_ids.begin() + index);
     m_slotIndexStale = true;
     Q_EMIT rowsInserted();
 }
@@ -137,6 +151,7 @@ void Schedule::removeRows(QList<int> rows)
         if (row < m_dates.size())
             m_dates.removeAt(row);
         m_timers.removeAt(row);
+        m_ids.removeAt(row);
         m_slotIndexStale = true;
         Q_EMIT rowsRemoved();
     }
@@ -148,6 +163,7 @@ void Schedule::removeAll()
     m_paths.clear();
     m_dates.clear();
     m_timers.clear();
+    m_ids.clear();
     m_slotIndexStale = true;
     Q_EMIT reset();
 }
@@ -159,6 +175,7 @@ void Schedule::moveRow(int from, int to)
     Q_EMIT rowAboutToBeMoved(from, to);
     moveElement(m_paths, from, to);
     moveElement(m_timers, from, to);
+    moveElement(m_ids, from, to);
     m_slotIndexStale = true;
     moveElement(m_dates, from, to);
     Q_EMIT rowMoved();
@@ -186,16 +203,38 @@ void Schedule::setDateAt(int row, const QDateTime &date)
 
 void Schedule::restore(const Snapshot &snapshot)
 {
+    QHash<quint64, qsizetype> current;
+    current.reserve(m_ids.size());
+    for (qsizetype i = 0; i < m_ids.size(); ++i)
+        current.insert(m_ids.at(i), i);
+    // Only a row that comes back or a date that changes asks a running schedule to re-arm; a
+    // row that stays keeps its timer, armed or fired.
+    bool datesChanged = false;
+    QList<TimerSlot> timers(snapshot.paths.size());
+    for (qsizetype i = 0; i < snapshot.ids.size() && i < timers.size(); ++i) {
+        const qsizetype was = current.value(snapshot.ids.at(i), -1);
+        if (was < 0) {
+            datesChanged = true;
+            continue;
+        }
+        timers[i] = m_timers.at(was);
+        if (i >= snapshot.dates.size() || was >= m_dates.size() || snapshot.dates.at(i) != m_dates.at(was))
+            datesChanged = true;
+    }
+    Q_EMIT aboutToRestore();
     Q_EMIT aboutToReset();
     m_paths = snapshot.paths;
     m_dates = snapshot.dates;
-    m_timers = QList<TimerSlot>(m_paths.size());
+    m_timers = std::move(timers);
+    m_ids = snapshot.ids;
+    m_ids.resize(m_paths.size());
     m_slotIndexStale = true;
     Q_EMIT reset();
     Q_EMIT reloadTable();
     // Rows came back with their dates: a running schedule arms them as a date change would.
-    if (m_timersRunning)
+    if (m_timersRunning && datesChanged)
         restartTimers();
+    Q_EMIT restored();
 }
 
 void Schedule::saveItems()
@@ -245,6 +284,8 @@ void Schedule::restoreItems()
         if (datesAbsent)
             m_dates.append(now());
         m_timers.append(TimerSlot());
+        m_ids.append(m_nextId++);
+        m_ids.append(m_nextId++);
     }
     m_slotIndexStale = true;
     Q_EMIT reset();
@@ -326,6 +367,7 @@ void Schedule::startStopButtonClicked()
         startTimers(false);
     } else {
         invalidateTimers(false);
+        Q_EMIT stoppedByUser();
     }
 }
 

@@ -52,15 +52,19 @@ public:
     void setDate(const QList<int> &rows, const QDateTime &date);
     void setDateAt(int row, const QDateTime &date);
 
-    // The list as it stands, and putting it back: what undo works with.
+    // The list as it stands, and putting it back: what undo works with. Rows keep an identity of
+    // their own, so that a row that is still there keeps its timer (and its "opened" mark).
     struct Snapshot
     {
         QStringList paths;
         QList<QDateTime> dates;
+        QList<quint64> ids;
         bool operator==(const Snapshot &) const = default;
     };
-    Snapshot snapshot() const { return {m_paths, m_dates}; }
+    Snapshot snapshot() const { return {m_paths, m_dates, m_ids}; }
     void restore(const Snapshot &snapshot);
+    quint64 idAt(int row) const { return row >= 0 && row < m_ids.size() ? m_ids.at(row) : 0; }
+    int rowOf(quint64 id) const { return int(m_ids.indexOf(id)); }
 
     void saveItems();
     void restoreItems();
@@ -86,6 +90,9 @@ Q_SIGNALS:
     void rowMoved();
     void aboutToReset();
     void reset();
+    // Around restore(): rows may come back in another order, so a view keeps its selection by row id.
+    void aboutToRestore();
+    void restored();
     // Every cell may show something else now.
     void reloadTable();
     void runningStateChanged(bool running);
@@ -93,12 +100,15 @@ Q_SIGNALS:
     void quitRequested();
     // The schedule stopped without the user asking: text says why, for a status line.
     void stoppedByItself(const QString &text);
+    // The user stopped a running schedule (not the last launch ending it).
+    void stoppedByUser();
 
 private:
     void showStopped();
     void showRunning();
     TimerSlot armTimer(const QString &path, qint64 fireMSecs);
     qsizetype slotOf(const TimerSlot &timer);
+    QList<quint64> newIds(qsizetype n);
 
     Preferences &m_preferences;
     WallClock &m_clock;
@@ -109,6 +119,8 @@ private:
     QStringList m_paths;
     QList<QDateTime> m_dates;
     QList<TimerSlot> m_timers;
+    QList<quint64> m_ids;
+    quint64 m_nextId = 1;
     bool m_timersRunning = false;
     qint32 m_timersRemaining = 0;
     QHash<const ItemTimer *, qsizetype> m_slotIndex;

@@ -160,6 +160,23 @@ void MainWindow::buildTable()
     connect(m_fileTable, &QWidget::customContextMenuRequested, this, &MainWindow::showRowMenu);
     connect(m_fileTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::tableViewSelectionDidChange);
     connect(m_fileTable, &QTableView::doubleClicked, this, [this] { Q_EMIT doubleClicked(); });
+
+    // An undo resets the model; the rows that are still there stay selected, wherever they went.
+    connect(&m_schedule, &Schedule::aboutToRestore, this, [this] {
+        m_keptSelection.clear();
+        for (int row : selectedRows())
+            m_keptSelection.append(m_schedule.idAt(row));
+    });
+    connect(&m_schedule, &Schedule::restored, this, [this] {
+        QItemSelection selection;
+        for (quint64 id : std::as_const(m_keptSelection)) {
+            const int row = m_schedule.rowOf(id);
+            if (row >= 0)
+                selection.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+        }
+        m_fileTable->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+        m_keptSelection.clear();
+    });
 }
 
 void MainWindow::buildControls()

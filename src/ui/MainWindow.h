@@ -94,6 +94,7 @@ private:
     Schedule &m_schedule;
     Preferences &m_preferences;
     ItemTableModel *m_model = nullptr;
+    QList<quint64> m_keptSelection;
     QTableView *m_fileTable = nullptr;
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;

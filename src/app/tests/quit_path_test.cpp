@@ -22,7 +22,7 @@ class QuitPathTest : public QObject
 {
     Q_OBJECT
     // The real program with its settings, runtime and data folders in home.
-    static void startQuillon(QProcess &app, const QTemporaryDir &home)
+    static void startQuillon(QProcess &app, const QTemporaryDir &home, QProcess::ProcessChannelMode channels = QProcess::ForwardedChannels)
     {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
@@ -30,7 +30,7 @@ class QuitPathTest : public QObject
         env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data"))); // no handlers: opening a document just fails
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         app.setProcessEnvironment(env);
-        app.setProcessChannelMode(QProcess::ForwardedChannels);
+        app.setProcessChannelMode(channels);
         app.start(QStringLiteral(QUILLON_BINARY));
     }
 
@@ -96,29 +96,56 @@ private Q_SLOTS:
         QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 1);
     }
 
-    // Quit when done: the last launch ends the program on its own, through the saving quit path,
-    // and that launch's notice is still delivered.
-    void lastNoticeIsDeliveredBeforeQuitting()
+    // Quit when done: the last launch ends the program on its own, through the saving quit path.
+    // A slow script that is the last launch runs to its end and mails its result, the item due
+    // while it ran opens after it, and accented text arrives as the UTF-8 its header declares. A
+    // session the server left with nothing to do (a refused message) does not hold the quit.
+    void quitWhenDoneFinishesWhatItStarted_data()
     {
+        QTest::addColumn<bool>("refuse");
+        QTest::newRow("accepted") << false;
+        QTest::newRow("refused") << true;
+    }
+    void quitWhenDoneFinishesWhatItStarted()
+    {
+        QFETCH(bool, refuse);
         QTemporaryDir home;
         Quillon::MailTest::Server server;
-        QVERIFY(server.start(home, {}));
-        const QString item = home.filePath(QStringLiteral("notes.md"));
-        QFile(item).open(QIODevice::WriteOnly);
+        QVERIFY(server.start(home, refuse ? QStringList{QStringLiteral("--refuse")} : QStringList{}));
+        const QString script = home.filePath(QStringLiteral("slow.scpt"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\nsleep 2\nprintf 'Gr\xc3\xbc\xc3\x9f" "e aus K\xc3\xb6ln\\000!'\n"));
+        const QString item = home.filePath(QStringLiteral("R\u00e9sum\u00e9 100%.txt"));
+        QVERIFY(Test::writeFile(item));
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
-        const QByteArray due = QDateTime::currentDateTimeUtc().addSecs(2).toString(Qt::ISODate).toUtf8();
-        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + "\nDates=" + due + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\n"
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const QByteArray dates = now.addSecs(2).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(3).toString(Qt::ISODate).toUtf8();
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + script.toUtf8() + ", " + item.toUtf8() + "\nDates=" + dates
+                    + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\nemailAppleScriptResults=true\n"
                     "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n"));
         QProcess app;
-        startQuillon(app, home);
-        QVERIFY(app.waitForFinished(30'000));
+        startQuillon(app, home, QProcess::ForwardedOutputChannel);
+        QVERIFY(app.waitForFinished(40'000));
         QCOMPARE(app.exitCode(), 0);
-        QTRY_COMPARE(server.messages().size(), 1);
-        QCOMPARE(server.messages().first().value(QLatin1String("subject")).toString(), QStringLiteral("Quillon launched path..."));
-        QCOMPARE(server.messages().first().value(QLatin1String("body")).toString(), item);
+        const QString log = QString::fromUtf8(app.readAllStandardError());
+        QVERIFY2(!log.contains(QLatin1String("ended before it finished")) && !log.contains(QLatin1String("not started"))
+                     && !log.contains(QLatin1String("did not finish in time")), qPrintable(log));
+        if (refuse) {
+            QVERIFY2(log.contains(QLatin1String("Message not sent")), qPrintable(log));
+        } else {
+            QTRY_VERIFY2(server.messages().size() == 2, qPrintable(log));
+            // Two sessions at once: they may arrive in either order.
+            QJsonObject result = server.messages().at(0), notice = server.messages().at(1);
+            if (result.value(QLatin1String("subject")).toString() == QLatin1String("Quillon launched path..."))
+                std::swap(result, notice);
+            QCOMPARE(result.value(QLatin1String("charset")).toString(), QStringLiteral("utf-8"));
+            // The NUL the script printed is kept visible, and nothing after it is lost.
+            QCOMPARE(result.value(QLatin1String("body")).toString(), QStringLiteral("Gr\u00fc\u00dfe aus K\u00f6ln\ufffd!"));
+            QCOMPARE(notice.value(QLatin1String("subject")).toString(), QStringLiteral("Quillon launched path..."));
+            QCOMPARE(notice.value(QLatin1String("body")).toString(), item);
+        }
         QSettings saved(conf, QSettings::IniFormat);
         QCOMPARE(saved.value(QStringLiteral("TimersRunning")).toBool(), false);
-        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 1);
+        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 2);
     }
 };
 

@@ -169,6 +169,29 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.opened, (QStringList{"/doc", "/next"}));
     }
 
+    // A repeating script slower than its period: firings while it runs fold into one waiting run
+    // (a run the user asks for is never folded), Stop drops what the schedule queued, and the
+    // launcher says when it has nothing left to do.
+    void repeatingScriptDoesNotPileUp()
+    {
+        m_scripts.hold = true;
+        for (int i = 0; i < 5; ++i)
+            m_launcher->launchItem(QStringLiteral("/slow.scpt"));
+        m_launcher->launchItem(QStringLiteral("/doc"));
+        m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
+        bool idle = false;
+        m_launcher->whenIdle([&idle] { idle = true; });
+        m_scripts.finishRunning();
+        QCOMPARE(m_scripts.ran, (QStringList{"/slow.scpt", "/slow.scpt"}));
+        m_launcher->dropScheduled();
+        m_scripts.finishRunning();
+        QVERIFY(m_workspace.opened.isEmpty());
+        QCOMPARE(m_scripts.ran.size(), 3);
+        QVERIFY(!idle);
+        m_scripts.finishRunning();
+        QVERIFY(idle);
+    }
+
     void doubleClickRevealsAndNeverOpens_data()
     {
         QTest::addColumn<int>("row");

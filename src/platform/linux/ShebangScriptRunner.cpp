@@ -109,6 +109,9 @@ void ShebangScriptRunner::finish(bool succeeded)
         QByteArray out = std::exchange(m_output, {});
         if (out.endsWith('\n'))
             out.chop(1);
+        // Text handed on as C strings (the mail body) would end at a NUL; each one becomes
+        // U+FFFD, so nothing after it is lost and the reader sees that something was there.
+        out.replace(QByteArrayView("\0", 1), QByteArrayView("\xEF\xBF\xBD"));
         outcome.result = ScriptDescriptor::fromText(QString::fromUtf8(out));
     }
     m_process->disconnect(this);

@@ -181,7 +181,8 @@ private Q_SLOTS:
         none.registerForNotifications();
         QVERIFY(!none.schedulePowerWake(at(100), 15));
         QVERIFY(!none.schedulePowerWake(at(200), 15));
-        QCOMPARE(m_log.filter(QStringLiteral("No wake-up can be arranged")).size(), 1);
+        // Says what really happens to those items: the timer engine drops them after wake.
+        QCOMPARE(m_log.filter(QStringLiteral("No wake-up can be arranged, so items due while the machine sleeps are skipped")).size(), 1);
     }
 
     void kdePowerDaemonGetsTheEpochSeconds()

@@ -5,9 +5,15 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
+#include "Log.h"
+
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/inotify.h>
+#include <unistd.h>
 
 using namespace Quillon;
 
@@ -58,6 +64,40 @@ private Q_SLOTS:
         QCOMPARE(s->dates(), (QList<QDateTime>{at(100), at(200), at(-300)}));
         QVERIFY(s->timersRunning());
         QCOMPARE(s->timersRemaining(), 2);
+    }
+
+    // A list cleared by the user stays cleared: QSettings writes it as "@Invalid()", which the
+    // read-back after a save must not take for a failed write. No copy of the file (it holds the
+    // password) is made outside its folder meanwhile.
+    void clearedListStaysCleared()
+    {
+        QTemporaryDir tmp;
+        const QByteArray oldTmp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", tmp.path().toUtf8());
+        auto restoreTmp = qScopeGuard([&] { qputenv("TMPDIR", oldTmp); });
+        const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        QVERIFY(::inotify_add_watch(watch, QFile::encodeName(tmp.path()).constData(), IN_CREATE) >= 0);
+        auto closeWatch = qScopeGuard([watch] { ::close(watch); });
+        QStringList log;
+        setLogSink([&log](const QString &line) { log << line; });
+        auto noSink = qScopeGuard([] { setLogSink({}); });
+        {
+            auto s = makeSchedule();
+            s->appendPaths({file("a.txt"), file("b.txt")});
+            s->setDate({0, 1}, at(100));
+            s->startTimers(true);
+            s->saveItems();
+            s->startStopButtonClicked();
+            s->removeAll();
+            s->saveItems();
+        }
+        QVERIFY2(log.isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
+        auto s = makeSchedule();
+        s->restoreItems();
+        QCOMPARE(s->count(), 0);
+        QVERIFY(!s->timersRunning());
+        char event[4096];
+        QCOMPARE(::read(watch, event, sizeof event), ssize_t(-1));
     }
 
     void filesFoundAfterRenameOrMove_data()

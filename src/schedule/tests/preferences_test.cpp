@@ -113,6 +113,20 @@ private Q_SLOTS:
         QVERIFY(!fresh.boolValue(Keys::SendEmail));
     }
 
+    // A hand-edited file with a typo at its end is kept aside; what could be read goes on working.
+    void malformedFileKeepsEveryReadableKey()
+    {
+        m_settings->writeRaw("[General]\nserverAddress=smtp.example.org\nrecipientEmail=ann@example.org\nrepeatSeconds=5\n[General\nsendEmail=true\n");
+        Preferences fresh;
+        fresh.setValue(Keys::TimersRunning, false);
+        QCOMPARE(m_settings->read(QStringLiteral("serverAddress")).toString(), QStringLiteral("smtp.example.org"));
+        QCOMPARE(m_settings->read(QStringLiteral("recipientEmail")).toString(), QStringLiteral("ann@example.org"));
+        QCOMPARE(m_settings->read(QStringLiteral("repeatSeconds")).toInt(), 5);
+        const QStringList kept = QDir(m_settings->configDir()).entryList({QStringLiteral("Quillon.conf.unreadable-*")});
+        QCOMPARE(kept.size(), 1);
+        QDir(m_settings->configDir()).remove(kept.first());
+    }
+
     void synchronizeSeesAnotherWriter()
     {
         m_p->setValue(Keys::SendEmail, false);

@@ -93,6 +93,39 @@ private Q_SLOTS:
         QCOMPARE(modeOf(home.path()), 0700u);
     }
 
+    // A folder made by someone else with mode 0755: the settings file Quillon creates in it is
+    // never readable by others, not even for the instant before it is complete.
+    void firstWriteIsNeverReadableByOthers()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Needs root to read as another user.");
+        QTemporaryDir home;
+        const QString dir = home.filePath(QStringLiteral("Quillon"));
+        QVERIFY(QDir().mkpath(dir));
+        for (const QString &p : {home.path(), dir})
+            ::chmod(QFile::encodeName(p).constData(), 0755);
+        QProcess reader;
+        reader.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
+                                                QStringLiteral("/bin/sh"), QStringLiteral("-c"),
+                                                QStringLiteral("echo ready; while [ ! -e %1/stop ]; do cat %1/Quillon.conf* 2>/dev/null; done").arg(home.path())});
+        QVERIFY(reader.waitForStarted());
+        QVERIFY2(reader.waitForReadyRead(10'000) && reader.readLine() == "ready\n", "the reader could not start as uid 65534");
+        for (int i = 0; i < 20; ++i) {
+            QFile::remove(dir + QStringLiteral("/Quillon.conf"));
+            QProcess writer;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+            writer.setProcessEnvironment(env);
+            writer.start(QStringLiteral(SETTINGS_PROBE), {QStringLiteral("/etc/hostname")});
+            QVERIFY(writer.waitForFinished(20'000));
+            QCOMPARE(modeOf(dir + QStringLiteral("/Quillon.conf")), 0600u);
+        }
+        QVERIFY(Test::writeFile(home.filePath(QStringLiteral("stop"))));
+        QVERIFY(reader.waitForFinished(10'000));
+        const QByteArray seen = reader.readAllStandardOutput();
+        QVERIFY2(!seen.contains("Items"), seen.left(200).constData());
+    }
+
     void fullDiskKeepsThePreviousFile()
     {
         if (::geteuid() != 0)

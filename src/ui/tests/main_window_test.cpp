@@ -170,6 +170,25 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->count(), 0);
     }
 
+    // An undo puts back rows, dates and order; the marks, timers and selection of the rows stay.
+    void undoKeepsOpenedMarksAndSelection()
+    {
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        m_schedule->startTimers(true);
+        m_clock->advanceSecs(150);
+        const QList<TimerSlot> slots = m_schedule->timers();
+        QVERIFY(slots.at(0) && !slots.at(0)->isValid());
+        select({0});
+        m_window->fileTable()->setFocus();
+        QTest::keyClick(m_window->fileTable(), Qt::Key_Down, Qt::ControlModifier);
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/b", "/c"}));
+        QCOMPARE(m_schedule->timers(), slots);
+        QVERIFY(m_schedule->timersRunning());
+        QCOMPARE(m_window->selectedRows(), QList<int>{0});
+    }
+
     // Steps of the picker are one undo; undoing while running arms the old dates again.
     void dateChangesUndoAsOne()
     {
