@@ -106,8 +106,19 @@ private Q_SLOTS:
             ::chmod(QFile::encodeName(p).constData(), 0755);
         QProcess reader;
         reader.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
-                                                QStringLiteral("/bin/sh"), QStringLiteral("-c"),
-                                                QStringLiteral("echo ready; while [ ! -e %1/stop ]; do cat %1/Quillon.conf* 2>/dev/null; done").arg(home.path())});
+                                                QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+import os, sys
+d, stop, seen = sys.argv[1], sys.argv[2], b''
+print('ready', flush=True)
+while not os.path.exists(stop):
+    for name in os.listdir(d):
+        try:
+            with open(os.path.join(d, name), 'rb') as f:
+                seen += f.read()
+        except OSError:
+            pass
+sys.stdout.buffer.write(seen)
+)"), dir, home.filePath(QStringLiteral("stop"))});
         QVERIFY(reader.waitForStarted());
         QVERIFY2(reader.waitForReadyRead(10'000) && reader.readLine() == "ready\n", "the reader could not start as uid 65534");
         for (int i = 0; i < 20; ++i) {
