@@ -1,6 +1,7 @@
 #include "SimpleSMTP.h"
 
 #include "Log.h"
+#include "MailAddress.h"
 #include "MailMessage.h"
 #include "MailSettings.h"
 #include "SmtpSession.h"
@@ -44,6 +45,10 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         const QByteArray message = composeMailMessage(from, subject, body);
         const QString server = settings.getServer();
         const int port = settings.getPort();
+        // What cannot go into the envelope is a setting that makes sending impossible, like a
+        // missing server: nothing is sent.
+        if (const QString problem = addressProblem(to); !problem.isEmpty())
+            throw MailSettingsError(QStringLiteral("BadAddress"), tr("The recipient address cannot be used: %1.").arg(problem));
         _smtp = new SmtpSession(server, quint16(port), this);
         _smtp->setTimeouts(g_connectTimeout, g_replyTimeout);
         connect(_smtp, &SmtpSession::connectionEstablished, this, &SimpleSMTP::connectionEstablished);
@@ -141,7 +146,10 @@ void SimpleSMTP::authenticationFailed()
 
 void SimpleSMTP::messageSent()
 {
-    systemLog(QStringLiteral("Sent!\nClosing the connection."));
+    // The two lines of "Sent!\nClosing the connection.", each logged as a line of its own: a log
+    // line never holds a line break, so that none can be forged.
+    systemLog(QStringLiteral("Sent!"));
+    systemLog(QStringLiteral("Closing the connection."));
     _smtp->close();
 }
 

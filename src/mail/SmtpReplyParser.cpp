@@ -8,6 +8,15 @@ bool isDigit(char c)
 }
 } // namespace
 
+QByteArray SmtpReply::text() const
+{
+    QByteArray out;
+    const QByteArray number = QByteArray::number(code);
+    for (qsizetype i = 0; i < lines.size(); ++i)
+        out += number + (i + 1 < lines.size() ? '-' : ' ') + lines.at(i) + "\r\n";
+    return out;
+}
+
 void SmtpReplyParser::feed(const QByteArray &bytes)
 {
     if (!m_error.isEmpty())
@@ -39,7 +48,7 @@ void SmtpReplyParser::parseLines()
         }
         // Servers end lines with CRLF; a bare LF is taken too.
         QByteArray line = m_buffer.mid(start, end - start);
-        const QByteArray raw = m_buffer.mid(start, end - start + 1);
+        const qsizetype rawSize = end - start + 1;
         start = end + 1;
         if (line.endsWith('\r'))
             line.chop(1);
@@ -56,20 +65,26 @@ void SmtpReplyParser::parseLines()
             m_error = "a reply of more than 1,000 lines";
             break;
         }
-        if (m_partial.text.size() + raw.size() > MaxReplyBytes) {
+        if (m_partialBytes + rawSize > MaxReplyBytes) {
             m_error = "a reply larger than 1 MiB";
             break;
         }
         m_partial.code = code;
-        m_partial.lines.append(line.mid(4));
-        m_partial.text += raw;
-        if (line.size() == 3 || line[3] == ' ')
+        m_partial.lines.append(line.size() > 4 ? line.mid(4) : QByteArray());
+        m_partialBytes += rawSize;
+        if (line.size() == 3 || line[3] == ' ') {
             m_ready.append(std::exchange(m_partial, {}));
+            m_partialBytes = 0;
+        }
     }
     m_buffer.remove(0, start);
+    // The buffer keeps its largest size otherwise: what a flood once made it stays held.
+    if (m_buffer.capacity() > 2 * m_buffer.size() + 4096)
+        m_buffer.squeeze();
     if (!m_error.isEmpty()) {
-        m_buffer.clear();
+        m_buffer = QByteArray();
         m_partial = {};
+        m_partialBytes = 0;
     }
 }
 

@@ -12,9 +12,11 @@ struct SmtpReply
 {
     int code = 0;
     QList<QByteArray> lines;
-    QByteArray text; // as received, CRLF and all, for lastResponse
 
-    bool isPositive() const { return code >= 200 && code < 400; }
+    // The reply as the server wrote it, CRLF and all. Rebuilt when asked rather than kept beside
+    // the lines: a hostile server's large reply is then held once, not twice.
+    QByteArray text() const;
+    bool isSuccess() const { return code >= 200 && code < 300; }
 };
 
 // Cuts a byte stream from an SMTP server into replies (RFC 5321, 4.2), with hard limits so that a
@@ -31,6 +33,8 @@ public:
     std::optional<SmtpReply> next();
     // Why the stream cannot be a valid reply stream, empty while it can.
     const QByteArray &error() const { return m_error; }
+    // Bytes or replies received and not yet taken: a server that speaks before it is asked.
+    bool hasPendingInput() const { return !m_buffer.isEmpty() || !m_ready.isEmpty() || !m_partial.lines.isEmpty(); }
 
 private:
     void parseLines();
@@ -38,6 +42,7 @@ private:
     QByteArray m_buffer;
     QList<SmtpReply> m_ready;
     SmtpReply m_partial;
+    qsizetype m_partialBytes = 0;
     QByteArray m_error;
 };
 

@@ -1,5 +1,6 @@
 #include "SmtpSession.h"
 
+#include "MailAddress.h"
 #include "SaslClient.h"
 
 #include <QHostAddress>
@@ -150,9 +151,14 @@ void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
     m_implicitTls = implicitTls;
     m_socket = new QSslSocket(this);
     m_socket->setPeerVerifyName(m_host);
+    // Read in bounded pieces: the parser's limits then bound what a flooding server makes us hold.
+    m_socket->setReadBufferSize(64 * 1024);
     m_step = Step::Connecting;
     const auto established = [this] {
+        if (m_implicitTls && !certificateNamesTheAddress())
+            return;
         m_step = Step::Greeting;
+        m_awaitingReply = true;
         armReplyTimer();
         Q_EMIT connectionEstablished();
     };
@@ -160,7 +166,7 @@ void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
     if (!implicitTls) {
         // After STARTTLS: greet again over the encrypted channel.
         connect(m_socket, &QSslSocket::encrypted, this, [this] {
-            if (m_step == Step::Handshaking)
+            if (m_step == Step::Handshaking && certificateNamesTheAddress())
                 sendEhlo();
         });
     }
@@ -234,10 +240,41 @@ void SmtpSession::authenticate(const QString &username, const QString &password,
     sendCommand(command, Step::Auth);
 }
 
+bool SmtpSession::certificateNamesTheAddress()
+{
+    // Qt also accepts a certificate whose common name or DNS entry spells the address out; for an
+    // address only an IP Address entry counts.
+    const QHostAddress address(m_host);
+    if (address.isNull())
+        return true;
+    const QSslCertificate certificate = m_socket->peerCertificate();
+    for (const QString &entry : certificate.subjectAlternativeNames().values(QSsl::IpAddressEntry)) {
+        if (QHostAddress(entry).isEqual(address))
+            return true;
+    }
+    fail(QStringLiteral("the server's certificate does not name the address %1 (an address needs an IP Address entry of its own)").arg(m_host));
+    return false;
+}
+
 void SmtpSession::sendMessage()
 {
     m_nextRecipient = 0;
-    sendCommand("MAIL FROM:<" + m_from + ">", Step::MailFrom);
+    // Checked here too, whatever the caller did: a CR, LF or bracket in an address would become
+    // commands or parameters of its own.
+    bool utf8 = false;
+    for (const QByteArray &address : QList<QByteArray>{m_from} + m_recipients) {
+        const QString text = QString::fromUtf8(address);
+        if (const QString problem = addressProblem(text); !problem.isEmpty()) {
+            fail(QStringLiteral("the address \"%1\" cannot be sent: %2").arg(text, problem));
+            return;
+        }
+        utf8 = utf8 || needsSmtpUtf8(text);
+    }
+    if (utf8 && !m_smtpUtf8Offered) {
+        fail(QStringLiteral("an address has characters outside ASCII, and the server does not offer SMTPUTF8"));
+        return;
+    }
+    sendCommand("MAIL FROM:<" + m_from + ">" + (utf8 ? " SMTPUTF8" : ""), Step::MailFrom);
 }
 
 void SmtpSession::resetTransaction()
@@ -261,6 +298,7 @@ void SmtpSession::sendCommand(const QByteArray &line, Step next)
     if (m_terminated || !m_socket)
         return;
     m_step = next;
+    m_awaitingReply = true;
     m_socket->write(line + "\r\n");
     armReplyTimer();
 }
@@ -269,6 +307,7 @@ void SmtpSession::sendEhlo()
 {
     m_mechanisms.clear();
     m_startTlsOffered = false;
+    m_smtpUtf8Offered = false;
     sendCommand("EHLO " + addressLiteral(m_socket->localAddress()), Step::Ehlo);
 }
 
@@ -280,6 +319,12 @@ void SmtpSession::armReplyTimer()
 
 void SmtpSession::onReadyRead()
 {
+    if (m_step == Step::Handshaking) {
+        // Anything between the answer to STARTTLS and the handshake came in clear, and would be
+        // read as if it had come over TLS.
+        fail(QStringLiteral("the server sent data in clear after agreeing to STARTTLS; nothing more is sent"));
+        return;
+    }
     m_parser.feed(m_socket->readAll());
     if (!m_parser.error().isEmpty()) {
         fail(QStringLiteral("the server sent %1").arg(QString::fromLatin1(m_parser.error())));
@@ -289,7 +334,15 @@ void SmtpSession::onReadyRead()
         const auto reply = m_parser.next();
         if (!reply)
             break;
-        m_lastResponse = reply->text;
+        // No pipelining is offered, so one reply answers one command; what follows it in the same
+        // stream was written before the server could have read our next command.
+        if (!m_awaitingReply || m_parser.hasPendingInput()) {
+            fail(m_step == Step::StartTls ? QStringLiteral("the server sent data in clear after agreeing to STARTTLS; nothing more is sent")
+                                          : QStringLiteral("the server sent a reply before it was asked"));
+            return;
+        }
+        m_awaitingReply = false;
+        m_lastResponse = reply->text();
         onReply(*reply);
     }
 }
@@ -302,7 +355,7 @@ void SmtpSession::onReply(const SmtpReply &reply)
         if (reply.code == 220)
             sendEhlo();
         else
-            fail(QStringLiteral("the server refused the session: %1").arg(QString::fromUtf8(reply.text.trimmed())));
+            fail(QStringLiteral("the server refused the session: %1").arg(QString::fromUtf8(reply.text().trimmed())));
         break;
     case Step::Ehlo:
     case Step::Helo:
@@ -310,13 +363,18 @@ void SmtpSession::onReply(const SmtpReply &reply)
         break;
     case Step::StartTls:
         if (reply.code != 220) {
-            fail(QStringLiteral("the server refused STARTTLS: %1").arg(QString::fromUtf8(reply.text.trimmed())));
+            fail(QStringLiteral("the server refused STARTTLS: %1").arg(QString::fromUtf8(reply.text().trimmed())));
             break;
         }
         m_step = Step::Handshaking;
         OneStepPerTurn::instance().add(this, [this] {
-            if (m_socket)
-                m_socket->startClientEncryption();
+            if (!m_socket || m_terminated)
+                return;
+            if (m_socket->bytesAvailable() > 0 || m_parser.hasPendingInput()) {
+                fail(QStringLiteral("the server sent data in clear after agreeing to STARTTLS; nothing more is sent"));
+                return;
+            }
+            m_socket->startClientEncryption();
         });
         break;
     case Step::Auth:
@@ -324,7 +382,7 @@ void SmtpSession::onReply(const SmtpReply &reply)
         break;
     case Step::MailFrom:
     case Step::RcptTo:
-        if (!reply.isPositive() || (m_step == Step::MailFrom && m_recipients.isEmpty())) {
+        if (!reply.isSuccess() || (m_step == Step::MailFrom && m_recipients.isEmpty())) {
             m_step = Step::Idle;
             Q_EMIT messageNotSent();
         } else if (m_nextRecipient < m_recipients.size()) {
@@ -340,11 +398,12 @@ void SmtpSession::onReply(const SmtpReply &reply)
             break;
         }
         m_step = Step::Body;
+        m_awaitingReply = true;
         m_socket->write(smtpData(m_message) + ".\r\n");
         break;
     case Step::Body:
         m_step = Step::Idle;
-        if (reply.code == 250)
+        if (reply.isSuccess())
             Q_EMIT messageSent();
         else
             Q_EMIT messageNotSent();
@@ -359,7 +418,7 @@ void SmtpSession::onReply(const SmtpReply &reply)
         break;
     default:
         // A reply nobody asked for: the server is out of step with us.
-        fail(QStringLiteral("the server sent a reply nobody asked for: %1").arg(QString::fromUtf8(reply.text.trimmed().left(200))));
+        fail(QStringLiteral("the server sent a reply nobody asked for: %1").arg(QString::fromUtf8(reply.text().trimmed().left(200))));
         break;
     }
 }
@@ -370,7 +429,7 @@ void SmtpSession::onEhloReply(const SmtpReply &reply)
         if (m_step == Step::Ehlo)
             sendCommand("HELO " + addressLiteral(m_socket->localAddress()), Step::Helo);
         else
-            fail(QStringLiteral("the server refused HELO: %1").arg(QString::fromUtf8(reply.text.trimmed())));
+            fail(QStringLiteral("the server refused HELO: %1").arg(QString::fromUtf8(reply.text().trimmed())));
         return;
     }
     if (m_step == Step::Ehlo) {
@@ -378,6 +437,8 @@ void SmtpSession::onEhloReply(const SmtpReply &reply)
             const QByteArray line = reply.lines.at(i).trimmed().toUpper();
             if (line == "STARTTLS") {
                 m_startTlsOffered = true;
+            } else if (line == "SMTPUTF8") {
+                m_smtpUtf8Offered = true;
             } else if (line.startsWith("AUTH ") || line.startsWith("AUTH=")) {
                 for (const QByteArray &m : line.mid(5).simplified().split(' ')) {
                     if (!m.isEmpty() && !m_mechanisms.contains(QString::fromLatin1(m)))
@@ -395,6 +456,7 @@ void SmtpSession::onAuthReply(const SmtpReply &reply)
     if (reply.code == 334 && m_sasl) {
         const auto answer = m_sasl->step(reply.lines.value(0).trimmed());
         // "*" cancels the exchange; the server then answers with an error.
+        m_awaitingReply = true;
         m_socket->write((answer ? *answer : QByteArray("*")) + "\r\n");
         armReplyTimer();
         return;

@@ -79,6 +79,7 @@ private:
     void fail(const QString &why);
     void finish();
     void armReplyTimer();
+    bool certificateNamesTheAddress();
 
     QString m_host;
     quint16 m_port;
@@ -90,6 +91,8 @@ private:
     Step m_step = Step::Idle;
     bool m_implicitTls = false;
     bool m_startTlsOffered = false;
+    bool m_smtpUtf8Offered = false;
+    bool m_awaitingReply = false;
     bool m_terminated = false;
     QStringList m_mechanisms;
     QByteArray m_lastResponse;

@@ -6,7 +6,8 @@
 
 namespace Quillon {
 
-// One plain line for the journal: desktop sessions route a GUI program's stderr there.
+// One plain line for the journal: desktop sessions route a GUI program's stderr there. Control
+// and direction-changing characters are escaped (\n, \x1b, \u{202e}): one event, one line.
 void systemLog(const QString &line);
 
 // Tests capture log lines instead of reading stderr. Pass an empty function to restore stderr.

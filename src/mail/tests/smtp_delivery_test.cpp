@@ -50,18 +50,19 @@ private Q_SLOTS:
         QTest::addColumn<bool>("delivered");
         QTest::addColumn<QString>("alert");
         const QStringList auth{QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password};
-        const QString sent = QStringLiteral("Sent!\nClosing the connection.");
+        const QString sent = QStringLiteral("Sent!");
+        const QString closing = QStringLiteral("Closing the connection.");
         const QString closed = QStringLiteral("Connection closed.");
         const QString mechanisms = QStringLiteral("Available authentication mechanisms: %1");
         const QString authDone = QStringLiteral("Authentication completed! Sending the message...");
         QTest::newRow("STARTTLS + CRAM-MD5") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} + auth << "127.0.0.1" << true << 3 << Password
-                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closed} << true << "";
+                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "";
         QTest::newRow("implicit TLS on 465 + LOGIN") << QStringList{QStringLiteral("--tls"), QStringLiteral("implicit"), QStringLiteral("--port"), QStringLiteral("465")} + auth
                                                   << "127.0.0.2" << true << 2 << Password
-                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closed} << true << "";
-        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closed} << true << "";
+                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "";
+        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closing, closed} << true << "";
         QTest::newRow("mechanism 0 with a user name set: no AUTH") << auth << "127.0.0.1" << false << 0 << Password
-                                                                  << QStringList{"Connected!", "Sending the message...", sent, closed} << true << "";
+                                                                  << QStringList{"Connected!", "Sending the message...", sent, closing, closed} << true << "";
         QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong")
                                         << QStringList{"Connected!", mechanisms, "Authentication failed! Closing the connection...", closed} << false << "";
         QTest::newRow("STARTTLS wanted, not offered") << QStringList{} << "127.0.0.1" << true << 0 << Password
@@ -231,6 +232,76 @@ private Q_SLOTS:
         QCOMPARE(m_log.last(), QStringLiteral("Connection closed."));
         QCOMPARE(m_log.filter(QStringLiteral("The mail session ended early")).size(), 1);
         QVERIFY(controller.alerts.isEmpty());
+    }
+
+    // A server written to turn the client: each command gets the next scripted answer (the first
+    // one is the greeting). What the client sent is compared whole: nothing after a refusal,
+    // nothing in clear after STARTTLS, nothing from a pasted line break.
+    void hostileServerGetsOnlyWhatItEarned_data()
+    {
+        QTest::addColumn<QString>("recipient");
+        QTest::addColumn<bool>("useSSL");
+        QTest::addColumn<QByteArrayList>("script");
+        QTest::addColumn<QByteArrayList>("commands");
+        QTest::addColumn<QString>("logged");
+        const QString ann = QStringLiteral("ann@example.org");
+        const QByteArray hi = "220 hi\r\n", ok = "250 ok\r\n";
+        QTest::newRow("bytes in clear after the answer to STARTTLS") << ann << true
+            << QByteArrayList{hi, "250-x\r\n250 STARTTLS\r\n", "220 go ahead\r\n250-x\r\n250 AUTH INJECTEDMECH\r\n"}
+            << QByteArrayList{"EHLO", "STARTTLS"} << "in clear after agreeing to STARTTLS";
+        QTest::newRow("answers before the commands") << ann << false << QByteArrayList{hi + ok + "235 ok\r\n" + ok + ok}
+            << QByteArrayList{} << "reply before it was asked";
+        QTest::newRow("334 to MAIL") << ann << false << QByteArrayList{hi, ok, "334 go on\r\n"} << QByteArrayList{"EHLO", "MAIL"} << "Message not sent";
+        QTest::newRow("354 to RCPT") << ann << false << QByteArrayList{hi, ok, ok, "354 go on\r\n"} << QByteArrayList{"EHLO", "MAIL", "RCPT"} << "Message not sent";
+        QTest::newRow("a line break pasted into the address") << QStringLiteral("ann@example.org\r\nRCPT TO:<victim@evil.example>") << false
+            << QByteArrayList{hi, ok, ok, ok} << QByteArrayList{} << "Error (BadAddress)";
+        QTest::newRow("parameters pasted into the address") << QStringLiteral("ann@example.org> NOTIFY=SUCCESS") << false
+            << QByteArrayList{hi, ok, ok, ok} << QByteArrayList{} << "Error (BadAddress)";
+        QTest::newRow("non-ASCII address, no SMTPUTF8") << QStringLiteral("j\u00fcrgen@example.org") << false << QByteArrayList{hi, ok}
+            << QByteArrayList{"EHLO"} << "does not offer SMTPUTF8";
+        QTest::newRow("a reply that would forge log lines") << ann << false
+            << QByteArrayList{hi, ok, "550 no\rForged line \x1b[31mred\xe2\x80\xae reversed\r\n"} << QByteArrayList{"EHLO", "MAIL"} << "Forged line";
+    }
+    void hostileServerGetsOnlyWhatItEarned()
+    {
+        QFETCH(QString, recipient);
+        QFETCH(bool, useSSL);
+        QFETCH(QByteArrayList, script);
+        QFETCH(QByteArrayList, commands);
+        QFETCH(QString, logged);
+        QTcpServer listener;
+        QVERIFY(listener.listen(QHostAddress::LocalHost));
+        QByteArrayList received;
+        connect(&listener, &QTcpServer::newConnection, &listener, [&] {
+            QTcpSocket *peer = listener.nextPendingConnection();
+            peer->write(script.value(0));
+            connect(peer, &QTcpSocket::readyRead, peer, [&, peer] {
+                while (peer->canReadLine()) {
+                    received << peer->readLine().trimmed();
+                    if (received.size() < script.size())
+                        peer->write(script.at(received.size()));
+                }
+            });
+        });
+        m_prefs->setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}, {Keys::RecipientEmail, recipient},
+                            {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, 0}});
+        SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds(2000), std::chrono::milliseconds(500));
+        auto defaults = qScopeGuard([] { SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::minutes(5)); });
+        MailTest::Host controller(*m_prefs);
+        SimpleSMTP delivery;
+        QSignalSpy finished(&delivery, &SimpleSMTP::finished);
+        delivery.sendMail(controller, Body, Subject);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 10'000);
+        QByteArrayList verbs;
+        for (const QByteArray &command : std::as_const(received))
+            verbs << command.split(' ').first().split(':').first();
+        QCOMPARE(verbs, commands);
+        const QString log = m_log.join(QLatin1Char('\n'));
+        QVERIFY2(log.contains(logged), qPrintable(log));
+        for (const QString &line : std::as_const(m_log)) {
+            for (const QChar c : line)
+                QVERIFY2(c >= QLatin1Char(' ') && c != QChar(0x202e), qPrintable(line));
+        }
     }
 
 private:
