@@ -12,18 +12,32 @@
 // A real SMTP server (aiosmtpd) on loopback, and a self-signed certificate for it.
 namespace Quillon::MailTest {
 
-// Made once per test program; SSL_CERT_FILE then makes us trust it, as it would a private authority.
-inline bool makeCertificate(const QTemporaryDir &dir)
+inline bool makeOneCertificate(const QTemporaryDir &dir, const QString &name, const QString &subject, const QString &altNames)
 {
     QProcess openssl;
     openssl.start(QStringLiteral("openssl"),
                   {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
-                   QStringLiteral("-keyout"), dir.filePath(QStringLiteral("key.pem")), QStringLiteral("-out"), dir.filePath(QStringLiteral("cert.pem")),
-                   QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), QStringLiteral("/CN=127.0.0.1"), QStringLiteral("-addext"),
-                   QStringLiteral("subjectAltName=IP:127.0.0.1,IP:127.0.0.2,DNS:localhost")});
-    if (!openssl.waitForFinished(60'000) || openssl.exitCode() != 0)
+                   QStringLiteral("-keyout"), dir.filePath(name + QStringLiteral("-key.pem")), QStringLiteral("-out"), dir.filePath(name + QStringLiteral(".pem")),
+                   QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), subject, QStringLiteral("-addext"), QStringLiteral("subjectAltName=") + altNames});
+    return openssl.waitForFinished(60'000) && openssl.exitCode() == 0;
+}
+
+// Made once per test program; SSL_CERT_FILE then makes us trust them, as it would a private
+// authority. "cert" names 127.0.0.1, 127.0.0.2 and localhost as it should; "dnsonly" spells
+// 127.0.0.9 in its common name and a DNS entry only, which must not do for an address.
+inline bool makeCertificate(const QTemporaryDir &dir)
+{
+    if (!makeOneCertificate(dir, QStringLiteral("cert"), QStringLiteral("/CN=127.0.0.1"), QStringLiteral("IP:127.0.0.1,IP:127.0.0.2,DNS:localhost"))
+        || !makeOneCertificate(dir, QStringLiteral("dnsonly"), QStringLiteral("/CN=127.0.0.9"), QStringLiteral("DNS:127.0.0.9")))
         return false;
-    qputenv("SSL_CERT_FILE", dir.filePath(QStringLiteral("cert.pem")).toUtf8());
+    QFile::rename(dir.filePath(QStringLiteral("cert-key.pem")), dir.filePath(QStringLiteral("key.pem")));
+    QFile bundle(dir.filePath(QStringLiteral("trusted.pem")));
+    QFile a(dir.filePath(QStringLiteral("cert.pem"))), b(dir.filePath(QStringLiteral("dnsonly.pem")));
+    if (!bundle.open(QIODevice::WriteOnly) || !a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly))
+        return false;
+    bundle.write(a.readAll() + b.readAll());
+    bundle.close();
+    qputenv("SSL_CERT_FILE", bundle.fileName().toUtf8());
     return true;
 }
 
@@ -35,8 +49,9 @@ public:
     // onCpu: the processor to keep the server on (through taskset), for benchmarks.
     bool start(const QTemporaryDir &certDir, const QString &onCpu, QStringList arguments)
     {
-        arguments << QStringLiteral("--cert") << certDir.filePath(QStringLiteral("cert.pem")) << QStringLiteral("--key")
-                  << certDir.filePath(QStringLiteral("key.pem"));
+        // First, so that a test's own --cert and --key (given later) win.
+        arguments = QStringList{QStringLiteral("--cert"), certDir.filePath(QStringLiteral("cert.pem")), QStringLiteral("--key"),
+                                certDir.filePath(QStringLiteral("key.pem"))} + arguments;
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         const QStringList command = QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral(SMTP_SERVER_SCRIPT)} + arguments;
         if (onCpu.isEmpty())

@@ -9,6 +9,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <malloc.h>
 #include <unistd.h>
 
 using namespace Quillon;
@@ -72,6 +73,12 @@ private Q_SLOTS:
         QTest::newRow("certificate for another name") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} << "127.0.0.3" << true << 0 << Password
                                                       << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate could not be verified*", closed}
                                                       << false << "";
+        QTest::newRow("an address named by a DNS entry only") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--cert"),
+                                                                       m_certs.filePath(QStringLiteral("dnsonly.pem")), QStringLiteral("--key"),
+                                                                       m_certs.filePath(QStringLiteral("dnsonly-key.pem"))}
+                                                         << "127.0.0.9" << true << 0 << Password
+                                                         << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*", closed}
+                                                         << false << "";
         QTest::newRow("password missing: logged, then the session idles out") << auth << "127.0.0.1" << false << 2 << QString()
                                                                             << QStringList{"Connected!", mechanisms,
                                                                                            "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
@@ -302,6 +309,28 @@ private Q_SLOTS:
             for (const QChar c : line)
                 QVERIFY2(c >= QLatin1Char(' ') && c != QChar(0x202e), qPrintable(line));
         }
+    }
+
+    // A flood of unfinished reply is held once, within the 1 MiB a reply may take, and freed.
+    void unfinishedReplyIsHeldOnce()
+    {
+        const QByteArray line = "250-" + QByteArray(1000, 'x') + "\r\n";
+        // Large blocks are mapped apart from the heap: both count.
+        const auto heap = [] {
+            const struct mallinfo2 m = ::mallinfo2();
+            return m.uordblks + m.hblkhd;
+        };
+        const size_t before = heap();
+        {
+            SmtpReplyParser parser;
+            for (int i = 0; i < 999; ++i)
+                parser.feed(line);
+            QVERIFY(parser.error().isEmpty());
+            QVERIFY(!parser.next());
+            const size_t held = heap() - before;
+            QVERIFY2(held < 1'250'000, qPrintable(QString::number(held)));
+        }
+        QVERIFY(heap() - before < 64 * 1024);
     }
 
 private:
