@@ -1,5 +1,7 @@
 #include "MailAddress.h"
 
+#include <QCoreApplication>
+
 namespace Quillon {
 
 QString addressProblem(QStringView address)
@@ -7,13 +9,13 @@ QString addressProblem(QStringView address)
     for (const QChar c : address) {
         const char16_t u = c.unicode();
         if (u < 0x20 || u == 0x7f || (u >= 0x80 && u < 0xa0))
-            return QStringLiteral("it holds a control character (a line break pasted with it?)");
+            return QString::fromLatin1(QT_TRANSLATE_NOOP("MailAddress", "it holds a control character (a line break pasted with it?)"));
         if (u == ' ' || c.isSpace())
-            return QStringLiteral("it holds a space");
+            return QString::fromLatin1(QT_TRANSLATE_NOOP("MailAddress", "it holds a space"));
         if (u == '<' || u == '>')
-            return QStringLiteral("it holds an angle bracket");
+            return QString::fromLatin1(QT_TRANSLATE_NOOP("MailAddress", "it holds an angle bracket"));
         if (c.category() == QChar::Other_Format)
-            return QStringLiteral("it holds an invisible formatting character");
+            return QString::fromLatin1(QT_TRANSLATE_NOOP("MailAddress", "it holds an invisible formatting character"));
     }
     // Nothing more is asked of an address: what the server makes of it is the server's to say.
     return {};

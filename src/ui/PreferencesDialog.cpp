@@ -1,6 +1,7 @@
 #include "PreferencesDialog.h"
 
 #include "Autostart.h"
+#include "MailAddress.h"
 #include "MailSettings.h"
 
 #include "Preferences.h"
@@ -8,6 +9,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QLabel>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -119,6 +122,33 @@ QWidget *PreferencesDialog::buildGeneralPage()
     return page;
 }
 
+// Whatever cannot go into an envelope is refused here, with the reason next to the field; a line
+// break or spaces around a pasted address are just trimmed.
+QLineEdit *PreferencesDialog::recipientControl(QWidget *page)
+{
+    auto *edit = new QLineEdit(m_preferences.stringValue(Keys::RecipientEmail), page);
+    edit->setObjectName(QString(Keys::RecipientEmail));
+    m_addressProblem = new QLabel(page);
+    m_addressProblem->setObjectName(QStringLiteral("addressProblem"));
+    m_addressProblem->setWordWrap(true);
+    m_addressProblem->hide();
+    connect(edit, &QLineEdit::editingFinished, page, [this, edit] {
+        const QString address = edit->text().trimmed();
+        if (address != edit->text())
+            edit->setText(address);
+        const QString problem = addressProblem(address);
+        m_addressProblem->setVisible(!problem.isEmpty());
+        if (!problem.isEmpty()) {
+            m_addressProblem->setText(tr("This address cannot be used for mail: %1. It was not saved.")
+                                          .arg(QCoreApplication::translate("MailAddress", problem.toLatin1().constData())));
+            return;
+        }
+        if (m_preferences.stringValue(Keys::RecipientEmail) != address || !m_preferences.contains(Keys::RecipientEmail))
+            m_preferences.setValue(Keys::RecipientEmail, address);
+    });
+    return edit;
+}
+
 QWidget *PreferencesDialog::buildMailPage()
 {
     auto *page = new QWidget(this);
@@ -126,7 +156,8 @@ QWidget *PreferencesDialog::buildMailPage()
     Preferences &p = m_preferences;
     form->addRow(boolControl(p, Keys::SendEmail, tr("Send a message for each opened item"), p.boolValue(Keys::SendEmail), page));
     form->addRow(boolControl(p, Keys::EmailScriptResults, tr("Send the result of each script"), p.boolValue(Keys::EmailScriptResults), page));
-    form->addRow(tr("Recipient address:"), textControl(p, Keys::RecipientEmail, page));
+    form->addRow(tr("Recipient address:"), recipientControl(page));
+    form->addRow(m_addressProblem);
     form->addRow(tr("Recipient name:"), textControl(p, Keys::RecipientName, page));
     // Everything about the server in one group, apart from whom the mail is for.
     auto *group = new QGroupBox(tr("Outgoing server"), page);
@@ -141,7 +172,8 @@ QWidget *PreferencesDialog::buildMailPage()
     port->setValue(p.intValue(Keys::ServerPort));
     connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
     server->addRow(tr("Port:"), port);
-    server->addRow(boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group));
+    QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group);
+    server->addRow(secure);
     QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, group);
     server->addRow(tr("Login:"), login);
     QLineEdit *username = textControl(p, Keys::LoginUsername, group);
@@ -149,13 +181,21 @@ QWidget *PreferencesDialog::buildMailPage()
     QLineEdit *password = textControl(p, Keys::LoginPassword, group);
     password->setEchoMode(QLineEdit::Password);
     server->addRow(tr("Password:"), password);
+    // A login without TLS sends the password as it is; it may be what the server wants, but the
+    // user should know.
+    auto *inClear = new QLabel(tr("Without a secure connection the password is sent unencrypted."), group);
+    inClear->setObjectName(QStringLiteral("passwordInClear"));
+    inClear->setWordWrap(true);
+    server->addRow(inClear);
     // No login, nothing to fill in.
-    const auto enableLogin = [login, username, password] {
+    const auto enableLogin = [login, username, password, secure, inClear] {
         username->setEnabled(login->currentIndex() != 0);
         password->setEnabled(login->currentIndex() != 0);
+        inClear->setVisible(login->currentIndex() != 0 && !secure->isChecked());
     };
     enableLogin();
     connect(login, &QComboBox::activated, page, enableLogin);
+    connect(secure, &QCheckBox::toggled, page, enableLogin);
     form->addRow(group);
     auto *test = new QPushButton(tr("Send Test Message"), page);
     test->setObjectName(QStringLiteral("testEmailButton"));

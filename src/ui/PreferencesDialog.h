@@ -2,6 +2,9 @@
 
 #include <QDialog>
 
+class QLabel;
+class QLineEdit;
+
 namespace Quillon {
 
 class Preferences;
@@ -19,7 +22,9 @@ Q_SIGNALS:
 private:
     QWidget *buildGeneralPage();
     QWidget *buildMailPage();
+    QLineEdit *recipientControl(QWidget *page);
     Preferences &m_preferences;
+    QLabel *m_addressProblem = nullptr;
 };
 
 } // namespace Quillon

@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -80,6 +81,40 @@ private Q_SLOTS:
         QSpinBox *port = control<QSpinBox>(dialog, Keys::ServerPort);
         port->setValue(65535);
         QCOMPARE(port->value(), 65365);
+    }
+
+    // What cannot go into an envelope is refused with its reason (typed, not saved); a line break
+    // pasted with an address is trimmed. A login without TLS says the password goes unencrypted.
+    void recipientAndPasswordSayWhatTheyWillDo()
+    {
+        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 0}});
+        PreferencesDialog dialog(*m_prefs);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        dialog.findChild<QTabWidget *>()->setCurrentIndex(1);
+        auto *recipient = control<QLineEdit>(dialog, Keys::RecipientEmail);
+        auto *problem = dialog.findChild<QLabel *>(QStringLiteral("addressProblem"));
+        recipient->setFocus();
+        recipient->selectAll();
+        QTest::keyClicks(recipient, QStringLiteral("ann@example.org> NOTIFY=SUCCESS"));
+        QTest::keyClick(recipient, Qt::Key_Return);
+        // Enter also closes the window (its Close button is the default): what matters is the label's own state.
+        QVERIFY(!problem->isHidden());
+        QVERIFY2(problem->text().contains(QLatin1String("angle bracket")), qPrintable(problem->text()));
+        QCOMPARE(m_prefs->stringValue(Keys::RecipientEmail), QStringLiteral("ann@example.org"));
+        recipient->setText(QStringLiteral(" bob@example.org\r\n"));
+        QTest::keyClick(recipient, Qt::Key_Return);
+        QVERIFY(problem->isHidden());
+        QCOMPARE(m_prefs->stringValue(Keys::RecipientEmail), QStringLiteral("bob@example.org"));
+
+        dialog.show();
+        auto *inClear = dialog.findChild<QLabel *>(QStringLiteral("passwordInClear"));
+        auto *login = control<QComboBox>(dialog, Keys::SelectedAuthentication);
+        login->setCurrentIndex(1);
+        login->activated(1);
+        QVERIFY(!inClear->isVisible());
+        QTest::mouseClick(control<QCheckBox>(dialog, Keys::UseSSL), Qt::LeftButton);
+        QVERIFY(inClear->isVisible());
     }
 
     // Controls that cannot matter are disabled; the repeat count stops where 32 bits of seconds do.
