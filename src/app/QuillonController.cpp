@@ -23,6 +23,7 @@ namespace Quillon {
 QuillonController::QuillonController(Platform platform, QObject *parent)
     : QObject(parent)
     , m_platform(platform)
+    , m_password(m_preferences, platform.secrets)
     , m_schedule(m_preferences, platform.clock)
     , m_launcher(m_preferences, platform.workspace, platform.scripts,
                  [this](const QString &body, const QString &subject) { sendMail(body, subject); })
@@ -70,6 +71,7 @@ void QuillonController::awakeFromNib()
 
     if (m_preferences.rememberItems())
         m_schedule.restoreItems();
+    m_password.migrate();
 
     connect(m_window, &MainWindow::doubleClicked, this, &QuillonController::doubleAction);
     setUpTray();
@@ -253,7 +255,7 @@ void QuillonController::testEmail()
 void QuillonController::showPreferences()
 {
     if (!m_preferencesDialog) {
-        m_preferencesDialog = new PreferencesDialog(m_preferences, m_window);
+        m_preferencesDialog = new PreferencesDialog(m_preferences, m_window, &m_password);
         m_preferencesDialog->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_preferencesDialog, &PreferencesDialog::testEmailRequested, this, &QuillonController::testEmail);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Launcher.h"
+#include "MailPassword.h"
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SimpleSMTP.h"
@@ -18,6 +19,7 @@ class MainWindow;
 class PowerService;
 class PreferencesDialog;
 class ScriptRunner;
+class SecretStore;
 class WallClock;
 class Workspace;
 
@@ -28,6 +30,7 @@ struct Platform
     PowerService &power;
     Workspace &workspace;
     ScriptRunner &scripts;
+    SecretStore *secrets = nullptr; // none: the mail password stays in the settings file
 };
 
 // Brings the application up and down, wires the window to the schedule, and tells the user
@@ -50,6 +53,7 @@ public:
 
     void doAlert(const QString &message, const QString &informative = QString()) override;
     Preferences &mailPreferences() override { return m_preferences; }
+    MailPassword *mailPassword() override { return &m_password; }
     void doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle);
     void openHelpURL();
 
@@ -79,6 +83,7 @@ private:
 
     Platform m_platform;
     Preferences m_preferences;
+    MailPassword m_password;
     Schedule m_schedule;
     Launcher m_launcher;
     MainWindow *m_window = nullptr;

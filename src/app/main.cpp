@@ -1,4 +1,5 @@
 #include "DesktopWorkspace.h"
+#include "KeychainSecretStore.h"
 #include "Log.h"
 #include "LogindPowerService.h"
 #include "QuillonController.h"
@@ -102,11 +103,12 @@ int main(int argc, char *argv[])
     LogindPowerService power({new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm});
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
+    KeychainSecretStore secrets(QStringLiteral(QUILLON_APP_ID));
 
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come
     // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
-    QuillonController controller(Platform{clock, power, workspace, scripts});
+    QuillonController controller(Platform{clock, power, workspace, scripts, &secrets});
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);

@@ -80,10 +80,18 @@ QString MailSettings::getUsername() const
                           QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Username:' preference value has not been specified."));
 }
 
+namespace {
+const char *const NoPasswordReason = QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Password:' preference value has not been specified.");
+}
+
 QString MailSettings::getPassword() const
 {
-    return requiredString(Keys::LoginPassword, "NoPassword",
-                          QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Password:' preference value has not been specified."));
+    return requiredString(Keys::LoginPassword, "NoPassword", NoPasswordReason);
+}
+
+MailSettingsError MailSettings::noPassword()
+{
+    return MailSettingsError(QStringLiteral("NoPassword"), localizedString(NoPasswordReason));
 }
 
 } // namespace Quillon

@@ -45,6 +45,7 @@ public:
     bool useSSL() const;
     QString getUsername() const;  // throws NoUsername
     QString getPassword() const;  // throws NoPassword
+    static MailSettingsError noPassword();
 
     static constexpr int HighestPort = 65365;
 

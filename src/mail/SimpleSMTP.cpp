@@ -3,6 +3,7 @@
 #include "Log.h"
 #include "MailAddress.h"
 #include "MailMessage.h"
+#include "MailPassword.h"
 #include "MailSettings.h"
 #include "SmtpSession.h"
 
@@ -84,7 +85,7 @@ void SimpleSMTP::closeWhenIdle()
 
 void SimpleSMTP::settle()
 {
-    if (_closeWhenIdle && _smtp && _smtp->isIdle()) {
+    if (_closeWhenIdle && !_waitingForPassword && _smtp && _smtp->isIdle()) {
         systemLog(QStringLiteral("Quitting: a mail session with nothing more to do is closed."));
         _smtp->abort();
     }
@@ -124,8 +125,25 @@ void SimpleSMTP::serviceInitialized()
         return;
     try {
         const QString username = settings.getUsername();
-        const QString password = settings.getPassword();
-        _smtp->authenticate(username, password, QString::fromLatin1(names[mechanism]));
+        const QString name = QString::fromLatin1(names[mechanism]);
+        MailPassword *keyring = _controller->mailPassword();
+        if (!keyring) {
+            _smtp->authenticate(username, settings.getPassword(), name);
+            return;
+        }
+        // The keyring answers later; the session waits for it, the event loop does not.
+        _waitingForPassword = true;
+        keyring->get(this, [this, username, name](const QString &password) {
+            _waitingForPassword = false;
+            if (!_smtp)
+                return;
+            if (password.isEmpty()) {
+                systemLog(errorText(MailSettings::noPassword()));
+                settle();
+                return;
+            }
+            _smtp->authenticate(username, password, name);
+        });
     } catch (const MailSettingsError &e) {
         // Nobody catches this one for the user: logged, and the session waits until it is dropped.
         systemLog(errorText(e));

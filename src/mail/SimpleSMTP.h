@@ -7,6 +7,7 @@
 
 namespace Quillon {
 
+class MailPassword;
 class Preferences;
 class SmtpSession;
 
@@ -17,6 +18,8 @@ public:
     virtual ~MailHost() = default;
     virtual Preferences &mailPreferences() = 0;
     virtual void doAlert(const QString &message, const QString &informative) = 0;
+    // Where the password is kept; none: the settings file alone.
+    virtual MailPassword *mailPassword() { return nullptr; }
 };
 
 // One mail: composes it and drives its own SMTP session from the session's events, logging every
@@ -56,6 +59,7 @@ private:
     SmtpSession *_smtp = nullptr;
     MailHost *_controller = nullptr;
     bool _closeWhenIdle = false;
+    bool _waitingForPassword = false;
 };
 
 } // namespace Quillon

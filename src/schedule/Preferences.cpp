@@ -122,6 +122,14 @@ void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &va
     writeOut();
 }
 
+void Preferences::remove(QAnyStringView key)
+{
+    if (!keepProblemFileAside())
+        return;
+    m_settings.remove(key);
+    writeOut();
+}
+
 Preferences::FileStamp Preferences::currentStamp() const
 {
     struct stat st{};

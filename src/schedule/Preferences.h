@@ -24,6 +24,7 @@ public:
     // Writes go to disk at once, readable by the user alone: the file holds the mail password.
     void setValue(QAnyStringView key, const QVariant &value);
     void setValues(const QList<std::pair<QAnyStringView, QVariant>> &values);
+    void remove(QAnyStringView key);
 
     // Re-read the file, so that a change made by another window or process is seen.
     void synchronize();

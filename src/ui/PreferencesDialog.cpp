@@ -2,6 +2,7 @@
 
 #include "Autostart.h"
 #include "MailAddress.h"
+#include "MailPassword.h"
 #include "MailSettings.h"
 
 #include "Preferences.h"
@@ -56,9 +57,10 @@ QComboBox *choiceControl(Preferences &prefs, QLatin1StringView key, const QStrin
 }
 } // namespace
 
-PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent)
+PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, MailPassword *password)
     : QDialog(parent)
     , m_preferences(preferences)
+    , m_password(password)
 {
     setObjectName(QStringLiteral("preferencesWindow"));
     setWindowTitle(tr("Quillon Preferences"));
@@ -178,8 +180,21 @@ QWidget *PreferencesDialog::buildMailPage()
     server->addRow(tr("Login:"), login);
     QLineEdit *username = textControl(p, Keys::LoginUsername, group);
     server->addRow(tr("Username:"), username);
-    QLineEdit *password = textControl(p, Keys::LoginPassword, group);
+    QLineEdit *password = m_password ? new QLineEdit(group) : textControl(p, Keys::LoginPassword, group);
     password->setEchoMode(QLineEdit::Password);
+    if (m_password) {
+        password->setObjectName(QString(Keys::LoginPassword));
+        // The keyring answers later; what the user typed meanwhile wins.
+        m_password->get(password, [password](const QString &stored) {
+            if (!password->isModified())
+                password->setText(stored);
+        });
+        connect(password, &QLineEdit::editingFinished, page, [this, password] {
+            if (password->isModified())
+                m_password->set(password->text());
+            password->setModified(false);
+        });
+    }
     server->addRow(tr("Password:"), password);
     // A login without TLS sends the password as it is; it may be what the server wants, but the
     // user should know.

@@ -7,6 +7,7 @@ class QLineEdit;
 
 namespace Quillon {
 
+class MailPassword;
 class Preferences;
 
 // Every user setting; each change is written at once, with the type the settings file expects.
@@ -14,7 +15,8 @@ class PreferencesDialog final : public QDialog
 {
     Q_OBJECT
 public:
-    explicit PreferencesDialog(Preferences &preferences, QWidget *parent = nullptr);
+    // password: where the mail password is kept; none: the settings file.
+    explicit PreferencesDialog(Preferences &preferences, QWidget *parent = nullptr, MailPassword *password = nullptr);
 
 Q_SIGNALS:
     void testEmailRequested();
@@ -24,6 +26,7 @@ private:
     QWidget *buildMailPage();
     QLineEdit *recipientControl(QWidget *page);
     Preferences &m_preferences;
+    MailPassword *m_password;
     QLabel *m_addressProblem = nullptr;
 };
 

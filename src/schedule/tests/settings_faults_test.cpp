@@ -120,7 +120,9 @@ while not os.path.exists(stop):
 sys.stdout.buffer.write(seen)
 )"), dir, home.filePath(QStringLiteral("stop"))});
         QVERIFY(reader.waitForStarted());
-        QVERIFY2(reader.waitForReadyRead(10'000) && reader.readLine() == "ready\n", "the reader could not start as uid 65534");
+        QTRY_VERIFY_WITH_TIMEOUT(reader.canReadLine() || reader.state() != QProcess::Running, 10'000);
+        const bool ready = reader.readLine() == "ready\n";
+        QVERIFY2(ready, qPrintable(QStringLiteral("the reader could not start as uid 65534: ") + QString::fromUtf8(reader.readAllStandardError())));
         for (int i = 0; i < 20; ++i) {
             QFile::remove(dir + QStringLiteral("/Quillon.conf"));
             QProcess writer;

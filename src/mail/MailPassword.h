@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace Quillon {
+
+class Preferences;
+class SecretStore;
+
+// The mail password lives in the desktop's keyring. A password still in the settings file (an
+// older Quillon, or a time when no keyring answered) moves there once the keyring confirms it;
+// where no keyring answers, the settings file stays the store and the log says so once.
+class MailPassword final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MailPassword)
+public:
+    // store may be null: the settings file is then the only store.
+    MailPassword(Preferences &preferences, SecretStore *store, QObject *parent = nullptr);
+
+    // done gets the password, empty when there is none; it is not called once context is gone.
+    using Done = std::function<void(const QString &password)>;
+    void get(QObject *context, Done done);
+    // An empty password removes it.
+    void set(const QString &password);
+    // Moves a password found in the settings file into the keyring.
+    void migrate();
+
+    static const QString Key;
+
+private:
+    void keyringUnavailable(const QString &why);
+    QString passwordInFile() const;
+    void removeFromFile();
+
+    Preferences &m_preferences;
+    SecretStore *m_store;
+    bool m_saidUnavailable = false;
+};
+
+} // namespace Quillon
