@@ -1,9 +1,9 @@
-# quillon_add_test(<name> SOURCES <files...> LIBS <targets...> [GUI])
+# quillon_add_test(<name> SOURCES <files...> LIBS <targets...> [RUN <wrapper command...>])
 function(quillon_add_test name)
-    cmake_parse_arguments(T "GUI" "" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(T "" "" "SOURCES;LIBS;RUN" ${ARGN})
     add_executable(${name} ${T_SOURCES})
     target_link_libraries(${name} PRIVATE Qt6::Test ${T_LIBS})
-    add_test(NAME ${name} COMMAND ${name})
+    add_test(NAME ${name} COMMAND ${T_RUN} $<TARGET_FILE:${name}>)
     set(env "QT_QPA_PLATFORM=offscreen")
     if(QUILLON_SANITIZE)
         # Libraries below us (fontconfig, GLib's type system) keep allocations for the process's life.

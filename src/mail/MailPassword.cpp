@@ -18,6 +18,24 @@ MailPassword::MailPassword(Preferences &preferences, SecretStore *store, QObject
 {
 }
 
+void MailPassword::enqueue(Step step)
+{
+    m_steps.append(std::move(step));
+    if (!m_busy)
+        runNext();
+}
+
+void MailPassword::runNext()
+{
+    if (m_steps.isEmpty()) {
+        m_busy = false;
+        return;
+    }
+    m_busy = true;
+    const Step step = m_steps.takeFirst();
+    step([this] { runNext(); });
+}
+
 QString MailPassword::passwordInFile() const
 {
     m_preferences.synchronize();
@@ -44,18 +62,25 @@ void MailPassword::get(QObject *context, Done done)
         if (guard)
             done(password);
     };
-    // A password in the file is the newest one: it is only written there when the keyring failed.
-    const QString inFile = passwordInFile();
-    if (!m_store || !inFile.isEmpty()) {
-        if (m_store)
-            migrate();
+    if (!m_store) {
+        const QString inFile = passwordInFile();
         QMetaObject::invokeMethod(this, [answer, inFile] { answer(inFile); }, Qt::QueuedConnection);
         return;
     }
-    m_store->read(Key, [this, answer](SecretStore::Result result, const QString &secret, const QString &error) {
-        if (result == SecretStore::Result::Unavailable)
-            keyringUnavailable(error);
-        answer(result == SecretStore::Result::Ok ? secret : QString());
+    migrate();
+    enqueue([this, answer](std::function<void()> next) {
+        // A password in the file is the newest one: it is only written there when the keyring failed.
+        const QString inFile = passwordInFile();
+        if (!inFile.isEmpty()) {
+            QMetaObject::invokeMethod(this, [answer, inFile, next] { answer(inFile); next(); }, Qt::QueuedConnection);
+            return;
+        }
+        m_store->read(Key, [this, answer, next](SecretStore::Result result, const QString &secret, const QString &error) {
+            if (result == SecretStore::Result::Unavailable)
+                keyringUnavailable(error);
+            answer(result == SecretStore::Result::Ok ? secret : QString());
+            next();
+        });
     });
 }
 
@@ -65,35 +90,45 @@ void MailPassword::set(const QString &password)
         m_preferences.setValue(Keys::LoginPassword, password);
         return;
     }
-    const auto done = [this, password](SecretStore::Result result, const QString &error) {
-        if (result == SecretStore::Result::Unavailable) {
-            keyringUnavailable(error);
-            m_preferences.setValue(Keys::LoginPassword, password);
-            return;
-        }
-        removeFromFile();
-    };
-    if (password.isEmpty())
-        m_store->remove(Key, done);
-    else
-        m_store->write(Key, password, done);
+    enqueue([this, password](std::function<void()> next) {
+        const auto done = [this, password, next](SecretStore::Result result, const QString &error) {
+            if (result == SecretStore::Result::Unavailable) {
+                keyringUnavailable(error);
+                m_preferences.setValue(Keys::LoginPassword, password);
+            } else {
+                removeFromFile();
+            }
+            next();
+        };
+        if (password.isEmpty())
+            m_store->remove(Key, done);
+        else
+            m_store->write(Key, password, done);
+    });
 }
 
 void MailPassword::migrate()
 {
-    const QString inFile = passwordInFile();
-    if (!m_store || inFile.isEmpty())
+    if (!m_store || m_migrating || passwordInFile().isEmpty())
         return;
-    m_store->write(Key, inFile, [this, inFile](SecretStore::Result result, const QString &error) {
-        if (result != SecretStore::Result::Ok) {
-            keyringUnavailable(error);
+    m_migrating = true;
+    enqueue([this](std::function<void()> next) {
+        const QString inFile = passwordInFile();
+        if (inFile.isEmpty()) {
+            m_migrating = false;
+            next();
             return;
         }
-        // Only if nobody changed it meanwhile.
-        if (passwordInFile() == inFile) {
-            removeFromFile();
-            systemLog(QStringLiteral("The mail password was moved from the settings file into the desktop keyring."));
-        }
+        m_store->write(Key, inFile, [this, inFile, next](SecretStore::Result result, const QString &error) {
+            m_migrating = false;
+            if (result != SecretStore::Result::Ok) {
+                keyringUnavailable(error);
+            } else if (passwordInFile() == inFile) { // only if nobody changed it meanwhile
+                removeFromFile();
+                systemLog(QStringLiteral("The mail password was moved from the settings file into the desktop keyring."));
+            }
+            next();
+        });
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -32,6 +33,11 @@ public:
     static const QString Key;
 
 private:
+    // One keyring call at a time, in the order asked: a move from the file and a new password
+    // must not overtake each other.
+    using Step = std::function<void(std::function<void()> next)>;
+    void enqueue(Step step);
+    void runNext();
     void keyringUnavailable(const QString &why);
     QString passwordInFile() const;
     void removeFromFile();
@@ -39,6 +45,9 @@ private:
     Preferences &m_preferences;
     SecretStore *m_store;
     bool m_saidUnavailable = false;
+    bool m_migrating = false;
+    bool m_busy = false;
+    QList<Step> m_steps;
 };
 
 } // namespace Quillon

@@ -103,7 +103,7 @@ private:
 };
 
 // What a delivery needs of the controller, with the alerts kept for the test to read.
-class Host final : public MailHost
+class Host : public MailHost
 {
 public:
     explicit Host(Preferences &preferences)

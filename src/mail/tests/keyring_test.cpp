@@ -1,0 +1,123 @@
+#include "KeychainSecretStore.h"
+#include "Log.h"
+#include "MailPassword.h"
+#include "MailTestSupport.h"
+#include "SettingsKeys.h"
+#include "TestSupport.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillon;
+
+namespace {
+const QString Old = QStringLiteral("old-p\u00e4ssword");
+const QString New = QStringLiteral("new-p\u00e4ssword");
+} // namespace
+
+// The mail password with a real GNOME Keyring on a private bus, and with no Secret Service at all
+// (QUILLON_NO_KEYRING set): nothing is lost either way, and no password reaches the log.
+class KeyringTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_settings = std::make_unique<TestSettings>();
+        m_prefs = std::make_unique<Preferences>();
+        // One store for the whole run: QtKeychain's jobs must outlive the calls under way.
+        m_store = std::make_unique<KeychainSecretStore>(QStringLiteral("org.quillon.Quillon.test"));
+        setLogSink([this](const QString &line) { m_log << line; });
+    }
+    void init()
+    {
+        QFile::remove(m_settings->file());
+        m_prefs->synchronize();
+        m_log.clear();
+    }
+    void cleanup()
+    {
+        for (const QString &line : std::as_const(m_log))
+            QVERIFY2(!line.contains(Old) && !line.contains(New), qPrintable(line));
+    }
+
+    // A password in the settings file moves into the keyring, and a new one goes there directly;
+    // without a keyring the file keeps it and the log says why, once.
+    void passwordMovesIntoTheKeyringOrStaysInTheFile()
+    {
+        m_settings->writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");
+        m_prefs->synchronize();
+        MailPassword password(*m_prefs, m_store.get());
+        password.migrate();
+        QCOMPARE(read(password), Old);
+        password.set(New);
+        QTRY_COMPARE(read(password), New);
+        const QString inFile = m_settings->read(QStringLiteral("loginPassword")).toString();
+        if (noKeyring()) {
+            QCOMPARE(inFile, New);
+            QCOMPARE(m_log.filter(QStringLiteral("keyring cannot be used")).size(), 1);
+            return;
+        }
+        QTRY_VERIFY(m_settings->read(QStringLiteral("loginPassword")).isNull());
+        QCOMPARE(m_log.filter(QStringLiteral("moved from the settings file")).size(), 1);
+        // Really in the keyring: a store of its own reads it back.
+        auto direct = std::make_shared<QString>();
+        m_store->read(MailPassword::Key, [direct](SecretStore::Result, const QString &secret, const QString &) { *direct = secret; });
+        QTRY_COMPARE(*direct, New);
+        password.set(QString());
+        QTRY_COMPARE(read(password), QString());
+    }
+
+    // A delivery that needs the password waits for the keyring's answer and logs in with it.
+    void deliveryLogsInWithTheKeyringsPassword()
+    {
+        QTemporaryDir certs;
+        MailTest::Server server;
+        QVERIFY(server.start(certs, {QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), New}));
+        MailPassword password(*m_prefs, m_store.get());
+        password.set(New);
+        QTRY_COMPARE(read(password), New);
+        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
+                            {Keys::ServerPort, server.port}, {Keys::SelectedAuthentication, 1}, {Keys::LoginUsername, QStringLiteral("ann")}});
+        Host host(*m_prefs, password);
+        SimpleSMTP delivery;
+        QSignalSpy finished(&delivery, &SimpleSMTP::finished);
+        delivery.sendMail(host, QStringLiteral("body"), QStringLiteral("subject"));
+        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 20'000);
+        QTRY_COMPARE(server.messages().size(), 1);
+        QVERIFY(server.messages().first().value(QLatin1String("authenticated")).toBool());
+    }
+
+private:
+    class Host final : public MailTest::Host
+    {
+    public:
+        Host(Preferences &preferences, MailPassword &password)
+            : MailTest::Host(preferences)
+            , m_password(password)
+        {
+        }
+        MailPassword *mailPassword() override { return &m_password; }
+
+    private:
+        MailPassword &m_password;
+    };
+
+    static bool noKeyring() { return qEnvironmentVariableIsSet("QUILLON_NO_KEYRING"); }
+    // The answer of get(), which always comes from the event loop.
+    QString read(MailPassword &password)
+    {
+        auto answer = std::make_shared<std::optional<QString>>();
+        password.get(this, [answer](const QString &p) { *answer = p; });
+        [&] { QTRY_VERIFY_WITH_TIMEOUT(answer->has_value(), 20'000); }();
+        return answer->value_or(QStringLiteral("(no answer)"));
+    }
+
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<Preferences> m_prefs;
+    std::unique_ptr<KeychainSecretStore> m_store;
+    QStringList m_log;
+};
+
+QTEST_GUILESS_MAIN(KeyringTest)
+#include "keyring_test.moc"
