@@ -63,13 +63,16 @@ package: build-app test-deps
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b; done
 
-# libFuzzer on the SMTP reply parser; new inputs that add coverage are merged into fuzz/corpus.
+# libFuzzer on the SMTP reply parser and on a whole client session; new inputs that add coverage
+# are merged into each one's corpus (fuzz/corpus, fuzz/session_corpus).
 fuzz: test-deps
 	cmake -S fuzz -B build-fuzz -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build build-fuzz -j$(JOBS)
-	mkdir -p build-fuzz/corpus
+	mkdir -p build-fuzz/corpus build-fuzz/session_corpus
 	build-fuzz/smtp_reply_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=200000 -rss_limit_mb=2048 build-fuzz/corpus fuzz/corpus
 	build-fuzz/smtp_reply_fuzz -merge=1 fuzz/corpus build-fuzz/corpus
+	build-fuzz/smtp_session_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=8192 -rss_limit_mb=2048 build-fuzz/session_corpus fuzz/session_corpus
+	build-fuzz/smtp_session_fuzz -merge=1 fuzz/session_corpus build-fuzz/session_corpus
 
 clean:
 	rm -rf $(BUILD)

@@ -1,6 +1,8 @@
 // Delivers 50 messages over loopback STARTTLS + AUTH PLAIN to a real server, one after another,
 // then the same 50 with msmtp, and prints the time per message of both. Then starts 20 deliveries
-// at once and prints the longest the event loop went without a turn.
+// at once and prints the longest the event loop went without a turn. Last, 100 deliveries to a
+// hostile server that feeds each about 1 MB of a reply that never ends: memory held per session
+// while it lasts and after, and the longest event-loop block meanwhile.
 #include "BenchUtil.h"
 #include "Log.h"
 #include "MailMessage.h"
@@ -10,6 +12,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <malloc.h>
 #include <sched.h>
 
 using namespace Quillon;
@@ -118,5 +121,66 @@ int main(int argc, char *argv[])
     std::printf("%d deliveries at once: all done in %.0f ms; longest event-loop block %.2f ms (target under 5 ms)\n", AtOnce, burst, longest / 1e6);
     std::printf("  of which starting all %d in one turn (as Launch All Now would): %.2f ms\n", AtOnce, starting);
     std::printf("messages the server received: %d (expected %d)\n", server.count, 2 * Messages + AtOnce);
+
+    // The flood: 1,000 reply lines of 1 KB each, under every limit but never finished.
+    constexpr int Hostile = 100;
+    QProcess flood;
+    flood.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    flood.start(QStringLiteral("taskset"), {QStringLiteral("-c"), QStringLiteral("1"), QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+import socket, sys, threading
+s = socket.socket()
+s.bind(('127.0.0.1', 0))
+s.listen(256)
+print('PORT %d' % s.getsockname()[1], flush=True)
+reply = (b'220-' + b'x' * 1000 + b'\r\n') * 1000
+held = []
+def feed(c):
+    c.sendall(reply)
+    print('SENT', flush=True)
+while True:
+    c, _ = s.accept()
+    held.append(c)
+    threading.Thread(target=feed, args=(c,), daemon=True).start()
+)")});
+    int floodPort = 0;
+    spin([&] {
+        if (flood.canReadLine())
+            floodPort = flood.readLine().trimmed().mid(5).toInt();
+        return floodPort > 0 || flood.state() == QProcess::NotRunning;
+    });
+    prefs.setValues({{Keys::ServerPort, floodPort}, {Keys::UseSSL, false}, {Keys::SelectedAuthentication, 0}});
+    const auto heap = [] {
+        const struct mallinfo2 m = ::mallinfo2();
+        return qint64(m.uordblks + m.hblkhd);
+    };
+    const qint64 heapBefore = heap();
+    int sent = 0;
+    longest = 0;
+    tick.start(1);
+    QCoreApplication::processEvents();
+    last = monotonicNs();
+    std::vector<std::unique_ptr<SimpleSMTP>> hostile;
+    for (int i = 0; i < Hostile; ++i) {
+        hostile.push_back(std::make_unique<SimpleSMTP>());
+        hostile.back()->sendMail(host, QStringLiteral("Flood %1").arg(i), QStringLiteral("Quillon launched path..."));
+    }
+    const qint64 floodStart = monotonicNs();
+    spin([&] {
+        while (flood.canReadLine())
+            sent += flood.readLine().startsWith("SENT") ? 1 : 0;
+        return sent == Hostile || monotonicNs() - floodStart > 60'000'000'000;
+    });
+    const qint64 settle = monotonicNs();
+    spin([&] { return monotonicNs() - settle > 500'000'000; });
+    tick.stop();
+    const qint64 heapDuring = heap() - heapBefore;
+    hostile.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    const qint64 heapAfter = heap() - heapBefore;
+    flood.kill();
+    flood.waitForFinished(5000);
+    std::printf("%d sessions fed 1 MB of unfinished reply each (%d fed in full): %.2f MiB held per session (target about 1 MiB), "
+                "%.2f MiB in all once they ended; longest event-loop block %.1f ms (target under 50 ms)\n",
+                Hostile, sent, double(heapDuring) / Hostile / 1048576.0, double(heapAfter) / 1048576.0, longest / 1e6);
     return 0;
 }

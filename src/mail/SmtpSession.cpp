@@ -148,21 +148,46 @@ void SmtpSession::setTimeouts(std::chrono::milliseconds connect, std::chrono::mi
 
 void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
 {
+    setUpSocket(implicitTls);
+    m_step = Step::Connecting;
+    m_timer.start(m_connectTimeout);
+    OneStepPerTurn::instance().add(this, [this] {
+        if (m_implicitTls)
+            m_socket->connectToHostEncrypted(m_host, m_port);
+        else
+            m_socket->connectToHost(m_host, m_port);
+    });
+}
+
+void SmtpSession::startOnConnectedSocket(qintptr descriptor)
+{
+    setUpSocket(false);
+    m_step = Step::Connecting;
+    if (!m_socket->setSocketDescriptor(descriptor)) {
+        QTimer::singleShot(0, this, [this] { fail(m_socket->errorString()); });
+        return;
+    }
+    QTimer::singleShot(0, this, &SmtpSession::onEstablished);
+}
+
+void SmtpSession::onEstablished()
+{
+    if (m_implicitTls && !certificateNamesTheAddress())
+        return;
+    m_step = Step::Greeting;
+    m_awaitingReply = true;
+    armReplyTimer();
+    Q_EMIT connectionEstablished();
+}
+
+void SmtpSession::setUpSocket(bool implicitTls)
+{
     m_implicitTls = implicitTls;
     m_socket = new QSslSocket(this);
     m_socket->setPeerVerifyName(m_host);
     // Read in bounded pieces: the parser's limits then bound what a flooding server makes us hold.
     m_socket->setReadBufferSize(64 * 1024);
-    m_step = Step::Connecting;
-    const auto established = [this] {
-        if (m_implicitTls && !certificateNamesTheAddress())
-            return;
-        m_step = Step::Greeting;
-        m_awaitingReply = true;
-        armReplyTimer();
-        Q_EMIT connectionEstablished();
-    };
-    connect(m_socket, implicitTls ? &QSslSocket::encrypted : &QSslSocket::connected, this, established);
+    connect(m_socket, implicitTls ? &QSslSocket::encrypted : &QSslSocket::connected, this, &SmtpSession::onEstablished);
     if (!implicitTls) {
         // After STARTTLS: greet again over the encrypted channel.
         connect(m_socket, &QSslSocket::encrypted, this, [this] {
@@ -187,13 +212,6 @@ void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
         if (m_step != Step::Quit && m_failure.isEmpty())
             m_failure = QStringLiteral("the server closed the connection");
         finish();
-    });
-    m_timer.start(m_connectTimeout);
-    OneStepPerTurn::instance().add(this, [this] {
-        if (m_implicitTls)
-            m_socket->connectToHostEncrypted(m_host, m_port);
-        else
-            m_socket->connectToHost(m_host, m_port);
     });
 }
 

@@ -34,6 +34,9 @@ public:
 
     // implicitTls: encrypted from the first byte (SMTPS).
     void connectInBackgroundAndNotify(bool implicitTls);
+    // The same session over a stream that is already connected, in clear (the session fuzzer
+    // plays the server over a socket pair).
+    void startOnConnectedSocket(qintptr descriptor);
     bool isSSL() const;
     // Makes sure the transport is encrypted; with implicit TLS it already is.
     void startSSL();
@@ -79,6 +82,8 @@ private:
     void fail(const QString &why);
     void finish();
     void armReplyTimer();
+    void setUpSocket(bool implicitTls);
+    void onEstablished();
     bool certificateNamesTheAddress();
 
     QString m_host;
