@@ -198,9 +198,9 @@ QWidget *PreferencesDialog::buildMailPage()
     server->addRow(tr("Password:"), password);
     // A login without TLS sends the password as it is; it may be what the server wants, but the
     // user should know.
-    auto *inClear = new QLabel(tr("Without a secure connection the password is sent unencrypted."), group);
+    // One line: a wrapped label in a form is given too little height and gets cut off.
+    auto *inClear = new QLabel(tr("Without TLS the password is sent unencrypted."), group);
     inClear->setObjectName(QStringLiteral("passwordInClear"));
-    inClear->setWordWrap(true);
     server->addRow(inClear);
     // No login, nothing to fill in.
     const auto enableLogin = [login, username, password, secure, inClear] {
