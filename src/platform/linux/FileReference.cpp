@@ -36,6 +36,7 @@ struct Identity
     bool hasBirth = false;
     qint64 size = 0;
     qint64 mtimeSec = 0;
+    quint32 uid = 0; // not saved: only asked of a file found again
 };
 
 std::optional<Identity> identityOf(const QByteArray &path)
@@ -53,16 +54,42 @@ std::optional<Identity> identityOf(const QByteArray &path)
     }
     id.size = qint64(stx.stx_size);
     id.mtimeSec = stx.stx_mtime.tv_sec;
+    id.uid = stx.stx_uid;
     return id;
 }
 
-bool sameFile(const Identity &saved, const Identity &found)
+QByteArray parentOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    if (slash <= 0)
+        return QByteArrayLiteral("/");
+    return path.left(slash);
+}
+
+QByteArray nameOf(const QByteArray &path)
+{
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
+// A file found again by its inode alone would be whatever file got that inode next, another
+// user's included. Only a file that is provably the same one is taken; in doubt, the item is
+// reported missing as a deleted one would be.
+bool sameFile(const Identity &saved, const QByteArray &savedPath, const Identity &found, const QByteArray &foundPath)
 {
     if (saved.dev != found.dev || saved.ino != found.ino)
         return false;
+    if (found.uid != ::geteuid())
+        return false;
+    // Another user could put a file there, or swap it, between now and the launch.
+    struct stat folder{};
+    if (::stat(parentOf(foundPath).constData(), &folder) != 0 || (folder.st_mode & S_IWOTH)
+        || (folder.st_uid != ::geteuid() && folder.st_uid != 0))
+        return false;
     if (saved.hasBirth && found.hasBirth)
         return saved.birthSec == found.birthSec && saved.birthNSec == found.birthNSec;
-    return true;
+    // No birth time on this filesystem (ext2/3, ext4 with small inodes): a freed inode is soon
+    // given to a new file, so the record must agree on more than the number.
+    return (saved.size == found.size && saved.mtimeSec == found.mtimeSec) || nameOf(savedPath) == nameOf(foundPath);
 }
 
 std::optional<QString> validUtf8(const QByteArray &bytes)
@@ -72,14 +99,6 @@ std::optional<QString> validUtf8(const QByteArray &bytes)
     if (decoder.hasError())
         return std::nullopt;
     return text;
-}
-
-QByteArray parentOf(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    if (slash <= 0)
-        return QByteArrayLiteral("/");
-    return path.left(slash);
 }
 
 struct Decoded
@@ -114,7 +133,7 @@ class InodeSearch
 public:
     void want(qsizetype index, const QByteArray &oldPath, const Identity &identity)
     {
-        m_wanted.insert(identity.ino, {index, identity});
+        m_wanted.insert(identity.ino, {index, identity, oldPath});
         m_devices.insert(identity.dev);
         ++m_missing;
         for (QByteArray dir = parentOf(oldPath); dir != "/"; dir = parentOf(dir))
@@ -139,6 +158,7 @@ private:
     {
         qsizetype index;
         Identity identity;
+        QByteArray oldPath;
     };
 
     void searchBelow(const QByteArray &root)
@@ -184,7 +204,7 @@ private:
         if (!found)
             return;
         for (auto it = m_wanted.find(ino); it != m_wanted.end() && it.key() == ino; ++it) {
-            if (!m_found.contains(it->index) && sameFile(it->identity, *found))
+            if (!m_found.contains(it->index) && sameFile(it->identity, it->oldPath, *found, child))
                 m_found.insert(it->index, child);
         }
     }
