@@ -2,30 +2,54 @@
 
 #include "Log.h"
 
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QLocalSocket>
-#include <QRegularExpression>
+#include <QFileInfo>
 #include <QThread>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Quillon {
 namespace {
-// The display a session runs on, so that two sessions of one user each get their own Quillon.
-QString displayName()
+bool isPrivateFolder(const QString &path)
 {
-    QString display = qEnvironmentVariable("WAYLAND_DISPLAY");
-    if (display.isEmpty())
-        display = qEnvironmentVariable("DISPLAY");
-    display.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9_.-]")), QStringLiteral("_"));
-    return display.isEmpty() ? QStringLiteral("default") : display;
+    struct stat st{};
+    return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid()
+        && (st.st_mode & 077) == 0;
 }
 } // namespace
 
-SingleInstance::SingleInstance(const QString &runtimeDir, QObject *parent)
-    : QObject(parent)
-    , m_base(runtimeDir + QStringLiteral("/quillon-") + displayName())
+// The runtime folder when it is what it must be (ours, private); otherwise our own settings
+// folder, made private for the purpose. Never a shared place another user could have prepared.
+QString SingleInstance::privateFolder(const QString &settingsFile)
 {
-    QDir().mkpath(runtimeDir);
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!runtime.isEmpty() && isPrivateFolder(runtime))
+        return runtime;
+    const QString fallback = QFileInfo(settingsFile).absolutePath();
+    QDir().mkpath(QFileInfo(fallback).absolutePath());
+    ::mkdir(QFile::encodeName(fallback).constData(), 0700);
+    const QString why = runtime.isEmpty() ? QStringLiteral("XDG_RUNTIME_DIR is not set")
+                                          : QStringLiteral("XDG_RUNTIME_DIR (%1) is not a private folder of this user").arg(runtime);
+    if (isPrivateFolder(fallback)) {
+        systemLog(QStringLiteral("%1; the instance lock is kept in %2 instead.").arg(why, fallback));
+        return fallback;
+    }
+    systemLog(QStringLiteral("%1, and %2 is not a private folder of this user either.").arg(why, fallback));
+    return {};
+}
+
+SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
+    : QObject(parent)
+{
+    const QString folder = privateFolder(settingsFile);
+    if (folder.isEmpty())
+        return;
+    const QByteArray key = QCryptographicHash::hash(QFile::encodeName(QFileInfo(settingsFile).absoluteFilePath()), QCryptographicHash::Sha256).toHex().left(16);
+    m_base = folder + QStringLiteral("/quillon-") + QString::fromLatin1(key);
     m_lock = std::make_unique<QLockFile>(m_base + QStringLiteral(".lock"));
     m_lock->setStaleLockTime(0); // stale only when its process is gone, never by age
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
@@ -40,8 +64,10 @@ SingleInstance::SingleInstance(const QString &runtimeDir, QObject *parent)
     });
 }
 
-bool SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim()
 {
+    if (!m_lock)
+        return Claim::Impossible;
     const QString socket = m_base + QStringLiteral(".socket");
     if (m_lock->tryLock(0)) {
         // A socket left by a crash is ours to replace now.
@@ -49,9 +75,13 @@ bool SingleInstance::claim()
         m_server.setSocketOptions(QLocalServer::UserAccessOption);
         if (!m_server.listen(socket))
             systemLog(QStringLiteral("Cannot listen on %1: %2; a second start will not find this one.").arg(socket, m_server.errorString()));
-        return true;
+        return Claim::Ours;
     }
-    return !handOver();
+    if (m_lock->error() != QLockFile::LockFailedError) {
+        systemLog(QStringLiteral("Cannot create the instance lock %1.lock.").arg(m_base));
+        return Claim::Impossible;
+    }
+    return handOver() ? Claim::HandedOver : Claim::Ours;
 }
 
 // The one that holds the lock may still be starting; give it a few seconds to listen.

@@ -8,18 +8,22 @@
 
 namespace Quillon {
 
-// One Quillon per user and display session. The first start holds a lock file and listens on a
-// local socket beside it in the runtime folder; a later start hands over to it and ends. A lock
-// left by a crashed instance names a process that no longer runs, and is taken over.
+// One Quillon per settings file: the schedule belongs to the file, and two instances over it would
+// open every item twice, whatever display each one shows on. The first start holds a lock file and
+// listens on a local socket beside it in the user's private runtime folder; a later start hands
+// over to it and ends. A lock left by a crashed instance names a process that no longer runs, and
+// is taken over.
 class SingleInstance final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SingleInstance)
 public:
-    explicit SingleInstance(const QString &runtimeDir, QObject *parent = nullptr);
+    explicit SingleInstance(const QString &settingsFile, QObject *parent = nullptr);
 
-    // True: this process is the one. False: another one runs and was asked to show its window.
-    bool claim();
+    enum class Claim { Ours, HandedOver, Impossible };
+    // Ours: this process is the one. HandedOver: another one runs and was asked to show its window.
+    // Impossible: no private place for the lock (said in the log).
+    Claim claim();
 
 Q_SIGNALS:
     // Another start asked for the window.
@@ -27,6 +31,7 @@ Q_SIGNALS:
 
 private:
     bool handOver();
+    static QString privateFolder(const QString &settingsFile);
 
     QString m_base;
     std::unique_ptr<QLockFile> m_lock;

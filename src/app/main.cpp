@@ -82,9 +82,16 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral(QUILLON_APP_ID));
     // A second start hands over to the running one before it reads or writes the settings.
-    SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
-    if (!instance.claim())
+    SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/Quillon.conf"));
+    switch (instance.claim()) {
+    case SingleInstance::Claim::Ours:
+        break;
+    case SingleInstance::Claim::HandedOver:
         return 0;
+    case SingleInstance::Claim::Impossible:
+        std::fputs("quillon: no private folder for the instance lock (see the log above); not starting, so that no item opens twice\n", stderr);
+        return 1;
+    }
 
     installTranslations(app);
     // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.

@@ -10,22 +10,39 @@ class InstanceTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    // One schedule per settings file, whatever display each start is on; the second start hands
+    // over before it reads or writes the settings. Also when XDG_RUNTIME_DIR is not the user's
+    // own private folder (unset, or planted by someone else): the lock goes into the settings folder.
+    void secondStartHandsOverAndLeavesTheSettingsAlone_data()
+    {
+        QTest::addColumn<QString>("runtime");
+        QTest::addColumn<QString>("lockFolder");
+        QTest::newRow("private runtime folder") << "runtime" << "runtime";
+        QTest::newRow("runtime folder open to all") << "shared" << "config/Quillon";
+        QTest::newRow("runtime folder unset") << "" << "config/Quillon";
+    }
     void secondStartHandsOverAndLeavesTheSettingsAlone()
     {
+        QFETCH(QString, runtime);
+        QFETCH(QString, lockFolder);
         QTemporaryDir session;
+        QDir().mkpath(session.filePath(QStringLiteral("shared")));
+        QFile::setPermissions(session.filePath(QStringLiteral("shared")), QFileDevice::Permissions(0x7777));
         QProcess first;
-        start(first, session, QStringLiteral("config-a"));
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(session.filePath(QStringLiteral("runtime/quillon-default.socket"))), 10'000);
+        start(first, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-1"));
+        const QString lock = session.filePath(lockFolder);
+        QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({QStringLiteral("quillon-*.socket")}, QDir::System).isEmpty(), 10'000);
         QTest::qWait(300);
+        const QStringList settingsBefore = QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files);
         QProcess second;
-        start(second, session, QStringLiteral("config-b"));
+        start(second, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-2"));
         QVERIFY(second.waitForFinished(10'000));
         QCOMPARE(second.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.exitCode(), 0);
-        // The second start never created its settings folder.
-        QVERIFY(!QFileInfo::exists(session.filePath(QStringLiteral("config-b/Quillon"))));
+        QCOMPARE(QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files), settingsBefore);
         QByteArray log;
         QTRY_VERIFY((log += first.readAllStandardError()).contains("Another start asked for the window."));
+        QCOMPARE(log.contains("the instance lock is kept in"), lockFolder != runtime);
         QCOMPARE(first.state(), QProcess::Running);
         stop(first);
     }
@@ -49,10 +66,11 @@ private Q_SLOTS:
         QTemporaryDir session;
         QProcess killed;
         start(killed, session, QStringLiteral("config"));
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(session.filePath(QStringLiteral("runtime/quillon-default.lock"))), 10'000);
+        const auto locks = [&session] { return QDir(session.filePath(QStringLiteral("runtime"))).entryList({QStringLiteral("quillon-*.lock")}); };
+        QTRY_VERIFY_WITH_TIMEOUT(!locks().isEmpty(), 10'000);
         killed.kill();
         QVERIFY(killed.waitForFinished(5000));
-        QVERIFY(QFile::exists(session.filePath(QStringLiteral("runtime/quillon-default.lock"))));
+        QVERIFY(!locks().isEmpty());
         QProcess next;
         start(next, session, QStringLiteral("config"));
         QVERIFY(!next.waitForFinished(3000));
@@ -101,14 +119,20 @@ private Q_SLOTS:
     }
 
 private:
-    static void start(QProcess &p, const QTemporaryDir &session, const QString &config)
+    static void start(QProcess &p, const QTemporaryDir &session, const QString &config, const QString &runtime = QStringLiteral("runtime"),
+                      const QString &display = {})
     {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(QStringLiteral("runtime")));
+        if (runtime.isEmpty())
+            env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+        else
+            env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.remove(QStringLiteral("DISPLAY"));
         env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        if (!display.isEmpty())
+            env.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
         QDir().mkpath(session.filePath(QStringLiteral("runtime")));
         QFile::setPermissions(session.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         p.setProcessEnvironment(env);
