@@ -7,14 +7,17 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace Quillon {
@@ -75,6 +78,51 @@ qsizetype keyLinesIn(const QByteArray &ini)
 
 } // namespace
 
+bool Preferences::setAsideIfNotRegular(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat st{};
+    if (::lstat(name.constData(), &st) != 0 || S_ISREG(st.st_mode))
+        return false;
+    // A link is followed: its target is what QSettings would open.
+    if (S_ISLNK(st.st_mode) && (::stat(name.constData(), &st) != 0 || S_ISREG(st.st_mode)))
+        return false;
+    const QString kind = S_ISFIFO(st.st_mode) ? QStringLiteral("a FIFO")
+        : S_ISDIR(st.st_mode)                 ? QStringLiteral("a folder")
+        : S_ISSOCK(st.st_mode)                ? QStringLiteral("a socket")
+                                              : QStringLiteral("a device");
+    const QString aside = path + QStringLiteral(".unreadable-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    if (::rename(name.constData(), QFile::encodeName(aside).constData()) == 0)
+        systemLog(QStringLiteral("%1 is %2, not a file; it was set aside as %3.").arg(path, kind, aside));
+    else
+        systemLog(QStringLiteral("%1 is %2, not a file, and could not be set aside: %3.").arg(path, kind, errnoText()));
+    return true;
+}
+
+bool Preferences::setAsideOddFiles()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/");
+    bool any = false;
+    for (const char *name : {"Quillon.conf", "Quillon.conf.lock", "window.conf"})
+        any = setAsideIfNotRegular(folder + QLatin1String(name)) || any;
+    return any;
+}
+
+bool Preferences::lockIsFree() const
+{
+    const QString lockName = m_settings.fileName() + QStringLiteral(".lock");
+    setAsideIfNotRegular(lockName);
+    QLockFile probe(lockName);
+    if (probe.tryLock(3000))
+        return true;
+    if (probe.error() != QLockFile::LockFailedError)
+        return true; // no lock can be made (a read-only folder): the write reports that itself
+    qint64 pid = 0;
+    probe.getLockInfo(&pid, nullptr, nullptr);
+    systemLog(QStringLiteral("Could not write the settings file %1: process %2 holds its lock; nothing was changed.").arg(m_settings.fileName()).arg(pid));
+    return false;
+}
+
 Preferences::Preferences()
     : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillon"), QStringLiteral("Quillon"))
 {
@@ -86,7 +134,8 @@ Preferences::Preferences()
 void Preferences::inspectExistingFile()
 {
     QFile file(m_settings.fileName());
-    if (!file.exists())
+    // A link that leads nowhere yet is no file either: the first save creates what it names.
+    if (!QFileInfo::exists(file.fileName()))
         return;
     if (!file.open(QIODevice::ReadOnly)) {
         m_fileProblem = file.errorString();
@@ -107,7 +156,7 @@ void Preferences::setValue(QAnyStringView key, const QVariant &value)
 {
     // Nothing may even be pending for a file that cannot be kept: QSettings writes pending changes
     // on its own when it is destroyed.
-    if (!keepProblemFileAside())
+    if (!keepProblemFileAside() || !lockIsFree())
         return;
     m_settings.setValue(key, value);
     writeOut();
@@ -115,7 +164,7 @@ void Preferences::setValue(QAnyStringView key, const QVariant &value)
 
 void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
 {
-    if (!keepProblemFileAside())
+    if (!keepProblemFileAside() || !lockIsFree())
         return;
     for (const auto &[key, value] : values)
         m_settings.setValue(key, value);
@@ -124,7 +173,7 @@ void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &va
 
 void Preferences::remove(QAnyStringView key)
 {
-    if (!keepProblemFileAside())
+    if (!keepProblemFileAside() || !lockIsFree())
         return;
     m_settings.remove(key);
     writeOut();
@@ -163,6 +212,7 @@ void Preferences::makeFolder() const
 QString Preferences::windowStateFileName() const
 {
     const QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+    setAsideIfNotRegular(name);
     // As for the settings: QSaveFile would make a new file with the umask's mode.
     const int fd = ::open(QFile::encodeName(name).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd >= 0)
@@ -239,7 +289,10 @@ bool Preferences::readsBackAsWritten() const
 
 void Preferences::writeOut()
 {
-    const QString fileName = m_settings.fileName();
+    // Through a link, the file written (by QSaveFile) is the link's target: that is the file the
+    // backup and the read-back must be about, and what the log names.
+    const QString linkTarget = QFileInfo(m_settings.fileName()).isSymLink() ? QFileInfo(m_settings.fileName()).canonicalFilePath() : QString();
+    const QString fileName = linkTarget.isEmpty() ? m_settings.fileName() : linkTarget;
     const QByteArray file = QFile::encodeName(fileName);
     const QByteArray dir = QFile::encodeName(QFileInfo(fileName).absolutePath());
 
@@ -283,8 +336,15 @@ void Preferences::writeOut()
     else if (replaced)
         outcome = QStringLiteral("the previous file could not be put back.");
     ::unlink(backup.constData());
-    const QString why = m_settings.status() == QSettings::AccessError && !replaced
-        ? QStringLiteral("permission denied") : QStringLiteral("it did not read back as written (is the disk full?)");
+    // QSettings says only "access error"; what the folder and the disk look like says which.
+    struct statvfs disk{};
+    const bool full = ::statvfs(dir.constData(), &disk) == 0 && quint64(disk.f_bavail) * disk.f_frsize < 64 * 1024;
+    const bool writable = ::access(dir.constData(), W_OK) == 0 && (!fileExisted || ::access(file.constData(), W_OK) == 0);
+    QString why = QStringLiteral("it did not read back as written (is the disk full?)");
+    if (!replaced)
+        why = full ? QStringLiteral("the disk is full") : !writable ? QStringLiteral("permission denied") : QStringLiteral("it could not be written");
+    if (!linkTarget.isEmpty())
+        why += QStringLiteral(" (written through the link %1)").arg(m_settings.fileName());
     systemLog(QStringLiteral("Could not write the settings file %1: %2; %3").arg(fileName, why, outcome));
 }
 

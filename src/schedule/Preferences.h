@@ -43,7 +43,15 @@ public:
     // Our folder, created private when it does not exist yet.
     void makeFolder() const;
 
+    // A FIFO, folder or device where a settings file (or its lock) should be is moved aside as
+    // "<name>.unreadable-<time>", with a log line; false when nothing had to be done.
+    static bool setAsideIfNotRegular(const QString &path);
+
 private:
+    static bool setAsideOddFiles();
+    // Waits a bounded time for the lock QSettings takes; false (and logged) when another process
+    // holds it, so that nothing is left pending for QSettings to wait on for ever.
+    bool lockIsFree() const;
     void inspectExistingFile();
     bool keepProblemFileAside();
     bool readsBackAsWritten() const;
@@ -59,6 +67,8 @@ private:
     };
     FileStamp currentStamp() const;
 
+    // Before m_settings: QSettings would block for ever opening a FIFO put in the file's place.
+    bool m_oddFilesSetAside = setAsideOddFiles();
     mutable QSettings m_settings;
     FileStamp m_readStamp;
     // Why the file found at start could not be read whole; empty when it could.

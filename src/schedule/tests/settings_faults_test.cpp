@@ -93,6 +93,48 @@ private Q_SLOTS:
         QCOMPARE(modeOf(home.path()), 0700u);
     }
 
+    // Something else where a settings file or its lock should be: set aside with a log line (a FIFO
+    // would block for ever in open, a folder as lock would make every save wait for ever), and the
+    // list is saved. A link is kept, and the file it points to is written.
+    void oddFilesInTheSettingsFolder_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("FIFO as the settings file") << "Quillon.conf" << "fifo";
+        QTest::newRow("FIFO as the window state") << "window.conf" << "fifo";
+        QTest::newRow("folder as the settings file") << "Quillon.conf" << "folder";
+        QTest::newRow("folder as the settings lock") << "Quillon.conf.lock" << "folder";
+    }
+    void oddFilesInTheSettingsFolder()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, kind);
+        QTemporaryDir home;
+        const QString dir = home.filePath(QStringLiteral("Quillon"));
+        QVERIFY(QDir().mkpath(dir));
+        const QByteArray odd = QFile::encodeName(dir + QLatin1Char('/') + name);
+        if (kind == QLatin1String("fifo"))
+            QCOMPARE(::mkfifo(odd.constData(), 0600), 0);
+        else
+            QVERIFY(QDir().mkpath(QFile::decodeName(odd)));
+        QProcess probe;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+        probe.setProcessEnvironment(env);
+        probe.start(QStringLiteral(SETTINGS_PROBE), {QStringLiteral("/etc/hostname")});
+        const bool ended = probe.waitForFinished(10'000);
+        if (!ended)
+            probe.kill();
+        QVERIFY2(ended, "the probe hung");
+        QCOMPARE(probe.exitCode(), 0);
+        const QString log = QString::fromUtf8(probe.readAllStandardError());
+        const QString conf = dir + QStringLiteral("/Quillon.conf");
+        QVERIFY2(log.contains(QLatin1String("set aside")), qPrintable(log));
+        QVERIFY(QFileInfo(conf).isFile());
+        QVERIFY(Test::readFile(conf).contains(QLatin1String("QUILLON-REF")));
+        QCOMPARE(QDir(dir).entryList({name + QStringLiteral(".unreadable-*")}, QDir::AllEntries | QDir::System).size(), 1);
+    }
+
     // A folder made by someone else with mode 0755: the settings file Quillon creates in it is
     // never readable by others, not even for the instant before it is complete.
     void firstWriteIsNeverReadableByOthers()
@@ -139,13 +181,27 @@ sys.stdout.buffer.write(seen)
         QVERIFY2(!seen.contains("Items"), seen.left(200).constData());
     }
 
+    // Through a link, the file the link names is the one kept, and the log says which it is.
+    void fullDiskKeepsThePreviousFile_data()
+    {
+        QTest::addColumn<bool>("throughLink");
+        QTest::newRow("the settings file") << false;
+        QTest::newRow("a link to the settings file") << true;
+    }
     void fullDiskKeepsThePreviousFile()
     {
+        QFETCH(bool, throughLink);
         if (::geteuid() != 0)
             QSKIP("Needs root to mount a small tmpfs.");
-        QTemporaryDir mountPoint;
+        // One place for every row: QSettings learns where its files live once per process.
+        QTemporaryDir &mountPoint = m_mountPoint;
         QVERIFY(::mount("quillon-test", QFile::encodeName(mountPoint.path()).constData(), "tmpfs", 0, "size=64k") == 0);
         auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(mountPoint.path()).constData(), MNT_DETACH); });
+        const QString real = mountPoint.filePath(QStringLiteral("dotfiles/Quillon.conf"));
+        if (throughLink) {
+            QVERIFY(Test::writeFile(real, "[General]\n") && QDir().mkpath(mountPoint.filePath(QStringLiteral("Quillon"))));
+            QVERIFY(QFile::link(real, mountPoint.filePath(QStringLiteral("Quillon/Quillon.conf"))));
+        }
         const QByteArray oldHome = qgetenv("XDG_CONFIG_HOME");
         qputenv("XDG_CONFIG_HOME", mountPoint.path().toUtf8());
         auto restoreEnv = qScopeGuard([&] { qputenv("XDG_CONFIG_HOME", oldHome); });
@@ -172,9 +228,14 @@ sys.stdout.buffer.write(seen)
             many << QByteArray(100, char('a' + i % 26));
         prefs.setValue(Keys::Items, many);
         QCOMPARE(contents(prefs.fileName()), before);
-        QVERIFY2(log.join(QLatin1Char('\n')).contains(QLatin1String("Could not write the settings file")), qPrintable(log.join(QLatin1Char('\n'))));
-        QVERIFY(!QFile::exists(prefs.fileName() + QStringLiteral(".bak")));
+        const QString said = log.join(QLatin1Char('\n'));
+        QVERIFY2(said.contains(QLatin1String("Could not write the settings file %1").arg(throughLink ? real : prefs.fileName())), qPrintable(said));
+        QCOMPARE(QFileInfo(prefs.fileName()).isSymLink(), throughLink);
+        QVERIFY(!QFile::exists(prefs.fileName() + QStringLiteral(".bak")) && !QFile::exists(real + QStringLiteral(".bak")));
     }
+
+private:
+    QTemporaryDir m_mountPoint;
 };
 
 QTEST_GUILESS_MAIN(SettingsFaultsTest)
