@@ -256,11 +256,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("contents");
         QTest::addColumn<bool>("executable");
         QTest::addColumn<bool>("accepted");
-        QTest::newRow("missing file") << "gone.txt" << QByteArray() << false << false;
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing file") << "gone.txt" << QByteArray() << false << false << "the file no longer exists";
         QTest::newRow("desktop file naming no program")
-            << "broken.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Broken\nExec=/no/such/program\n") << false << true;
-        QTest::newRow("not a desktop entry") << "junk.desktop" << QByteArray("just text\n") << false << true;
-        QTest::newRow("executable with a missing interpreter") << "job" << QByteArray("#!/no/such/interpreter\n") << true << true;
+            << "broken.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Broken\nExec=/no/such/program\n") << false << true
+            << "the program it names is not installed";
+        QTest::newRow("not a desktop entry") << "junk.desktop" << QByteArray("just text\n") << false << true << "not a valid desktop entry";
+        QTest::newRow("executable with a missing interpreter") << "job" << QByteArray("#!/no/such/interpreter\n") << true << true << "No such file";
     }
     void failureToStartIsLogged()
     {
@@ -268,6 +270,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, contents);
         QFETCH(bool, executable);
         QFETCH(bool, accepted);
+        QFETCH(QString, reason);
         const QString path = m_home.filePath(QStringLiteral("failing/") + name);
         if (!contents.isEmpty())
             QVERIFY(Test::writeFile(path, contents, executable));
@@ -279,7 +282,7 @@ private Q_SLOTS:
         });
         QCOMPARE(m_workspace.openFile(path), accepted);
         QTRY_COMPARE(m_log.size(), 1);
-        QVERIFY2(m_log.first().startsWith(QStringLiteral("Could not open %1").arg(path)), qPrintable(m_log.first()));
+        QVERIFY2(m_log.first().startsWith(QStringLiteral("Could not open %1").arg(path)) && m_log.first().contains(reason), qPrintable(m_log.first()));
         QCOMPARE(loggedFrom, eventLoopThread);
     }
 

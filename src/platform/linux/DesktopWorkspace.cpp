@@ -46,12 +46,13 @@ QByteArray uriOf(const QString &path)
     return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).toUtf8();
 }
 
-QString failure(const QString &path, GError *error)
+// reason: what went wrong when GLib gave no error of its own.
+QString failure(const QString &path, GError *error, const QString &reason = QStringLiteral("it could not be opened"))
 {
-    const QString reason = error ? QString::fromUtf8(error->message) : QStringLiteral("unknown error");
+    const QString why = error ? QString::fromUtf8(error->message) : reason;
     if (error)
         g_error_free(error);
-    return QStringLiteral("Could not open %1: %2").arg(path, reason);
+    return QStringLiteral("Could not open %1: %2").arg(path, why);
 }
 
 // Started in its own folder and reaped by the reaper, so it never lingers as a zombie.
@@ -70,7 +71,7 @@ QString launchDesktopFile(const QString &path, ChildReaper &reaper)
 {
     GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
     if (!info)
-        return failure(path, nullptr);
+        return failure(path, nullptr, QStringLiteral("it is not a valid desktop entry, or the program it names is not installed"));
     GError *error = nullptr;
     if (!launchApp(G_APP_INFO(info.get()), nullptr, reaper, &error))
         return failure(path, error);
@@ -228,7 +229,7 @@ bool DesktopWorkspace::openFile(const QString &path)
 {
     const QFileInfo info(path);
     if (!info.exists() && !info.isSymLink()) {
-        systemLog(failure(path, nullptr));
+        systemLog(failure(path, nullptr, QStringLiteral("the file no longer exists")));
         return false;
     }
     const QFileInfo appRun(info.absoluteFilePath() + QStringLiteral("/AppRun"));
