@@ -127,9 +127,12 @@ void QuillonController::applicationWillTerminate()
         m_schedule.saveItems();
     // The list is safe first; then whatever is still under way may take its time.
     m_window->hide();
-    const int waiting = m_launcher.abandon();
-    if (waiting > 0)
-        systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting));
+    const QStringList waiting = m_launcher.abandon();
+    if (!waiting.isEmpty())
+        systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting.size()));
+    // Named one by one: their dates are past, so nothing else would ever tell that they did not open.
+    for (const QString &path : waiting)
+        systemLog(QStringLiteral("Not started: %1 (it waited for a script when Quillon quit; it stays in the list).").arg(path));
     m_platform.workspace.finishOpenings(std::chrono::seconds(30));
 }
 

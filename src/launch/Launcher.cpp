@@ -64,6 +64,8 @@ void Launcher::drain()
         const QString path = m_waiting.dequeue().path;
         if (isScriptPath(path)) {
             m_scriptRunning = true;
+            m_preferences.synchronize();
+            m_scripts.setTimeLimit(std::chrono::seconds(m_preferences.contains(Keys::ScriptTimeLimit) ? qMax(0, m_preferences.intValue(Keys::ScriptTimeLimit)) : 600));
             m_scripts.start(path, [this](const ScriptRunner::Outcome &outcome) {
                 m_scriptRunning = false;
                 scriptFinished(outcome);
@@ -109,12 +111,14 @@ void Launcher::launchAllNow(const QStringList &paths)
         launchItem(path, Origin::User);
 }
 
-int Launcher::abandon()
+QStringList Launcher::abandon()
 {
     if (m_scriptRunning)
         m_scripts.stop();
     m_scriptRunning = false;
-    const int waiting = int(m_waiting.size());
+    QStringList waiting;
+    for (const Pending &pending : std::as_const(m_waiting))
+        waiting << pending.path;
     m_waiting.clear();
     m_whenIdle = {};
     return waiting;

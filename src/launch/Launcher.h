@@ -36,8 +36,8 @@ public:
     // Exactly "applescript" or "scpt", case and all.
     static bool isScriptPath(const QString &path);
 
-    // At quit: ends a running script and forgets the launches waiting behind it; how many waited.
-    int abandon();
+    // At quit: ends a running script and forgets the launches waiting behind it; the paths that waited.
+    QStringList abandon();
     // The schedule was stopped: what its timers queued and has not started yet is dropped.
     void dropScheduled();
     bool isIdle() const { return !m_scriptRunning && m_waiting.isEmpty(); }

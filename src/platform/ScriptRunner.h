@@ -4,6 +4,7 @@
 #include <QPair>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -53,6 +54,9 @@ public:
     virtual void start(const QString &path, Done done) = 0;
     // At quit: end a script that is still running; done is not called for it.
     virtual void stop() {}
+    // For the scripts started from now on: how long one may run before it is ended (as quitting
+    // ends it) and reported as failed; zero for no limit.
+    virtual void setTimeLimit(std::chrono::seconds limit) { Q_UNUSED(limit); }
 };
 
 } // namespace Quillon

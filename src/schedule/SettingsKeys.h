@@ -13,6 +13,8 @@ inline constexpr QLatin1StringView AddFolderFilesRecursively("addFolderFilesRecu
 inline constexpr QLatin1StringView RepeatSeconds("repeatSeconds");
 inline constexpr QLatin1StringView TimeUnit("timeUnit");
 inline constexpr QLatin1StringView QuitWhenDone("quitWhenDone");
+// Seconds a script may run before it is ended; absent: 600, 0: no limit.
+inline constexpr QLatin1StringView ScriptTimeLimit("scriptTimeLimitSeconds");
 inline constexpr QLatin1StringView SendEmail("sendEmail");
 inline constexpr QLatin1StringView EmailScriptResults("emailAppleScriptResults");
 inline constexpr QLatin1StringView RecipientEmail("recipientEmail");

@@ -109,6 +109,14 @@ QWidget *PreferencesDialog::buildGeneralPage()
     connect(count, &QSpinBox::valueChanged, page, limitCount);
     form->addRow(tr("Repeat every:"), repeatRow);
     form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
+    auto *scriptLimit = new QSpinBox(page);
+    scriptLimit->setObjectName(QString(Keys::ScriptTimeLimit));
+    scriptLimit->setRange(0, 24 * 60);
+    scriptLimit->setSuffix(tr(" min"));
+    scriptLimit->setSpecialValueText(tr("Never"));
+    scriptLimit->setValue(p.contains(Keys::ScriptTimeLimit) ? p.intValue(Keys::ScriptTimeLimit) / 60 : 10);
+    connect(scriptLimit, &QSpinBox::editingFinished, page, [&p, scriptLimit] { p.setValue(Keys::ScriptTimeLimit, scriptLimit->value() * 60); });
+    form->addRow(tr("End a script after:"), scriptLimit);
 
     // Not a setting of the file: the session's autostart folder is the record.
     auto *login = new QCheckBox(tr("Start Quillon when I log in"), page);

@@ -173,16 +173,22 @@ private Q_SLOTS:
         QCOMPARE(m_log.filter(QStringLiteral("more than 1 MiB")).size(), 1);
     }
 
-    // Quitting ends the script and what it started, also when it ignores SIGTERM.
+    // Quitting ends the script and what it started, also when it ignores SIGTERM. So does the time
+    // limit, and then the item waiting behind the script opens.
     void quittingEndsTheScriptsProcessGroup_data()
     {
         QTest::addColumn<QByteArray>("prelude");
-        QTest::newRow("obeys SIGTERM") << QByteArray();
-        QTest::newRow("ignores SIGTERM") << QByteArray("trap '' TERM\n");
+        QTest::addColumn<bool>("timeLimit");
+        QTest::newRow("quit, obeys SIGTERM") << QByteArray() << false;
+        QTest::newRow("quit, ignores SIGTERM") << QByteArray("trap '' TERM\n") << false;
+        QTest::newRow("time limit") << QByteArray() << true;
     }
     void quittingEndsTheScriptsProcessGroup()
     {
         QFETCH(QByteArray, prelude);
+        QFETCH(bool, timeLimit);
+        m_prefs->setValue(Keys::ScriptTimeLimit, timeLimit ? 2 : 0);
+        auto noLimit = qScopeGuard([this] { m_prefs->remove(Keys::ScriptTimeLimit); });
         const QString pidFile = m_home.filePath(QStringLiteral("child.pid"));
         QFile::remove(pidFile);
         const QString script = m_home.filePath(QStringLiteral("scripts/endless.scpt"));
@@ -191,7 +197,15 @@ private Q_SLOTS:
         QTRY_VERIFY(readFile(pidFile).endsWith(QLatin1Char('\n')));
         const pid_t child = readFile(pidFile).trimmed().toInt();
         QVERIFY(child > 0);
-        QCOMPARE(m_launcher->abandon(), 0);
+        if (timeLimit) {
+            const QString after = m_home.filePath(QStringLiteral("tools/after"));
+            QVERIFY(Test::writeFile(after, "#!/bin/sh\necho after >> '" + m_marker.toUtf8() + "'\n", true));
+            m_launcher->launchItem(after);
+            QTRY_COMPARE_WITH_TIMEOUT(readFile(m_marker), QStringLiteral("after\n"), 10'000);
+            QCOMPARE(m_log.filter(QStringLiteral("ran for more than 2 s and was ended")).size(), 1);
+        } else {
+            QVERIFY(m_launcher->abandon().isEmpty());
+        }
         QVERIFY(!m_scripts.isRunning());
         QTRY_VERIFY(!isAlive(child));
         QVERIFY(m_results.isEmpty());

@@ -161,7 +161,7 @@ private Q_SLOTS:
         m_scripts.finishRunning();
         QCOMPARE(m_workspace.opened, QStringList{"/doc"});
         QCOMPARE(m_scripts.ran, (QStringList{"/a.scpt", "/b.scpt"}));
-        QCOMPARE(m_launcher->abandon(), 2);
+        QCOMPARE(m_launcher->abandon(), (QStringList{"/doc2", "/due-meanwhile"}));
         QCOMPARE(m_scripts.stopped, QStringList{"/b.scpt"});
         m_scripts.finishRunning();
         m_scripts.hold = false;

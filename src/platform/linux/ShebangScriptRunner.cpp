@@ -82,6 +82,18 @@ void ShebangScriptRunner::start(const QString &path, Done done)
             finish(false);
     });
     m_process->start();
+    if (m_limit.count() > 0) {
+        // A script that never ends would hold every item behind it for ever, silently.
+        auto *limit = new QTimer(m_process);
+        limit->setSingleShot(true);
+        connect(limit, &QTimer::timeout, this, [this] {
+            const pid_t group = pid_t(m_process->processId());
+            systemLog(QStringLiteral("The script %1 ran for more than %2 s and was ended; the items after it open now.").arg(m_path).arg(m_limit.count()));
+            ::kill(-group, SIGTERM);
+            QTimer::singleShot(StopGraceMSecs, m_process, [group] { ::kill(-group, SIGKILL); });
+        });
+        limit->start(m_limit);
+    }
 }
 
 void ShebangScriptRunner::readOutput()

@@ -24,6 +24,7 @@ public:
 
     void start(const QString &path, Done done) override;
     void stop() override;
+    void setTimeLimit(std::chrono::seconds limit) override { m_limit = limit; }
     bool isRunning() const { return m_process != nullptr; }
 
 private:
@@ -35,6 +36,7 @@ private:
     Done m_done;
     QByteArray m_output;
     bool m_outputCut = false;
+    std::chrono::seconds m_limit{0};
 };
 
 } // namespace Quillon

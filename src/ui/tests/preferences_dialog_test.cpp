@@ -50,6 +50,10 @@ private Q_SLOTS:
         control<QComboBox>(dialog, Keys::TimeUnit)->activated(2);
         control<QComboBox>(dialog, Keys::SelectedAuthentication)->activated(3);
         control<QSpinBox>(dialog, Keys::ServerPort)->setValue(587);
+        auto *scriptLimit = control<QSpinBox>(dialog, Keys::ScriptTimeLimit);
+        QCOMPARE(scriptLimit->value(), 10); // minutes, when the file says nothing
+        scriptLimit->setValue(3);
+        Q_EMIT scriptLimit->editingFinished();
         QLineEdit *password = control<QLineEdit>(dialog, Keys::LoginPassword);
         password->setText(QStringLiteral("s3cret"));
         Q_EMIT password->editingFinished();
@@ -62,6 +66,7 @@ private Q_SLOTS:
         QCOMPARE(file.value(QStringLiteral("timeUnit")).toInt(), 2);
         QCOMPARE(file.value(QStringLiteral("selectedAuthentication")).toInt(), 3);
         QCOMPARE(file.value(QStringLiteral("serverPort")).toInt(), 587);
+        QCOMPARE(file.value(QStringLiteral("scriptTimeLimitSeconds")).toInt(), 180);
         QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
         QCOMPARE(test.count(), 1);
         QVERIFY(!m_prefs->rememberItems());
