@@ -29,16 +29,24 @@ QString SingleInstance::privateFolder(const QString &settingsFile)
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty() && isPrivateFolder(runtime))
         return runtime;
-    const QString fallback = QFileInfo(settingsFile).absolutePath();
-    QDir().mkpath(QFileInfo(fallback).absolutePath());
-    ::mkdir(QFile::encodeName(fallback).constData(), 0700);
     const QString why = runtime.isEmpty() ? QStringLiteral("XDG_RUNTIME_DIR is not set")
                                           : QStringLiteral("XDG_RUNTIME_DIR (%1) is not a private folder of this user").arg(runtime);
-    if (isPrivateFolder(fallback)) {
-        systemLog(QStringLiteral("%1; the instance lock is kept in %2 instead.").arg(why, fallback));
-        return fallback;
+    const QString settings = QFileInfo(settingsFile).absolutePath();
+    QDir().mkpath(QFileInfo(settings).absolutePath());
+    ::mkdir(QFile::encodeName(settings).constData(), 0700);
+    // A settings folder of the user's that others cannot write to may hold a private one of ours.
+    QString folder = settings;
+    struct stat st{};
+    if (!isPrivateFolder(folder) && ::lstat(QFile::encodeName(settings).constData(), &st) == 0 && S_ISDIR(st.st_mode)
+        && st.st_uid == ::geteuid() && (st.st_mode & 022) == 0) {
+        folder = settings + QStringLiteral("/instance");
+        ::mkdir(QFile::encodeName(folder).constData(), 0700);
     }
-    systemLog(QStringLiteral("%1, and %2 is not a private folder of this user either.").arg(why, fallback));
+    if (isPrivateFolder(folder)) {
+        systemLog(QStringLiteral("%1; the instance lock is kept in %2 instead.").arg(why, folder));
+        return folder;
+    }
+    systemLog(QStringLiteral("%1, and %2 is not a private folder of this user either.").arg(why, settings));
     return {};
 }
 

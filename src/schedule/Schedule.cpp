@@ -375,6 +375,7 @@ void Schedule::launch(const TimerSlot &timer)
 {
     if (m_launchItem)
         m_launchItem(timer->path());
+    const qsizetype k = slotOf(timer);
 
     const int repeat = m_preferences.intValue(Keys::RepeatSeconds);
     if (repeat == 0) {
@@ -391,7 +392,6 @@ void Schedule::launch(const TimerSlot &timer)
         const qint64 nowMSecs = m_clock.nowMSecs();
         // A late item fires again at once, and from then on its series counts from the present.
         const qint64 fireAt = next > nowMSecs ? next : nowMSecs;
-        const qsizetype k = slotOf(timer);
         if (k < 0) {
             systemLog(QStringLiteral("A repeating item fired after its row was removed; it is not re-armed."));
         } else {
@@ -404,7 +404,9 @@ void Schedule::launch(const TimerSlot &timer)
         }
     }
     timer->invalidate();
-    Q_EMIT reloadTable();
+    // Only this row: a burst of thousands of firings must not redraw the whole table each time.
+    if (k >= 0)
+        Q_EMIT rowChanged(int(k));
 
     if (m_timersRemaining == 0) {
         m_timersRunning = false;

@@ -95,6 +95,8 @@ Q_SIGNALS:
     void restored();
     // Every cell may show something else now.
     void reloadTable();
+    // One row's cells may show something else now (an item fired).
+    void rowChanged(int row);
     void runningStateChanged(bool running);
     void alertRequested(const QString &message, const QString &informative);
     void quitRequested();

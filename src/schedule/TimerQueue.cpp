@@ -2,6 +2,9 @@
 
 #include "WallClock.h"
 
+#include <QElapsedTimer>
+#include <QTimer>
+
 #include <algorithm>
 
 namespace Quillon {
@@ -115,19 +118,34 @@ std::optional<qint64> TimerQueue::earliestLiveAfter(qint64 after) const
 void TimerQueue::onExpired()
 {
     const qint64 now = m_clock.nowMSecs();
-    std::vector<TimerSlot> due;
+    // Taken out first: a repeating item re-armed for now must wait for the next expiry, not fire
+    // again in this one.
     while (!m_heap.empty() && m_heap.front().deadline <= now) {
         auto t = m_heap.front().timer.lock();
         std::pop_heap(m_heap.begin(), m_heap.end(), later);
         m_heap.pop_back();
         if (t && t->isValid())
-            due.push_back(std::move(t));
+            m_backlog.push_back(std::move(t));
     }
     reaim();
-    for (const TimerSlot &t : due) {
-        // An earlier firing in this batch may have stopped the schedule.
+    fireBacklog();
+}
+
+void TimerQueue::fireBacklog()
+{
+    constexpr qint64 SliceMSecs = 10;
+    QElapsedTimer slice;
+    slice.start();
+    while (!m_backlog.empty()) {
+        const TimerSlot t = std::move(m_backlog.front());
+        m_backlog.pop_front();
+        // An earlier firing may have stopped the schedule.
         if (t->isValid() && m_onFire)
             m_onFire(t);
+        if (!m_backlog.empty() && slice.elapsed() >= SliceMSecs) {
+            QTimer::singleShot(0, this, &TimerQueue::fireBacklog);
+            return;
+        }
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <deque>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -43,6 +44,7 @@ private:
 
     void timerInvalidated();
     void onExpired();
+    void fireBacklog();
     void reaim(bool force = false);
     void dropDeadEntriesAtTop();
     void compact();
@@ -50,6 +52,9 @@ private:
     WallClock &m_clock;
     FireHandler m_onFire;
     std::vector<Entry> m_heap;
+    // Due, not fired yet: a burst is fired a slice per event-loop turn, in order, so that the
+    // window and the rest of the loop get their turns in between.
+    std::deque<TimerSlot> m_backlog;
     quint64 m_sequence = 0;
     int m_live = 0;
     bool m_aimed = false;

@@ -50,6 +50,28 @@ void ItemTableModel::connectSchedule()
     connect(&m_schedule, &Schedule::aboutToReset, this, [this] { beginResetModel(); });
     connect(&m_schedule, &Schedule::reset, this, [this] { endResetModel(); });
     connect(&m_schedule, &Schedule::reloadTable, this, &ItemTableModel::reloadAll);
+    connect(&m_schedule, &Schedule::rowChanged, this, &ItemTableModel::rowChanged);
+}
+
+void ItemTableModel::rowChanged(int row)
+{
+    if (m_changedRows.isEmpty()) {
+        QMetaObject::invokeMethod(this, [this] {
+            QList<int> rows = std::exchange(m_changedRows, {});
+            std::sort(rows.begin(), rows.end());
+            rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+            // One signal per run of neighbouring rows.
+            for (qsizetype i = 0; i < rows.size();) {
+                qsizetype j = i;
+                while (j + 1 < rows.size() && rows.at(j + 1) == rows.at(j) + 1)
+                    ++j;
+                if (rows.at(j) < rowCount())
+                    Q_EMIT dataChanged(index(rows.at(i), 0), index(std::min(rows.at(j), rowCount() - 1), ColumnCount - 1));
+                i = j + 1;
+            }
+        }, Qt::QueuedConnection);
+    }
+    m_changedRows.append(row);
 }
 
 int ItemTableModel::rowCount(const QModelIndex &parent) const

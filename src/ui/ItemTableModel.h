@@ -41,6 +41,7 @@ public:
     // The countdown and status cells change with time; the rest only when the schedule changes.
     void refreshCountdown();
     void reloadAll();
+    void rowChanged(int row);
 
     QStringList mimeTypes() const override;
     QMimeData *mimeData(const QModelIndexList &indexes) const override;
@@ -58,6 +59,8 @@ private:
     Preferences &m_preferences;
     QStringList m_titles;
     ChangeRecorder m_record;
+    // Rows that changed this event-loop turn; told to the views once, at the end of it.
+    QList<int> m_changedRows;
 };
 
 } // namespace Quillon

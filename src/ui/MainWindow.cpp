@@ -100,6 +100,27 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
 
 MainWindow::~MainWindow() = default;
 
+void MainWindow::fitColumnsSoon()
+{
+    if (std::exchange(m_fitQueued, true))
+        return;
+    QMetaObject::invokeMethod(this, [this] {
+        m_fitQueued = false;
+        if (m_userSizedLaunchTime || m_schedule.count() == 0)
+            return;
+        m_fittingColumns = true;
+        m_fileTable->resizeColumnToContents(ItemTableModel::LaunchTimeColumn);
+        m_fittingColumns = false;
+    }, Qt::QueuedConnection);
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (!std::exchange(m_shownOnce, true))
+        fitColumnsSoon();
+}
+
 QWidget *MainWindow::calendarClockWindow() const
 {
     return m_dateWindow;
@@ -138,7 +159,16 @@ void MainWindow::buildTable()
     // Name and the path or countdown share the spare width; the launch time takes what it needs.
     header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
     header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::ResizeToContents);
+    // The launch time is fitted when rows come (added or restored) and when the window is first
+    // shown, not at every change: measuring the column at each launch of a burst froze the window.
+    // A width the user gives it stays.
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
+    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
+        if (column == ItemTableModel::LaunchTimeColumn && !m_fittingColumns)
+            m_userSizedLaunchTime = true;
+    });
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &MainWindow::fitColumnsSoon);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &MainWindow::fitColumnsSoon);
 
     // An empty list says what to do with it; the hint lets drops through to the table.
     auto *hint = new QLabel(tr("Drop files here or choose Add…"), m_fileTable->viewport());
@@ -557,11 +587,13 @@ void MainWindow::restoreWindowState()
     if (!restoreGeometry(state.value(Keys::WindowGeometry).toByteArray()))
         resize(860, 480);
     QHeaderView *header = m_fileTable->horizontalHeader();
+    m_fittingColumns = true;
     header->restoreState(state.value(Keys::TableHeader).toByteArray());
+    m_fittingColumns = false;
     // The user's column widths and order come back; how the columns share the width does not change.
     header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
     header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
 }
 
 } // namespace Quillon

@@ -80,12 +80,15 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void fitButtons();
+    // Fits the launch time column to its text on the next turn, unless the user sized it.
+    void fitColumnsSoon();
     void buildTable();
     void buildControls();
     void buildMenus();
@@ -95,6 +98,10 @@ private:
     Preferences &m_preferences;
     ItemTableModel *m_model = nullptr;
     QList<quint64> m_keptSelection;
+    bool m_fitQueued = false;
+    bool m_fittingColumns = false;
+    bool m_userSizedLaunchTime = false;
+    bool m_shownOnce = false;
     QTableView *m_fileTable = nullptr;
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;

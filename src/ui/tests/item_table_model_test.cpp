@@ -10,6 +10,8 @@
 #include <QAbstractItemModelTester>
 #include <QMimeData>
 #include <QTemporaryDir>
+#include <QSignalSpy>
+#include <QSet>
 #include <QTest>
 #include <QUrl>
 
@@ -110,6 +112,28 @@ private Q_SLOTS:
         m_schedule->invalidateTimers(true);
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("/p1"));
         QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
+    }
+
+    // Items firing in one turn are told to the views as the rows they are, once, at the end of the
+    // turn: a burst of launches must not redraw (and re-measure) the whole table at each one.
+    void firingsUpdateOnlyTheirRows()
+    {
+        for (int i = 0; i < 6; ++i)
+            m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
+        m_schedule->setDate({1, 2, 4}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->setDate({0, 3, 5}, QDateTime::fromMSecsSinceEpoch(Now + 9000));
+        m_schedule->startTimers(true);
+        QSignalSpy changed(m_model.get(), &QAbstractItemModel::dataChanged);
+        m_clock->advanceSecs(2);
+        QTRY_VERIFY(!changed.isEmpty());
+        QCoreApplication::processEvents();
+        QSet<int> rows;
+        for (const QList<QVariant> &signal : std::as_const(changed)) {
+            for (int r = signal.at(0).toModelIndex().row(); r <= signal.at(1).toModelIndex().row(); ++r)
+                rows.insert(r);
+        }
+        QCOMPARE(rows, (QSet<int>{1, 2, 4}));
+        QCOMPARE(changed.size(), 2); // rows 1-2, then row 4
     }
 
     void toolTipsSayWhen()
