@@ -4,6 +4,7 @@
 #include "SettingsKeys.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include <QScopeGuard>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -142,6 +144,12 @@ void Preferences::inspectExistingFile()
     } else if (m_settings.status() == QSettings::FormatError || keyLinesIn(file.readAll()) > m_settings.allKeys().size()) {
         m_fileProblem = QStringLiteral("it is malformed; what could be read was kept");
     }
+    for (const QString &key : m_settings.allKeys()) {
+        if (!isReadable(m_settings.value(key)))
+            m_unreadableKeys << key;
+    }
+    if (m_fileProblem.isEmpty() && !m_unreadableKeys.isEmpty())
+        m_fileProblem = QStringLiteral("values under %1 cannot be read; they are left out").arg(m_unreadableKeys.join(QStringLiteral(", ")));
     if (!m_fileProblem.isEmpty())
         systemLog(QStringLiteral("Could not read the settings file %1: %2").arg(file.fileName(), m_fileProblem));
 }
@@ -241,8 +249,20 @@ bool Preferences::keepProblemFileAside()
         readable.append({key, m_settings.value(key)});
     // The copy holds it now; a fresh file gets our own private mode instead of the odd one it had.
     ::unlink(QFile::encodeName(original).constData());
-    for (const auto &[key, value] : std::as_const(readable))
-        m_settings.setValue(key, value);
+    for (const auto &[key, value] : std::as_const(readable)) {
+        if (!m_unreadableKeys.contains(key)) {
+            m_settings.setValue(key, value);
+        } else if (value.typeId() == QMetaType::QVariantList) {
+            // A list keeps its length (the saved dates stay beside their items); what cannot be
+            // read becomes nothing, which the list's reader takes as "now".
+            QVariantList list = value.toList();
+            for (QVariant &element : list) {
+                if (!isReadable(element))
+                    element = QString();
+            }
+            m_settings.setValue(key, list);
+        }
+    }
     m_problemFileKept = true;
     return true;
 }
@@ -353,6 +373,19 @@ bool Preferences::rememberItems() const
     if (!m_settings.contains(Keys::RememberItems))
         return true;
     return boolValue(Keys::RememberItems);
+}
+
+bool Preferences::isReadable(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QDateTime) {
+        const QDateTime date = value.toDateTime();
+        return date.isValid() && (date.timeSpec() != Qt::TimeZone || date.timeZone().isValid());
+    }
+    if (value.typeId() == QMetaType::QVariantList) {
+        const QVariantList list = value.toList();
+        return std::all_of(list.begin(), list.end(), [](const QVariant &element) { return isReadable(element); });
+    }
+    return true;
 }
 
 bool Preferences::toBool(const QVariant &value)

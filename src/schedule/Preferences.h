@@ -36,6 +36,9 @@ public:
 
     // A stored boolean as the settings file may hold it: a real boolean, a number, or text.
     static bool toBool(const QVariant &value);
+    // False for what QSettings parses but cannot write back the same: a date whose time-zone byte
+    // is damaged comes back as a date in no time zone, which is written as an unreadable one.
+    static bool isReadable(const QVariant &value);
 
     // The window's own state lives beside the settings, in a file of its own, so that
     // Quillon.conf holds the schedule and the settings alone.
@@ -74,6 +77,7 @@ private:
     // Why the file found at start could not be read whole; empty when it could.
     QString m_fileProblem;
     bool m_problemFileKept = false;
+    QStringList m_unreadableKeys;
 };
 
 } // namespace Quillon

@@ -39,7 +39,7 @@ quint32 unitFactor(int unit)
 QDateTime toDate(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QDateTime)
-        return value.toDateTime();
+        return Preferences::isReadable(value) ? value.toDateTime() : QDateTime();
     if (value.typeId() == QMetaType::QString)
         return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
     return {};

@@ -1,6 +1,9 @@
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
+#include "Log.h"
+
+#include <QScopeGuard>
 
 #include <QSet>
 #include <QTest>
@@ -124,6 +127,30 @@ private Q_SLOTS:
         QCOMPARE(m_settings->read(QStringLiteral("repeatSeconds")).toInt(), 5);
         const QStringList kept = QDir(m_settings->configDir()).entryList({QStringLiteral("Quillon.conf.unreadable-*")});
         QCOMPARE(kept.size(), 1);
+        QDir(m_settings->configDir()).remove(kept.first());
+    }
+
+    // A date whose time-zone byte is damaged parses, but cannot be written back the same: it is
+    // left out of the working file (the kept copy still has it), and saves work again.
+    void unreadableDateIsLeftOut()
+    {
+        const QByteArray bad = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x7)";
+        const QByteArray good = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x1)";
+        m_settings->writeRaw("[General]\nserverPort=25\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n");
+        QStringList log;
+        setLogSink([&log](const QString &line) { log << line; });
+        auto noSink = qScopeGuard([] { setLogSink({}); });
+        Preferences fresh;
+        fresh.setValue(Keys::RepeatSeconds, 5);
+        fresh.setValue(Keys::RepeatSeconds, 6);
+        QVERIFY2(log.filter(QStringLiteral("Could not write")).isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
+        QCOMPARE(m_settings->read(QStringLiteral("repeatSeconds")).toInt(), 6);
+        QCOMPARE(m_settings->read(QStringLiteral("serverPort")).toInt(), 25);
+        QVERIFY(m_settings->read(QStringLiteral("When")).isNull());
+        QCOMPARE(m_settings->read(QStringLiteral("Dates")).toList().size(), 2);
+        const QStringList kept = QDir(m_settings->configDir()).entryList({QStringLiteral("Quillon.conf.unreadable-*")});
+        QCOMPARE(kept.size(), 1);
+        QVERIFY(Test::readFile(m_settings->configDir() + QLatin1Char('/') + kept.first()).contains(QLatin1String("When=")));
         QDir(m_settings->configDir()).remove(kept.first());
     }
 
