@@ -88,6 +88,23 @@ void QuillonController::terminate()
         return;
     m_quitting = true;
     applicationWillTerminate();
+    // The list is safe first; then whatever is still under way may take its time.
+    const QStringList waiting = m_launcher.abandon([this] { quitAfterOpenings(); });
+    if (!waiting.isEmpty())
+        systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting.size()));
+    // Named one by one: their dates are past, so nothing else would ever tell that they did not open.
+    for (const QString &path : waiting)
+        systemLog(QStringLiteral("Not started: %1 (it waited for a script when Quillon quit; it stays in the list).").arg(path));
+}
+
+void QuillonController::quitAfterOpenings()
+{
+    m_platform.workspace.finishOpenings(std::chrono::seconds(30), [this](int) { quitAfterDeliveries(); });
+}
+
+void QuillonController::quitAfterDeliveries()
+{
+    m_waitingForDeliveries = true;
     // exit(), not quit(): quit() asks every window to close first, and a window that only
     // minimises would cancel it.
     if (m_deliveries == 0) {
@@ -125,15 +142,7 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
-    // The list is safe first; then whatever is still under way may take its time.
     m_window->hide();
-    const QStringList waiting = m_launcher.abandon();
-    if (!waiting.isEmpty())
-        systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting.size()));
-    // Named one by one: their dates are past, so nothing else would ever tell that they did not open.
-    for (const QString &path : waiting)
-        systemLog(QStringLiteral("Not started: %1 (it waited for a script when Quillon quit; it stays in the list).").arg(path));
-    m_platform.workspace.finishOpenings(std::chrono::seconds(30));
 }
 
 void QuillonController::showMainWindow()
@@ -244,7 +253,8 @@ void QuillonController::sendMail(const QString &body, const QString &subject)
     ++m_deliveries;
     connect(delivery, &SimpleSMTP::finished, this, [this, delivery] {
         delivery->deleteLater();
-        if (--m_deliveries == 0 && m_quitting)
+        // Only once the quit has come to the deliveries: earlier steps may still be under way.
+        if (--m_deliveries == 0 && m_quitting && m_waitingForDeliveries)
             QCoreApplication::exit(0);
     });
     delivery->sendMail(*this, body, subject);

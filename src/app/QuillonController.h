@@ -46,8 +46,9 @@ public:
     void awakeFromNib();
     void applicationWillFinishLaunching();
     void applicationWillTerminate();
-    // The one way out: every quit ends here. The list is saved at once; mail still under way gets
-    // up to 20 s, with the window hidden, before the process ends.
+    // The one way out: every quit ends here. The list is saved and the window hidden at once; then,
+    // each step driven by the event loop, a running script is ended (SIGTERM, SIGKILL after 5 s),
+    // programs already due get up to 30 s to start, and mail still at work up to 20 s.
     void terminate();
     int deliveriesInFlight() const { return m_deliveries; }
 
@@ -80,6 +81,8 @@ public:
 
 private:
     void setUpTray();
+    void quitAfterOpenings();
+    void quitAfterDeliveries();
 
     Platform m_platform;
     Preferences m_preferences;
@@ -93,6 +96,7 @@ private:
     QPointer<QMessageBox> m_alert;
     int m_deliveries = 0;
     bool m_quitting = false;
+    bool m_waitingForDeliveries = false;
     bool m_terminated = false;
 };
 

@@ -111,10 +111,12 @@ void Launcher::launchAllNow(const QStringList &paths)
         launchItem(path, Origin::User);
 }
 
-QStringList Launcher::abandon()
+QStringList Launcher::abandon(std::function<void()> stopped)
 {
     if (m_scriptRunning)
-        m_scripts.stop();
+        m_scripts.stop(std::move(stopped));
+    else
+        stopped();
     m_scriptRunning = false;
     QStringList waiting;
     for (const Pending &pending : std::as_const(m_waiting))

@@ -36,8 +36,9 @@ public:
     // Exactly "applescript" or "scpt", case and all.
     static bool isScriptPath(const QString &path);
 
-    // At quit: ends a running script and forgets the launches waiting behind it; the paths that waited.
-    QStringList abandon();
+    // At quit: ends a running script (stopped is called once it is gone) and forgets the launches
+    // waiting behind it; the paths that waited.
+    QStringList abandon(std::function<void()> stopped = [] {});
     // The schedule was stopped: what its timers queued and has not started yet is dropped.
     void dropScheduled();
     bool isIdle() const { return !m_scriptRunning && m_waiting.isEmpty(); }

@@ -52,8 +52,9 @@ public:
     virtual ~ScriptRunner() = default;
     // done is called once, when the script has ended or could not start.
     virtual void start(const QString &path, Done done) = 0;
-    // At quit: end a script that is still running; done is not called for it.
-    virtual void stop() {}
+    // At quit: ends a script that is still running (its done is not called) and calls stopped once
+    // it is gone, from the event loop; never waits on it.
+    virtual void stop(std::function<void()> stopped) { stopped(); }
     // For the scripts started from now on: how long one may run before it is ended (as quitting
     // ends it) and reported as failed; zero for no limit.
     virtual void setTimeLimit(std::chrono::seconds limit) { Q_UNUSED(limit); }

@@ -5,6 +5,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 
 namespace Quillon {
 
@@ -20,12 +21,12 @@ public:
     virtual void selectFile(const QString &path) = 0;
     virtual QIcon iconForFile(const QString &path) = 0;
     virtual bool openUrl(const QUrl &url) = 0;
-    // At quit: let the openings already asked for start, for at most limit; returns how many
-    // were dropped.
-    virtual int finishOpenings(std::chrono::milliseconds limit)
+    // At quit: lets the openings already asked for start, for at most limit, then drops those not
+    // begun; done gets how many were dropped, from the event loop, once none is under way.
+    virtual void finishOpenings(std::chrono::milliseconds limit, std::function<void(int dropped)> done)
     {
         Q_UNUSED(limit);
-        return 0;
+        done(0);
     }
 };
 

@@ -21,11 +21,12 @@ public:
         }
         done(outcomes.value(path));
     }
-    void stop() override
+    void stop(std::function<void()> done) override
     {
         if (m_running.second)
             stopped << m_running.first;
         m_running = {};
+        done();
     }
     bool isRunning() const { return bool(m_running.second); }
     void finishRunning()

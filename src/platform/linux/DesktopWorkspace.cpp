@@ -5,7 +5,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <sys/wait.h>
 
@@ -188,41 +190,44 @@ DesktopWorkspace::DesktopWorkspace()
     m_opener.setExpiryTimeout(-1);
 }
 
-DesktopWorkspace::~DesktopWorkspace()
-{
-    waitForOpenings();
-}
+DesktopWorkspace::~DesktopWorkspace() = default; // the pool's own end waits for the opening under way
 
 void DesktopWorkspace::inBackground(std::function<QString()> job)
 {
-    ++m_queued;
+    ++m_pending;
     m_opener.start([this, job = std::move(job)] {
-        --m_queued;
+        if (m_dropping) {
+            ++m_dropped;
+            --m_pending;
+            return;
+        }
         QString error = job();
         // A start can fail for a passing reason (no free process slot, a descriptor short).
         if (!error.isEmpty())
             error = job();
         if (!error.isEmpty())
             QMetaObject::invokeMethod(&m_logContext, [error] { systemLog(error); }, Qt::QueuedConnection);
+        --m_pending;
     });
 }
 
-void DesktopWorkspace::waitForOpenings()
+void DesktopWorkspace::finishOpenings(std::chrono::milliseconds limit, std::function<void(int dropped)> done)
 {
-    m_opener.waitForDone();
-}
-
-int DesktopWorkspace::finishOpenings(std::chrono::milliseconds limit)
-{
-    if (m_opener.waitForDone(int(limit.count())))
-        return 0;
-    // What has not begun by now is dropped; the one under way is let finish.
-    m_opener.clear();
-    const int dropped = m_queued.exchange(0);
-    m_opener.waitForDone();
-    if (dropped > 0)
-        systemLog(QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped));
-    return dropped;
+    // Watched from the event loop, never waited on: the loop goes on serving the session meanwhile.
+    auto *watch = new QTimer(&m_logContext);
+    const QDeadlineTimer deadline(limit);
+    QObject::connect(watch, &QTimer::timeout, &m_logContext, [this, watch, deadline, done = std::move(done)] {
+        if (deadline.hasExpired())
+            m_dropping = true;
+        if (m_pending > 0)
+            return;
+        watch->deleteLater();
+        const int dropped = m_dropped.exchange(0);
+        if (dropped > 0)
+            systemLog(QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped));
+        done(dropped);
+    });
+    watch->start(10);
 }
 
 bool DesktopWorkspace::openFile(const QString &path)

@@ -54,10 +54,10 @@ public:
     QIcon iconForFile(const QString &path) override;
     bool openUrl(const QUrl &url) override;
 
-    int finishOpenings(std::chrono::milliseconds limit) override;
+    void finishOpenings(std::chrono::milliseconds limit, std::function<void(int dropped)> done) override;
 
-    // Waits until every queued opening has been started; for tests and benchmarks.
-    void waitForOpenings();
+    // Whether an opening is queued or under way.
+    bool isBusy() const { return m_pending > 0; }
     int unreapedChildren() const { return m_reaper.pending(); }
 
 private:
@@ -66,7 +66,11 @@ private:
 
     QMimeDatabase m_mimes;
     ChildReaper m_reaper;
-    std::atomic<int> m_queued = 0;
+    // Openings asked for and not over yet; while dropping, those that come to their turn are
+    // counted instead of run.
+    std::atomic<int> m_pending = 0;
+    std::atomic<bool> m_dropping = false;
+    std::atomic<int> m_dropped = 0;
     // Failures found on the opener thread are logged from the event loop through this.
     QObject m_logContext;
     QThreadPool m_opener;

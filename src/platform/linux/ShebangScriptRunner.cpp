@@ -47,7 +47,9 @@ ShebangScriptRunner::ShebangScriptRunner(QObject *parent)
 
 ShebangScriptRunner::~ShebangScriptRunner()
 {
-    stop();
+    // Too late to wait for it: what it started goes with it.
+    if (m_process && m_process->processId() > 0)
+        ::kill(-pid_t(m_process->processId()), SIGKILL);
 }
 
 void ShebangScriptRunner::start(const QString &path, Done done)
@@ -133,23 +135,28 @@ void ShebangScriptRunner::finish(bool succeeded)
         done(outcome);
 }
 
-void ShebangScriptRunner::stop()
+void ShebangScriptRunner::stop(std::function<void()> stopped)
 {
-    if (!m_process)
+    if (!m_process) {
+        QTimer::singleShot(0, this, [stopped = std::move(stopped)] { stopped(); });
         return;
+    }
     QProcess *process = std::exchange(m_process, nullptr);
     m_done = {};
     process->disconnect(this);
     const pid_t group = pid_t(process->processId());
+    const QString path = m_path;
+    // Ended the way quitting ends it: SIGTERM to its whole group, SIGKILL if it is still there
+    // after the grace time; the event loop goes on meanwhile.
+    connect(process, &QProcess::finished, this, [process, path, stopped = std::move(stopped)] {
+        systemLog(QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(path));
+        process->deleteLater();
+        stopped();
+    });
     if (group > 0) {
         ::kill(-group, SIGTERM);
-        if (!process->waitForFinished(StopGraceMSecs)) {
-            ::kill(-group, SIGKILL);
-            process->waitForFinished(1000);
-        }
+        QTimer::singleShot(StopGraceMSecs, process, [group] { ::kill(-group, SIGKILL); });
     }
-    systemLog(QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(m_path));
-    delete process;
 }
 
 } // namespace Quillon

@@ -23,7 +23,7 @@ public:
     ~ShebangScriptRunner() override;
 
     void start(const QString &path, Done done) override;
-    void stop() override;
+    void stop(std::function<void()> stopped) override;
     void setTimeLimit(std::chrono::seconds limit) override { m_limit = limit; }
     bool isRunning() const { return m_process != nullptr; }
 
