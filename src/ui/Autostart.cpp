@@ -6,6 +6,8 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace Quillon::Autostart {
 
 QString entryPath()
@@ -16,6 +18,25 @@ QString entryPath()
 bool isEnabled()
 {
     return QFile::exists(entryPath());
+}
+
+QByteArray execLine(const QString &program)
+{
+    QByteArray arg = QFile::encodeName(program);
+    static const QByteArray reserved = " \t\n\"'\\><~|&;$*?#()`";
+    if (std::any_of(arg.begin(), arg.end(), [](char c) { return reserved.contains(c); })) {
+        QByteArray quoted = "\"";
+        for (const char c : std::as_const(arg)) {
+            if (c == '"' || c == '`' || c == '$' || c == '\\')
+                quoted += '\\';
+            quoted += c;
+        }
+        arg = quoted + '"';
+    }
+    // The value is a string of the entry as well: its own escapes come on top; % starts a field code.
+    arg.replace("\\", "\\\\");
+    arg.replace("%", "%%");
+    return arg + " --autostart";
 }
 
 bool setEnabled(bool enabled)
@@ -31,7 +52,7 @@ bool setEnabled(bool enabled)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     file.write("[Desktop Entry]\nType=Application\nName=Quillon\nComment=Open files, applications and scripts at the times you choose\n"
-               "Exec=" + QFile::encodeName(exec) + " --autostart\nIcon=" QUILLON_APP_ID "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+               "Exec=" + execLine(exec) + "\nIcon=" QUILLON_APP_ID "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
     return file.commit();
 }
 

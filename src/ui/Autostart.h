@@ -8,4 +8,6 @@ QString entryPath();
 bool isEnabled();
 // Writes or removes the entry; false when that failed.
 bool setEnabled(bool enabled);
+// The entry's Exec= value for starting program at login, quoted as the Desktop Entry spec asks.
+QByteArray execLine(const QString &program);
 } // namespace Quillon::Autostart

@@ -306,7 +306,14 @@ void MainWindow::buildMenus()
     undo->setShortcut(QKeySequence::Undo);
     QAction *redo = m_undo->createRedoAction(this, tr("&Redo"));
     redo->setObjectName(QStringLiteral("redoAction"));
-    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence::Redo});
+    // Both keys, each once: where the theme's Redo already is Ctrl+Shift+Z (GNOME, KDE), listing
+    // it twice makes the shortcut ambiguous and neither key works.
+    QList<QKeySequence> redoKeys{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)};
+    for (const QKeySequence &key : QKeySequence::keyBindings(QKeySequence::Redo)) {
+        if (!redoKeys.contains(key))
+            redoKeys << key;
+    }
+    redo->setShortcuts(redoKeys);
     edit->addAction(undo);
     edit->addAction(redo);
     edit->addSeparator();

@@ -2,6 +2,7 @@
 #include "Autostart.h"
 #include "PreferencesDialog.h"
 #include "SettingsKeys.h"
+#include "TestSupport.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,6 +15,9 @@
 #include <QTemporaryDir>
 #include <QTabWidget>
 #include <QTest>
+
+#undef signals
+#include <gio/gdesktopappinfo.h>
 
 using namespace Quillon;
 
@@ -158,6 +162,39 @@ private Q_SLOTS:
         QVERIFY(entry.fileName().startsWith(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")) + QStringLiteral("/autostart/")));
         box->setChecked(false);
         QVERIFY(!QFile::exists(Autostart::entryPath()));
+    }
+
+    // GLib, which reads the entry at login, gets the program back whatever its path holds.
+    void autostartExecSurvivesOddPaths_data()
+    {
+        QTest::addColumn<QString>("program");
+        QTest::newRow("space") << "My Apps/quillon";
+        // No % here: GLib checks that the program exists before it expands %%, so it refuses any.
+        QTest::newRow("quote, dollar, backslash") << "a\"b$c\\d/quillon";
+    }
+    void autostartExecSurvivesOddPaths()
+    {
+        QFETCH(QString, program);
+        QTemporaryDir dir;
+        program = dir.filePath(program);
+        QVERIFY(Test::writeFile(program, "#!/bin/sh\n", true)); // GLib takes no entry whose program is missing
+        const QByteArray entry = "[Desktop Entry]\nType=Application\nName=Q\nExec=" + Autostart::execLine(program) + "\n";
+        GKeyFile *file = g_key_file_new();
+        QVERIFY(g_key_file_load_from_data(file, entry.constData(), size_t(entry.size()), G_KEY_FILE_NONE, nullptr));
+        GDesktopAppInfo *info = g_desktop_app_info_new_from_keyfile(file);
+        g_key_file_unref(file);
+        QVERIFY2(info, entry.constData());
+        gchar *exec = g_desktop_app_info_get_string(info, "Exec");
+        gchar **argv = nullptr;
+        // As GLib starts it: the string unescaped, field codes expanded, then split as by a shell.
+        QByteArray command(exec);
+        command.replace("%%", "%");
+        QVERIFY(g_shell_parse_argv(command.constData(), nullptr, &argv, nullptr));
+        QCOMPARE(QString::fromUtf8(argv[0]), program);
+        QCOMPARE(QString::fromUtf8(argv[1]), QStringLiteral("--autostart"));
+        g_strfreev(argv);
+        g_free(exec);
+        g_object_unref(info);
     }
 
 private:
