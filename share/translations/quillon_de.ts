@@ -135,7 +135,7 @@
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="186"/>
         <source>&amp;Add…</source>
-        <translation>&amp;Hinzufügen …</translation>
+        <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="186"/>
@@ -197,7 +197,7 @@
         <location filename="../../src/ui/MainWindow.cpp" line="196"/>
         <location filename="../../src/ui/MainWindow.cpp" line="470"/>
         <source>&amp;Date &amp;&amp; Time…</source>
-        <translation>&amp;Datum &amp;&amp; Uhrzeit …</translation>
+        <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="196"/>

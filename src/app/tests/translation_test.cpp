@@ -1,11 +1,17 @@
+#include "FakeClock.h"
+#include "FakeWorkspace.h"
 #include "MailSettings.h"
+#include "MainWindow.h"
+#include "Schedule.h"
 #include "Preferences.h"
 #include "PreferencesDialog.h"
 #include "Texts.h"
 #include "Translations.h"
 #include "TestSupport.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
 
@@ -15,11 +21,42 @@ using namespace Quillon;
 class TranslationTest : public QObject
 {
     Q_OBJECT
+    // Alt+letter of each menu title and each button of the list window: none may be claimed twice,
+    // or Alt cannot open that menu.
+    static void acceleratorsAreUnique()
+    {
+        TestSettings settings;
+        Preferences preferences;
+        FakeClock clock;
+        Schedule schedule(preferences, clock);
+        FakeWorkspace workspace;
+        MainWindow window(schedule, preferences, workspace);
+        QStringList texts;
+        for (const QAction *menu : window.menuBar()->actions())
+            texts << menu->text();
+        for (const QAbstractButton *button : window.findChildren<QAbstractButton *>())
+            texts << button->text();
+        QHash<QChar, QString> claimed;
+        for (const QString &text : std::as_const(texts)) {
+            const QString plain = QString(text).replace(QLatin1String("&&"), QLatin1String(""));
+            const qsizetype amp = plain.indexOf(QLatin1Char('&'));
+            if (amp < 0 || amp + 1 >= plain.size())
+                continue;
+            const QChar key = plain.at(amp + 1).toLower();
+            QVERIFY2(!claimed.contains(key), qPrintable(QStringLiteral("Alt+%1: %2 and %3").arg(key, claimed.value(key), text)));
+            claimed.insert(key, text);
+        }
+        QVERIFY(claimed.size() >= 6);
+    }
+
 private Q_SLOTS:
+    void englishAcceleratorsAreUnique() { acceleratorsAreUnique(); }
+
     void germanIsLoadedForAGermanUser()
     {
         QCOMPARE(QLocale().language(), QLocale::German);
         installTranslations(*qApp);
+        acceleratorsAreUnique();
         TestSettings settings;
         Preferences preferences;
         try {
