@@ -63,6 +63,9 @@ PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, 
     , m_password(password)
 {
     setObjectName(QStringLiteral("preferencesWindow"));
+    m_writeTimer.setSingleShot(true);
+    m_writeTimer.setInterval(400);
+    connect(&m_writeTimer, &QTimer::timeout, this, &PreferencesDialog::writePending);
     setWindowTitle(tr("Quillon Preferences"));
     auto *tabs = new QTabWidget(this);
     tabs->addTab(buildGeneralPage(), tr("General"));
@@ -72,6 +75,37 @@ PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
     layout->addWidget(buttons);
+}
+
+PreferencesDialog::~PreferencesDialog()
+{
+    writePending();
+}
+
+// Each write of the settings file costs two syncs to the disk; holding an arrow on a spin box
+// would make hundreds. Steps are written together once they stop, and always when the window goes.
+void PreferencesDialog::writeSoon(QLatin1StringView key, const QVariant &value)
+{
+    m_pending.insert(QString(key), value);
+    m_writeTimer.start();
+}
+
+void PreferencesDialog::writePending()
+{
+    m_writeTimer.stop();
+    if (m_pending.isEmpty())
+        return;
+    QList<std::pair<QAnyStringView, QVariant>> values;
+    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it)
+        values.append({it.key(), it.value()});
+    m_preferences.setValues(values);
+    m_pending.clear();
+}
+
+void PreferencesDialog::hideEvent(QHideEvent *event)
+{
+    writePending();
+    QDialog::hideEvent(event);
 }
 
 QWidget *PreferencesDialog::buildGeneralPage()
@@ -94,7 +128,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     count->setSpecialValueText(tr("Never"));
     count->setValue(p.intValue(Keys::RepeatSeconds));
     count->setAccessibleName(tr("Repeat every"));
-    connect(count, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::RepeatSeconds, v); });
+    connect(count, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::RepeatSeconds, v); });
     repeatRow->addWidget(count);
     QComboBox *unit = choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page);
     repeatRow->addWidget(unit);
@@ -180,7 +214,7 @@ QWidget *PreferencesDialog::buildMailPage()
     port->setRange(0, MailSettings::HighestPort);
     port->setSpecialValueText(tr("Not set"));
     port->setValue(p.intValue(Keys::ServerPort));
-    connect(port, &QSpinBox::valueChanged, page, [&p](int v) { p.setValue(Keys::ServerPort, v); });
+    connect(port, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::ServerPort, v); });
     server->addRow(tr("Port:"), port);
     QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group);
     server->addRow(secure);

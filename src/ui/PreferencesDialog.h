@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QHash>
+#include <QTimer>
+#include <QVariant>
 
 class QLabel;
 class QLineEdit;
@@ -17,17 +20,26 @@ class PreferencesDialog final : public QDialog
 public:
     // password: where the mail password is kept; none: the settings file.
     explicit PreferencesDialog(Preferences &preferences, QWidget *parent = nullptr, MailPassword *password = nullptr);
+    ~PreferencesDialog() override;
+    // Writes the steps of a spin box not written yet.
+    void writePending();
 
 Q_SIGNALS:
     void testEmailRequested();
 
+protected:
+    void hideEvent(QHideEvent *event) override;
+
 private:
+    void writeSoon(QLatin1StringView key, const QVariant &value);
     QWidget *buildGeneralPage();
     QWidget *buildMailPage();
     QLineEdit *recipientControl(QWidget *page);
     Preferences &m_preferences;
     MailPassword *m_password;
     QLabel *m_addressProblem = nullptr;
+    QTimer m_writeTimer;
+    QHash<QString, QVariant> m_pending;
 };
 
 } // namespace Quillon

@@ -16,6 +16,8 @@
 #include <QTabWidget>
 #include <QTest>
 
+#include <sys/stat.h>
+
 #undef signals
 #include <gio/gdesktopappinfo.h>
 
@@ -62,6 +64,7 @@ private Q_SLOTS:
         password->setText(QStringLiteral("s3cret"));
         Q_EMIT password->editingFinished();
         QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
+        dialog.writePending();
 
         QSettings file(m_prefs->fileName(), QSettings::IniFormat);
         QCOMPARE(file.value(QStringLiteral("rememberItems")).toString(), QStringLiteral("false"));
@@ -74,6 +77,24 @@ private Q_SLOTS:
         QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
         QCOMPARE(test.count(), 1);
         QVERIFY(!m_prefs->rememberItems());
+    }
+
+    // Holding an arrow on a spin box is hundreds of steps: written once they stop, not at each.
+    void spinBoxStepsAreWrittenTogether()
+    {
+        m_prefs->setValue(Keys::ServerPort, 1);
+        const auto inode = [this] {
+            struct stat st{};
+            ::stat(QFile::encodeName(m_prefs->fileName()).constData(), &st);
+            return st.st_ino;
+        };
+        const auto before = inode();
+        PreferencesDialog dialog(*m_prefs);
+        auto *port = control<QSpinBox>(dialog, Keys::ServerPort);
+        for (int i = 0; i < 300; ++i)
+            port->stepUp();
+        QCOMPARE(inode(), before); // each save renames a new file into place
+        QTRY_COMPARE(m_prefs->intValue(Keys::ServerPort), 301);
     }
 
     // Enter in a mail field must not send a test mail, and the port stops where the getter does.
@@ -146,6 +167,7 @@ private Q_SLOTS:
         unit->setCurrentIndex(3);
         unit->activated(3);
         QCOMPARE(count->value(), 49'710);
+        dialog.writePending();
         QCOMPARE(m_prefs->intValue(Keys::RepeatSeconds), 49'710);
     }
 
