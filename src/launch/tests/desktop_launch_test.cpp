@@ -318,6 +318,32 @@ private Q_SLOTS:
         QTRY_COMPARE(zombieChildren(), 0);
     }
 
+    // While a launched program lives, the thread that reaps it sleeps: it wakes when the child
+    // ends, not ten times a second to ask.
+    void reaperSleepsWhileAProgramRuns()
+    {
+        const QString exe = m_home.filePath(QStringLiteral("tools/lingering"));
+        QVERIFY(Test::writeFile(exe, "#!/bin/sh\nsleep 3\necho ended >> '" + m_marker.toUtf8() + "'\n", true));
+        QVERIFY(m_workspace.openFile(exe));
+        QTRY_COMPARE(m_workspace.unreapedChildren(), 1);
+        QString reaper;
+        for (const QString &tid : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            if (readFile(QStringLiteral("/proc/self/task/%1/comm").arg(tid)).trimmed() == QLatin1String("quillon-reaper"))
+                reaper = QStringLiteral("/proc/self/task/%1/status").arg(tid);
+        }
+        QVERIFY(!reaper.isEmpty());
+        const auto wakeUps = [&reaper] {
+            const QString status = readFile(reaper);
+            const qsizetype at = status.indexOf(QLatin1String("voluntary_ctxt_switches:"));
+            return status.mid(at + 24).section(QLatin1Char('\n'), 0, 0).trimmed().toInt();
+        };
+        const int before = wakeUps();
+        QTest::qWait(1000);
+        QVERIFY2(wakeUps() - before <= 1, qPrintable(QString::number(wakeUps() - before)));
+        QTRY_COMPARE_WITH_TIMEOUT(m_workspace.unreapedChildren(), 0, 10'000);
+        QCOMPARE(zombieChildren(), 0);
+    }
+
     void quittingDropsWhatHasNotStartedAndSaysHowMuch()
     {
         const QString exe = m_home.filePath(QStringLiteral("tools/tock"));

@@ -9,7 +9,12 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <sys/eventfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <poll.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #undef signals
 #include <gio/gdesktopappinfo.h>
@@ -141,7 +146,8 @@ bool isProgramByContent(const QString &path)
 } // namespace
 
 ChildReaper::ChildReaper()
-    : m_thread([this] { run(); })
+    : m_wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_thread([this] { run(); })
 {
 }
 
@@ -151,17 +157,31 @@ ChildReaper::~ChildReaper()
         const std::lock_guard lock(m_mutex);
         m_stopping = true;
     }
-    m_wake.notify_one();
+    wake();
     m_thread.join();
+    for (const Child &child : m_children) {
+        if (child.fd >= 0)
+            ::close(child.fd);
+    }
+    ::close(m_wakeFd);
+}
+
+void ChildReaper::wake()
+{
+    const quint64 one = 1;
+    (void)::write(m_wakeFd, &one, sizeof one);
 }
 
 void ChildReaper::add(pid_t pid)
 {
+    // A pidfd becomes readable when its child ends (also when it ended already), so the thread
+    // can sleep until then instead of polling.
+    const int fd = int(::syscall(SYS_pidfd_open, pid, 0));
     {
         const std::lock_guard lock(m_mutex);
-        m_children.push_back(pid);
+        m_children.push_back({pid, fd});
     }
-    m_wake.notify_one();
+    wake();
 }
 
 int ChildReaper::pending() const
@@ -170,17 +190,33 @@ int ChildReaper::pending() const
     return int(m_children.size());
 }
 
-// Polls only the children it was given: a waitpid(-1) would steal QProcess's children too.
+// Waits only for the children it was given: a waitpid(-1) would steal QProcess's children too.
 void ChildReaper::run()
 {
+    ::pthread_setname_np(::pthread_self(), "quillon-reaper");
+    std::vector<pollfd> watched;
     std::unique_lock lock(m_mutex);
     while (!m_stopping) {
-        if (m_children.empty()) {
-            m_wake.wait(lock);
-            continue;
+        watched.assign(1, pollfd{m_wakeFd, POLLIN, 0});
+        bool withoutFd = false; // a kernel without pidfds: those children are looked at now and then
+        for (const Child &child : m_children) {
+            if (child.fd >= 0)
+                watched.push_back({child.fd, POLLIN, 0});
+            else
+                withoutFd = true;
         }
-        std::erase_if(m_children, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
-        m_wake.wait_for(lock, std::chrono::milliseconds(100));
+        lock.unlock();
+        ::poll(watched.data(), nfds_t(watched.size()), withoutFd ? 100 : -1);
+        quint64 count = 0;
+        (void)::read(m_wakeFd, &count, sizeof count);
+        lock.lock();
+        std::erase_if(m_children, [](const Child &child) {
+            if (::waitpid(child.pid, nullptr, WNOHANG) == 0)
+                return false;
+            if (child.fd >= 0)
+                ::close(child.fd);
+            return true;
+        });
     }
 }
 

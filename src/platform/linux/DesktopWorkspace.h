@@ -7,7 +7,6 @@
 #include <QThreadPool>
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -18,7 +17,8 @@
 namespace Quillon {
 
 // Reaps the programs we start, on a thread of its own, so that a busy event loop neither
-// leaves zombies behind nor runs the process out of descriptors.
+// leaves zombies behind nor runs the process out of descriptors. The thread sleeps until a child
+// ends or a new one is handed to it.
 class ChildReaper final
 {
     Q_DISABLE_COPY_MOVE(ChildReaper)
@@ -29,12 +29,18 @@ public:
     int pending() const;
 
 private:
+    struct Child
+    {
+        pid_t pid;
+        int fd; // its pidfd; -1 where the kernel has none
+    };
     void run();
+    void wake();
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::vector<pid_t> m_children;
+    std::vector<Child> m_children;
     bool m_stopping = false;
+    int m_wakeFd;
     std::thread m_thread;
 };
 
