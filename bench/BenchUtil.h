@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QList>
+#include <QObject>
+#include <QTimer>
 #include <QString>
 
 #include <algorithm>
@@ -38,3 +40,31 @@ inline void printSpread(const char *label, QList<qint64> values)
     std::printf("%s: n=%lld median=%.3f ms p99=%.3f ms max=%.3f ms\n", label, (long long)values.size(), pick(0.5) / 1e6, pick(0.99) / 1e6,
                 values.last() / 1e6);
 }
+
+// The longest the event loop goes without a turn, seen by a 1 ms precise timer.
+class LoopBlockMeter
+{
+public:
+    LoopBlockMeter()
+    {
+        m_tick.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_tick, &QTimer::timeout, [this] {
+            const qint64 now = monotonicNs();
+            m_longest = std::max(m_longest, now - m_last);
+            m_last = now;
+        });
+    }
+    void start()
+    {
+        m_longest = 0;
+        m_last = monotonicNs();
+        m_tick.start(1);
+    }
+    void stop() { m_tick.stop(); }
+    double longestMs() const { return double(m_longest) / 1e6; }
+
+private:
+    QTimer m_tick;
+    qint64 m_last = 0;
+    qint64 m_longest = 0;
+};

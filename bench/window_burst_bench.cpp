@@ -64,23 +64,15 @@ int main(int argc, char *argv[])
         controller.schedule().setDate(rows, QDateTime::fromMSecsSinceEpoch(dueMSecs));
         controller.schedule().startTimers(false);
 
-        qint64 last = monotonicNs();
-        qint64 longest = 0;
-        QTimer tick;
-        tick.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&tick, &QTimer::timeout, [&] {
-            const qint64 now = monotonicNs();
-            longest = std::max(longest, now - last);
-            last = now;
-        });
-        tick.start(1);
+        LoopBlockMeter meter;
+        meter.start();
         while (launched < Items && QDateTime::currentMSecsSinceEpoch() < dueMSecs + 120'000)
             QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
         // The window's own updates of the burst come on the following turns.
         const qint64 settle = monotonicNs();
         while (monotonicNs() - settle < 500'000'000)
             QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-        longestMs = longest / 1e6;
+        longestMs = meter.longestMs();
         std::fprintf(stderr, "burst over; waiting for the openings\n");
         while (workspace.isBusy())
             QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
