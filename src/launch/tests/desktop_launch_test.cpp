@@ -303,21 +303,6 @@ private Q_SLOTS:
         QCOMPARE(loggedFrom, eventLoopThread);
     }
 
-    void noZombiesAreLeft()
-    {
-        const QString exe = m_home.filePath(QStringLiteral("tools/quick"));
-        QVERIFY(Test::writeFile(exe, "#!/bin/sh\necho done >> '" + m_marker.toUtf8() + "'\n", true));
-        const QString item = m_home.filePath(QStringLiteral("apps/quick.desktop"));
-        QVERIFY(Test::writeFile(item, "[Desktop Entry]\nType=Application\nName=Quick\nExec=/bin/sh -c \"echo done >> " + m_marker.toUtf8() + "\"\n"));
-        const QString doc = m_home.filePath(QStringLiteral("docs/z.txt"));
-        QVERIFY(Test::writeFile(doc, "z"));
-        for (int i = 0; i < 5; ++i)
-            m_launcher->launchAllNow({exe, item, doc});
-        QTRY_COMPARE(readFile(m_marker).count(QLatin1Char('\n')), 15);
-        QTest::qWait(300);
-        QTRY_COMPARE(zombieChildren(), 0);
-    }
-
     // While a launched program lives, the thread that reaps it sleeps: it wakes when the child
     // ends, not ten times a second to ask.
     void reaperSleepsWhileAProgramRuns()

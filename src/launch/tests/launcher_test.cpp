@@ -40,11 +40,7 @@ private Q_SLOTS:
         QTest::newRow("scpt") << "/s/report.scpt" << true;
         QTest::newRow("applescript") << "/s/a.applescript" << true;
         QTest::newRow("upper-case SCPT is a document") << "/s/report.SCPT" << false;
-        QTest::newRow("AppleScript is a document") << "/s/a.AppleScript" << false;
-        QTest::newRow("scptd is a document") << "/s/a.scptd" << false;
-        QTest::newRow("no extension") << "/s/README" << false;
         QTest::newRow("dot in a folder name only") << "/s/x.scpt/run" << false;
-        QTest::newRow("application bundle") << "/Apps/Tool.app" << false;
         QTest::newRow("two extensions, last counts") << "/s/a.scpt.txt" << false;
     }
     void scriptOrDocument()

@@ -13,19 +13,12 @@ private Q_SLOTS:
         QTest::addColumn<quint32>("seconds");
         QTest::addColumn<QString>("expected");
         QTest::newRow("zero") << 0u << "0 secs";
-        QTest::newRow("one") << 1u << "1 sec ";
         QTest::newRow("59") << 59u << "59 secs ";
         QTest::newRow("60") << 60u << "1 min ";
         QTest::newRow("61") << 61u << "1 min 1 sec ";
-        QTest::newRow("119") << 119u << "1 min 59 secs ";
         QTest::newRow("120") << 120u << "2 mins ";
-        QTest::newRow("3599") << 3599u << "59 mins 59 secs ";
         QTest::newRow("3600") << 3600u << "1 hr ";
-        QTest::newRow("3601") << 3601u << "1 hr 1 sec ";
         QTest::newRow("3725") << 3725u << "1 hr 2 mins 5 secs ";
-        QTest::newRow("7199") << 7199u << "1 hr 59 mins 59 secs ";
-        QTest::newRow("7200") << 7200u << "2 hrs ";
-        QTest::newRow("no days") << 90061u << "25 hrs 1 min 1 sec ";
         QTest::newRow("largest") << 4294967295u << "1193046 hrs 28 mins 15 secs ";
     }
     void text()

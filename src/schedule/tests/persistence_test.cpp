@@ -200,18 +200,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<int>("items");
-        QTest::addColumn<bool>("running");
-        QTest::newRow("Items a number") << QByteArray("Items=42\nTimersRunning=false\n") << 0 << false;
-        QTest::newRow("Items one path is a list of one") << QByteArray("Items=/etc/hostname\n") << 1 << false;
-        QTest::newRow("Items holds an empty entry") << QByteArray("Items=@ByteArray(), /etc/hostname\n") << 1 << false;
-        QTest::newRow("TimersRunning text true") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=true\n") << 2 << false;
-        QTest::newRow("TimersRunning a list") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=1, 2\n") << 2 << false;
+        QTest::newRow("Items a number") << QByteArray("Items=42\nTimersRunning=false\n") << 0;
+        QTest::newRow("Items one path is a list of one") << QByteArray("Items=/etc/hostname\n") << 1;
+        QTest::newRow("Items holds an empty entry") << QByteArray("Items=@ByteArray(), /etc/hostname\n") << 1;
+        QTest::newRow("TimersRunning text true") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=true\n") << 2;
+        QTest::newRow("TimersRunning a list") << QByteArray("Items=/etc/hostname, /etc/passwd\nTimersRunning=1, 2\n") << 2;
     }
     void wrongTypesDoNotCrash()
     {
         QFETCH(QByteArray, ini);
         QFETCH(int, items);
-        QFETCH(bool, running);
         m_settings->writeRaw("[General]\n" + ini);
         m_prefs->synchronize();
         auto s = makeSchedule();
@@ -219,7 +217,7 @@ private Q_SLOTS:
         s->restoreItems();
         QCOMPARE(s->count(), items);
         // Every restored date is now, so nothing can run, and a restore never alerts.
-        QCOMPARE(s->timersRunning(), running);
+        QVERIFY(!s->timersRunning());
         QCOMPARE(alerts.count(), 0);
     }
 

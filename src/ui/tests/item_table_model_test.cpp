@@ -49,10 +49,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("iconPath");
         QTest::newRow("plain file") << "/home/me/a.txt" << "/home/me/a.txt";
-        QTest::newRow("inside a bundle") << "/Applications/Tool.app/Contents/MacOS/Tool" << "/Applications/Tool.app";
-        QTest::newRow("case ignored") << "/Applications/Tool.app/contents/Resources/x.png" << "/Applications/Tool.app";
         QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x" << "/A.app";
-        QTest::newRow("starts with /Contents/") << "/Contents/x" << "";
     }
     void iconPath()
     {
