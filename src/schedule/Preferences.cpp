@@ -115,6 +115,7 @@ bool Preferences::lockIsFree() const
     const QString lockName = m_settings.fileName() + QStringLiteral(".lock");
     setAsideIfNotRegular(lockName);
     QLockFile probe(lockName);
+    probe.setStaleLockTime(0); // a lock whose process is gone is stale whatever its age
     if (probe.tryLock(3000))
         return true;
     if (probe.error() != QLockFile::LockFailedError)

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <csignal>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -148,14 +149,27 @@ void ShebangScriptRunner::stop(std::function<void()> stopped)
     const QString path = m_path;
     // Ended the way quitting ends it: SIGTERM to its whole group, SIGKILL if it is still there
     // after the grace time; the event loop goes on meanwhile.
-    connect(process, &QProcess::finished, this, [process, path, stopped = std::move(stopped)] {
+    auto ended = std::make_shared<std::function<void()>>([process, path, stopped = std::move(stopped)] {
         systemLog(QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(path));
         process->deleteLater();
         stopped();
     });
-    if (group > 0) {
+    const auto once = [ended] {
+        if (const auto call = std::exchange(*ended, {}))
+            call();
+    };
+    connect(process, &QProcess::finished, this, once);
+    connect(process, &QProcess::errorOccurred, this, [once](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            once();
+    });
+    if (process->state() == QProcess::NotRunning) {
+        QTimer::singleShot(0, this, once);
+    } else if (group > 0) {
         ::kill(-group, SIGTERM);
         QTimer::singleShot(StopGraceMSecs, process, [group] { ::kill(-group, SIGKILL); });
+    } else {
+        process->kill(); // still starting: no group to signal yet
     }
 }
 
