@@ -2,6 +2,7 @@
 
 #include "ItemTableModel.h"
 #include "Log.h"
+#include "MailSettings.h"
 #include "MainWindow.h"
 #include "PowerService.h"
 #include "PreferencesDialog.h"
@@ -246,7 +247,7 @@ void QuillonController::openHelpURL()
     }
 }
 
-void QuillonController::sendMail(const QString &body, const QString &subject)
+SimpleSMTP *QuillonController::sendMail(const QString &body, const QString &subject)
 {
     // Owned as a child only so that it is freed; the delivery runs on its own until it is over.
     auto *delivery = new SimpleSMTP(this);
@@ -258,11 +259,21 @@ void QuillonController::sendMail(const QString &body, const QString &subject)
             QCoreApplication::exit(0);
     });
     delivery->sendMail(*this, body, subject);
+    return delivery;
 }
 
 void QuillonController::testEmail()
 {
-    sendMail(Texts::TestBody, Texts::TestSubject);
+    if (m_preferencesDialog)
+        m_preferencesDialog->showTestOutcome(tr("Sending…"));
+    SimpleSMTP *delivery = sendMail(Texts::TestBody, Texts::TestSubject);
+    // In time even for the guard's errors: those finish the delivery on the next turn.
+    connect(delivery, &SimpleSMTP::finished, this, [this, delivery] {
+        if (!m_preferencesDialog)
+            return;
+        m_preferencesDialog->showTestOutcome(delivery->wasSent() ? tr("Sent to %1").arg(MailSettings(m_preferences).getRecipientEmail())
+                                                                 : tr("Not sent: %1").arg(delivery->problem()));
+    });
 }
 
 void QuillonController::showPreferences()

@@ -65,7 +65,8 @@ public:
     void quitWhenIdle();
     void launchAllNow() { m_launcher.launchAllNow(m_schedule.paths()); }
     void doubleAction();
-    void sendMail(const QString &body, const QString &subject);
+    // The delivery runs on its own and is freed when it is over; the pointer is for watching it.
+    SimpleSMTP *sendMail(const QString &body, const QString &subject);
     void testEmail();
     void showPreferences();
     void showMainWindow();

@@ -73,6 +73,7 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         delete std::exchange(_smtp, nullptr);
         controller.doAlert(tr("An error occurred when sending email."), errorText(e));
         systemLog(errorText(e));
+        _problem = e.reason();
         QTimer::singleShot(0, this, &SimpleSMTP::finished);
     }
 }
@@ -158,12 +159,14 @@ void SimpleSMTP::authenticationCompleted()
 
 void SimpleSMTP::authenticationFailed()
 {
+    _problem = tr("the server refused the login");
     systemLog(QStringLiteral("Authentication failed! Closing the connection..."));
     _smtp->close();
 }
 
 void SimpleSMTP::messageSent()
 {
+    _sent = true;
     // The two lines of "Sent!\nClosing the connection.", each logged as a line of its own: a log
     // line never holds a line break, so that none can be forged.
     systemLog(QStringLiteral("Sent!"));
@@ -174,6 +177,7 @@ void SimpleSMTP::messageSent()
 void SimpleSMTP::messageNotSent()
 {
     const QByteArray response = _smtp->lastResponse();
+    _problem = tr("the server refused the message: %1").arg(QString::fromUtf8(response).trimmed());
     if (response.isEmpty()) {
         systemLog(QStringLiteral("Message not sent!"));
         return;
@@ -195,8 +199,13 @@ void SimpleSMTP::transactionResetCompleted()
 
 void SimpleSMTP::connectionTerminated()
 {
-    if (!_smtp->failure().isEmpty())
+    if (!_smtp->failure().isEmpty()) {
         systemLog(QStringLiteral("The mail session ended early: %1.").arg(_smtp->failure()));
+        if (_problem.isEmpty())
+            _problem = _smtp->failure();
+    }
+    if (!_sent && _problem.isEmpty())
+        _problem = tr("the session ended before the message was sent");
     systemLog(QStringLiteral("Connection closed."));
     _smtp->deleteLater();
     _smtp = nullptr;

@@ -35,6 +35,10 @@ public:
     // Returns at once; finished() tells when the delivery is over, whichever way.
     void sendMail(MailHost &controller, const QString &body, const QString &subject);
 
+    // Once finished(): whether the server took the message, and if not, why in plain words.
+    bool wasSent() const { return _sent; }
+    QString problem() const { return _problem; }
+
     // At quit: a session with nothing under way (the policy left it waiting) ends at once, and
     // so does one that comes to that point later; one that still works goes on.
     void closeWhenIdle();
@@ -60,6 +64,8 @@ private:
     MailHost *_controller = nullptr;
     bool _closeWhenIdle = false;
     bool _waitingForPassword = false;
+    bool _sent = false;
+    QString _problem;
 };
 
 } // namespace Quillon

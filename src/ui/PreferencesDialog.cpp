@@ -102,6 +102,11 @@ void PreferencesDialog::writePending()
     m_pending.clear();
 }
 
+void PreferencesDialog::showTestOutcome(const QString &text)
+{
+    m_testOutcome->setText(text);
+}
+
 void PreferencesDialog::hideEvent(QHideEvent *event)
 {
     writePending();
@@ -259,7 +264,12 @@ QWidget *PreferencesDialog::buildMailPage()
     // Enter in a mail field must not send a mail.
     test->setAutoDefault(false);
     connect(test, &QPushButton::clicked, this, &PreferencesDialog::testEmailRequested);
+    m_testOutcome = new QLabel(page);
+    m_testOutcome->setObjectName(QStringLiteral("testOutcome"));
+    m_testOutcome->setWordWrap(true);
+    m_testOutcome->setTextInteractionFlags(Qt::TextSelectableByMouse);
     form->addRow(test);
+    form->addRow(m_testOutcome);
     return page;
 }
 

@@ -23,6 +23,8 @@ public:
     ~PreferencesDialog() override;
     // Writes the steps of a spin box not written yet.
     void writePending();
+    // What became of "Send Test Message", shown next to the button.
+    void showTestOutcome(const QString &text);
 
 Q_SIGNALS:
     void testEmailRequested();
@@ -38,6 +40,7 @@ private:
     Preferences &m_preferences;
     MailPassword *m_password;
     QLabel *m_addressProblem = nullptr;
+    QLabel *m_testOutcome = nullptr;
     QTimer m_writeTimer;
     QHash<QString, QVariant> m_pending;
 };

@@ -3,6 +3,8 @@
 #include "FakeScriptRunner.h"
 #include "FakeWorkspace.h"
 #include "ItemTableModel.h"
+#include "MailTestSupport.h"
+#include "PreferencesDialog.h"
 #include "Log.h"
 #include "MainWindow.h"
 #include "QuillonController.h"
@@ -18,6 +20,7 @@
 #include <QTemporaryDir>
 #include <QLabel>
 #include <QMenu>
+#include <QTcpServer>
 #include <QTest>
 #include <QTimer>
 
@@ -215,6 +218,42 @@ private Q_SLOTS:
         QVERIFY(m_controller->schedule().timersRunning());
         m_clock->advance(1000);
         QCOMPARE(m_workspace.opened, QStringList{"/1"});
+    }
+
+    // "Send Test Message" says what became of it next to the button, against a real server and
+    // against a closed port.
+    void testMessageSaysWhatHappened_data()
+    {
+        QTest::addColumn<bool>("serverUp");
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("sent") << true << "Sent to ann@example.org";
+        QTest::newRow("connection refused") << false << "Not sent: Connection refused";
+    }
+    void testMessageSaysWhatHappened()
+    {
+        QFETCH(bool, serverUp);
+        QFETCH(QString, outcome);
+        QTemporaryDir certs;
+        MailTest::Server server;
+        int port = 0;
+        if (serverUp) {
+            QVERIFY(server.start(certs, {}));
+            port = server.port;
+        } else {
+            QTcpServer closed;
+            QVERIFY(closed.listen(QHostAddress::LocalHost));
+            port = closed.serverPort();
+        }
+        start();
+        m_controller->preferences().setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
+                                               {Keys::ServerPort, port}});
+        m_controller->showPreferences();
+        auto *dialog = m_controller->fileListWindow()->findChild<PreferencesDialog *>();
+        QVERIFY(dialog);
+        auto *label = dialog->findChild<QLabel *>(QStringLiteral("testOutcome"));
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
+        QCOMPARE(label->text(), QStringLiteral("Sending…"));
+        QTRY_VERIFY2_WITH_TIMEOUT(label->text().startsWith(outcome), qPrintable(label->text()), 15'000);
     }
 
     void sleepAsksForAWakeBeforeTheEarliestItem()
