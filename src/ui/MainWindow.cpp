@@ -100,6 +100,18 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
 
 MainWindow::~MainWindow() = default;
 
+// What a screen reader should say for a label: no accelerator marks ("&&" is a real "&"), no ellipsis.
+QString MainWindow::spokenText(const QString &text)
+{
+    QString spoken;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) == QLatin1Char('&') && i + 1 < text.size())
+            ++i;
+        spoken += text.at(i);
+    }
+    return spoken.remove(QStringLiteral("…")).trimmed();
+}
+
 void MainWindow::fitColumnsSoon()
 {
     if (std::exchange(m_fitQueued, true))
@@ -225,7 +237,7 @@ void MainWindow::buildControls()
         auto *b = new QPushButton(text, m_buttonRow);
         b->setObjectName(name);
         b->setToolTip(tip);
-        b->setAccessibleName(QString(text).remove(QLatin1Char('&')).remove(QStringLiteral("…")));
+        b->setAccessibleName(spokenText(text));
         connect(b, &QPushButton::clicked, this, slot);
         buttons->addWidget(b);
         return b;
@@ -362,12 +374,14 @@ void MainWindow::showRunningState(bool running)
         setTableColumnName(Texts::tr(Texts::TimeToLaunchTitle), QStringLiteral("File"));
         m_stopStartButton->setText(Texts::tr(Texts::Stop));
         m_stopStartButton->setToolTip(Texts::tr(Texts::StopToolTip));
+        m_stopStartButton->setAccessibleName(Texts::tr(Texts::Stop));
     } else {
         m_progress->setRange(0, 1);
         m_progress->setValue(0);
         setTableColumnName(Texts::tr(Texts::LocationTitle), QStringLiteral("File"));
         m_stopStartButton->setText(Texts::tr(Texts::Start));
         m_stopStartButton->setToolTip(Texts::tr(Texts::StartToolTip));
+        m_stopStartButton->setAccessibleName(Texts::tr(Texts::Start));
     }
     m_startStopAction->setText(running ? tr("&Stop") : tr("&Start"));
     m_clearButton->setEnabled(!running);

@@ -86,6 +86,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    static QString spokenText(const QString &text);
     void fitButtons();
     // Fits the launch time column to its text on the next turn, unless the user sized it.
     void fitColumnsSoon();

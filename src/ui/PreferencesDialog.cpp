@@ -136,6 +136,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     connect(count, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::RepeatSeconds, v); });
     repeatRow->addWidget(count);
     QComboBox *unit = choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page);
+    unit->setAccessibleName(tr("Repeat unit"));
     repeatRow->addWidget(unit);
     // The period is kept in 32 bits of seconds: 49,710 days at most.
     const auto limitCount = [count, unit] {
@@ -224,6 +225,8 @@ QWidget *PreferencesDialog::buildMailPage()
     QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group);
     server->addRow(secure);
     QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, group);
+    // Named by its label, not announced by the value it shows.
+    login->setAccessibleName(tr("Login"));
     server->addRow(tr("Login:"), login);
     QLineEdit *username = textControl(p, Keys::LoginUsername, group);
     server->addRow(tr("Username:"), username);

@@ -286,6 +286,7 @@ private Q_SLOTS:
         }
         for (auto *b : m_window->findChildren<QPushButton *>())
             QVERIFY2(!b->accessibleName().isEmpty(), qPrintable(b->objectName()));
+        QCOMPARE(m_window->findChild<QPushButton *>(QStringLiteral("dateTimeButton"))->accessibleName(), QStringLiteral("Date & Time"));
     }
 
     void pickedDateWithoutSelectionChangesNothing()
@@ -334,6 +335,7 @@ private Q_SLOTS:
         m_schedule->startStopButtonClicked();
         QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Stop"));
         QCOMPARE(m_window->stopStartButton()->toolTip(), QStringLiteral("Cancel the schedule."));
+        QCOMPARE(m_window->stopStartButton()->accessibleName(), QStringLiteral("Stop")); // what a screen reader says
         QVERIFY(!m_window->clearButton()->isEnabled());
         QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Time to Launch"));
         m_schedule->startStopButtonClicked();
