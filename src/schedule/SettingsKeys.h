@@ -13,6 +13,8 @@ inline constexpr QLatin1StringView AddFolderFilesRecursively("addFolderFilesRecu
 inline constexpr QLatin1StringView RepeatSeconds("repeatSeconds");
 inline constexpr QLatin1StringView TimeUnit("timeUnit");
 inline constexpr QLatin1StringView QuitWhenDone("quitWhenDone");
+// Whether Launch All Now asks first when it would open more than one item; absent: it asks.
+inline constexpr QLatin1StringView ConfirmLaunchAll("confirmLaunchAll");
 // Seconds a script may run before it is ended; absent: 600, 0: no limit.
 inline constexpr QLatin1StringView ScriptTimeLimit("scriptTimeLimitSeconds");
 inline constexpr QLatin1StringView SendEmail("sendEmail");

@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
 #include <QFileInfo>
@@ -21,6 +22,7 @@
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -99,6 +101,38 @@ MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &
 }
 
 MainWindow::~MainWindow() = default;
+
+// Launch All Now opens every item, runs every script and sends every notice at once, with no way
+// back: more than one item is asked about first, unless the user said not to.
+void MainWindow::launchAllClicked()
+{
+    const int count = m_schedule.count();
+    const auto launch = [this, count] {
+        Q_EMIT launchAllNowRequested();
+        statusBar()->showMessage(tr("Launch All Now opened %n item(s).", nullptr, count));
+    };
+    const bool ask = !m_preferences.contains(Keys::ConfirmLaunchAll) || m_preferences.boolValue(Keys::ConfirmLaunchAll);
+    if (count <= 1 || !ask) {
+        launch();
+        return;
+    }
+    auto *box = new QMessageBox(QMessageBox::Question, tr("Launch All Now"), tr("Open all %n items now?", nullptr, count), QMessageBox::Cancel, this);
+    box->setObjectName(QStringLiteral("confirmLaunchAll"));
+    box->setInformativeText(tr("Every item opens, every script runs and every notice is mailed, at once."));
+    QPushButton *openAll = box->addButton(tr("Open All"), QMessageBox::AcceptRole);
+    box->setDefaultButton(openAll);
+    box->setCheckBox(new QCheckBox(tr("Don't ask again"), box));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::buttonClicked, this, [this, box, openAll, launch](QAbstractButton *clicked) {
+        if (clicked != openAll)
+            return;
+        if (box->checkBox()->isChecked())
+            m_preferences.setValue(Keys::ConfirmLaunchAll, false);
+        launch();
+    });
+    // Never a nested event loop: the timers go on while it is asked.
+    box->open();
+}
 
 // What a screen reader should say for a label: no accelerator marks ("&&" is a real "&"), no ellipsis.
 QString MainWindow::spokenText(const QString &text)
@@ -251,7 +285,7 @@ void MainWindow::buildControls()
     QPushButton *invert = button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
     buttons->addStretch(1);
     QPushButton *launchAll = button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
-                                    [this] { Q_EMIT launchAllNowRequested(); });
+                                    &MainWindow::launchAllClicked);
     QPushButton *dateTime = button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."),
                                    &MainWindow::dateTimeClicked);
     // The first to go when the row is narrow.
@@ -306,7 +340,7 @@ void MainWindow::buildMenus()
     QMenu *file = menuBar()->addMenu(tr("&File"));
     QAction *add = file->addAction(tr("&Add Files and Folders…"), this, &MainWindow::browseButtonClicked);
     add->setShortcut(QKeySequence::Open);
-    file->addAction(tr("&Launch All Now"), this, [this] { Q_EMIT launchAllNowRequested(); });
+    file->addAction(tr("&Launch All Now"), this, &MainWindow::launchAllClicked);
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), this, [this] { Q_EMIT quitRequested(); });
     quit->setShortcut(QKeySequence::Quit);

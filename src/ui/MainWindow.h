@@ -50,6 +50,7 @@ public:
     bool useClockAndCalendar() const { return false; }
 
     void browseButtonClicked();
+    void launchAllClicked();
     void addChosenPaths(const QStringList &paths);
     void clearListButtonClicked();
     void removeSelectedRows();

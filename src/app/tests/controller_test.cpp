@@ -12,10 +12,12 @@
 #include "StatusImages.h"
 #include "TestSupport.h"
 
+#include <QCheckBox>
 #include <QDateTimeEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QLabel>
@@ -199,8 +201,19 @@ private Q_SLOTS:
         m_controller->schedule().startStopButtonClicked();
         const auto timers = m_controller->schedule().timers();
         const auto dates = m_controller->schedule().dates();
-        m_controller->launchAllNow();
+        // More than one item: asked first (real clicks, the question actually shown); told "don't
+        // ask again", the next click opens at once.
+        MainWindow *window = m_controller->fileListWindow();
+        QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("launchAllNowButton")), Qt::LeftButton);
+        auto *question = window->findChild<QMessageBox *>(QStringLiteral("confirmLaunchAll"));
+        QVERIFY(question && question->isVisible());
+        QVERIFY(m_workspace.opened.isEmpty());
+        question->checkBox()->setChecked(true);
+        QTest::mouseClick(question->defaultButton(), Qt::LeftButton);
         QCOMPARE(m_workspace.opened, (QStringList{"/1", "/2", "/3"}));
+        QVERIFY(window->statusBar()->currentMessage().contains(QLatin1String("3 item")));
+        QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("launchAllNowButton")), Qt::LeftButton);
+        QCOMPARE(m_workspace.opened.size(), 6);
         QCOMPARE(m_controller->schedule().timers(), timers);
         QCOMPARE(m_controller->schedule().dates(), dates);
         QCOMPARE(m_controller->schedule().timersRemaining(), 3);
