@@ -22,6 +22,9 @@ public:
     {
     }
 
+    // A slot dropped while its timer was armed (a row removed, the schedule restarted) cancels it.
+    ~ItemTimer() { invalidate(); }
+
     const QString &path() const { return m_path; }
     qint64 fireMSecs() const { return m_fireMSecs; }
     QDateTime fireDate() const { return QDateTime::fromMSecsSinceEpoch(m_fireMSecs); }

@@ -29,6 +29,13 @@ TimerQueue::TimerQueue(WallClock &clock, QObject *parent)
     connect(&m_clock, &WallClock::clockChanged, this, [this] { reaim(true); });
 }
 
+TimerQueue::~TimerQueue()
+{
+    // The timers still held here go with the queue; none may tell it so while it ends.
+    m_ending = true;
+    m_backlog.clear();
+}
+
 bool TimerQueue::later(const Entry &a, const Entry &b)
 {
     // Equal deadlines keep the order in which they were armed.
@@ -47,6 +54,8 @@ TimerSlot TimerQueue::schedule(const QString &path, qint64 fireMSecs)
 
 void TimerQueue::timerInvalidated()
 {
+    if (m_ending)
+        return;
     --m_live;
     // Cancelled timers leave their entries behind; sweep them before they outnumber the live ones.
     if (m_heap.size() > size_t(2 * m_live + 1024))

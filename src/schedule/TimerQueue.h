@@ -23,11 +23,11 @@ public:
     using FireHandler = std::function<void(const TimerSlot &)>;
 
     explicit TimerQueue(WallClock &clock, QObject *parent = nullptr);
+    ~TimerQueue() override;
 
     void setFireHandler(FireHandler handler) { m_onFire = std::move(handler); }
     // A timer that fires at fireMSecs; one already due fires from the event loop as soon as it can.
     TimerSlot schedule(const QString &path, qint64 fireMSecs);
-    int liveCount() const { return m_live; }
     // The earliest deadline of a live timer strictly after after; walks only the heap's front,
     // never every entry.
     std::optional<qint64> earliestLiveAfter(qint64 after) const;
@@ -58,6 +58,7 @@ private:
     quint64 m_sequence = 0;
     int m_live = 0;
     bool m_aimed = false;
+    bool m_ending = false;
     qint64 m_aimedAt = 0;
 };
 
