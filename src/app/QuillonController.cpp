@@ -30,13 +30,10 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
                  [this](const QString &body, const QString &subject) { sendMail(body, subject); })
 {
     // What the window layout would hold: the window and its controls exist before awakeFromNib.
-    m_window = new MainWindow(m_schedule, m_preferences, platform.workspace);
+    m_window = std::make_unique<MainWindow>(m_schedule, m_preferences, platform.workspace);
 }
 
-QuillonController::~QuillonController()
-{
-    delete m_window;
-}
+QuillonController::~QuillonController() = default;
 
 void QuillonController::awakeFromNib()
 {
@@ -49,20 +46,20 @@ void QuillonController::awakeFromNib()
     m_schedule.createArrays();
 
     m_schedule.setLauncher([this](const QString &path) { launchItem(path); });
-    connect(&m_schedule, &Schedule::runningStateChanged, m_window, &MainWindow::showRunningState);
+    connect(&m_schedule, &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
     connect(&m_schedule, &Schedule::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
     connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::quitWhenIdle, Qt::QueuedConnection);
     connect(&m_schedule, &Schedule::stoppedByUser, this, [this] { m_launcher.dropScheduled(); });
-    connect(m_window, &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
-    connect(m_window, &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
-    connect(m_window, &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
-    connect(m_window, &MainWindow::helpRequested, this, &QuillonController::openHelpURL);
-    connect(m_window, &MainWindow::aboutRequested, this, &QuillonController::showAbout);
-    connect(m_window, &MainWindow::openNowRequested, this, [this](const QStringList &paths) {
+    connect(m_window.get(), &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
+    connect(m_window.get(), &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
+    connect(m_window.get(), &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);
+    connect(m_window.get(), &MainWindow::helpRequested, this, &QuillonController::openHelpURL);
+    connect(m_window.get(), &MainWindow::aboutRequested, this, &QuillonController::showAbout);
+    connect(m_window.get(), &MainWindow::openNowRequested, this, [this](const QStringList &paths) {
         for (const QString &path : paths)
             m_launcher.launchItem(path, Launcher::Origin::User);
     });
-    connect(m_window, &MainWindow::quitRequested, this, &QuillonController::terminate);
+    connect(m_window.get(), &MainWindow::quitRequested, this, &QuillonController::terminate);
 
     m_schedule.setPowerService(&m_platform.power);
     // A wake noticed by logind and by the timer itself must run the after-wake action once.
@@ -74,7 +71,7 @@ void QuillonController::awakeFromNib()
         m_schedule.restoreItems();
     m_password.migrate();
 
-    connect(m_window, &MainWindow::doubleClicked, this, &QuillonController::doubleAction);
+    connect(m_window.get(), &MainWindow::doubleClicked, this, &QuillonController::doubleAction);
     setUpTray();
 }
 
@@ -168,7 +165,7 @@ void QuillonController::showAbout()
                                 tr("<h3>Quillon %1</h3><p>Opens files, applications and scripts at the times you choose.</p>"
                                    "<p>Free software under the GNU General Public License, version 3 or later.</p>")
                                     .arg(QCoreApplication::applicationVersion()),
-                                QMessageBox::Ok, m_window);
+                                QMessageBox::Ok, m_window.get());
     box->setObjectName(QStringLiteral("aboutDialog"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(96, 96));
     box->setAttribute(Qt::WA_DeleteOnClose);
@@ -183,7 +180,7 @@ void QuillonController::setUpTray()
         return;
     m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
     m_tray->setToolTip(QStringLiteral("Quillon"));
-    auto *menu = new QMenu(m_window);
+    auto *menu = new QMenu(m_window.get());
     menu->addAction(tr("Show Quillon"), this, &QuillonController::showMainWindow);
     menu->addAction(tr("Quit"), this, &QuillonController::terminate);
     m_tray->setContextMenu(menu);
@@ -207,7 +204,7 @@ void QuillonController::doubleAction()
 
 void QuillonController::doAlert(const QString &message, const QString &informative)
 {
-    doAlert(message, informative.isNull() ? QString(QLatin1String("")) : informative, m_window, 0);
+    doAlert(message, informative.isNull() ? QString(QLatin1String("")) : informative, m_window.get(), 0);
 }
 
 void QuillonController::doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle)
@@ -279,7 +276,7 @@ void QuillonController::testEmail()
 void QuillonController::showPreferences()
 {
     if (!m_preferencesDialog) {
-        m_preferencesDialog = new PreferencesDialog(m_preferences, m_window, &m_password);
+        m_preferencesDialog = new PreferencesDialog(m_preferences, m_window.get(), &m_password);
         m_preferencesDialog->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_preferencesDialog, &PreferencesDialog::testEmailRequested, this, &QuillonController::testEmail);
     }

@@ -10,6 +10,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <memory>
+
 class QSystemTrayIcon;
 class QTimer;
 
@@ -76,7 +78,7 @@ public:
 
     Schedule &schedule() { return m_schedule; }
     Preferences &preferences() { return m_preferences; }
-    MainWindow *fileListWindow() const { return m_window; }
+    MainWindow *fileListWindow() const { return m_window.get(); }
     QTimer *updateDisplayTimer() const { return m_updateDisplayTimer; }
     QMessageBox *currentAlert() const { return m_alert; }
 
@@ -90,7 +92,7 @@ private:
     MailPassword m_password;
     Schedule m_schedule;
     Launcher m_launcher;
-    MainWindow *m_window = nullptr;
+    std::unique_ptr<MainWindow> m_window;
     QTimer *m_updateDisplayTimer = nullptr;
     QSystemTrayIcon *m_tray = nullptr;
     QPointer<PreferencesDialog> m_preferencesDialog;

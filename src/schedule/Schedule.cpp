@@ -143,15 +143,22 @@ void Schedule::removeRows(QList<int> rows)
 {
     std::sort(rows.begin(), rows.end(), std::greater<>());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    for (int row : std::as_const(rows)) {
-        if (row < 0 || row >= count())
-            continue;
-        Q_EMIT rowsAboutToBeRemoved(row, row);
-        m_paths.removeAt(row);
-        if (row < m_dates.size())
-            m_dates.removeAt(row);
-        m_timers.removeAt(row);
-        m_ids.removeAt(row);
+    rows.removeIf([this](int row) { return row < 0 || row >= count(); });
+    // One removal per run of neighbouring rows, from the bottom: Select All and Delete on a long
+    // list is one step, not one per row.
+    for (qsizetype i = 0; i < rows.size();) {
+        const int last = rows.at(i);
+        int first = last;
+        while (++i < rows.size() && rows.at(i) == first - 1)
+            first = rows.at(i);
+        const qsizetype n = last - first + 1;
+        Q_EMIT rowsAboutToBeRemoved(first, last);
+        m_paths.remove(first, n);
+        // The dates may be fewer than the rows (a saved list with missing files).
+        if (first < m_dates.size())
+            m_dates.remove(first, std::min<qsizetype>(n, m_dates.size() - first));
+        m_timers.remove(first, n);
+        m_ids.remove(first, n);
         m_slotIndexStale = true;
         Q_EMIT rowsRemoved();
     }

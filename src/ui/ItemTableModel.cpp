@@ -86,18 +86,25 @@ int ItemTableModel::columnCount(const QModelIndex &parent) const
 
 QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
 {
+    // The identifiers match exactly, case and all.
+    const qsizetype column = Identifiers.indexOf(identifier);
+    return column < 0 ? QVariant() : cellValue(Column(column), row);
+}
+
+QVariant ItemTableModel::cellValue(Column column, int row) const
+{
     const QString &path = m_schedule.paths().at(row);
-    if (identifier == QLatin1String("Icon")) {
+    switch (column) {
+    case IconColumn: {
         // A file inside a bundle shows the bundle's icon (the outermost one).
         const qsizetype contents = path.indexOf(QLatin1String("/Contents/"), 0, Qt::CaseInsensitive);
         return m_workspace.iconForFile(contents >= 0 ? path.left(contents) : path);
     }
-    if (identifier == QLatin1String("Launch Time")) {
+    case LaunchTimeColumn:
         if (row >= m_schedule.dates().size())
             return {};
         return formatMediumDateTime(m_schedule.dates().at(row));
-    }
-    if (identifier == QLatin1String("Check")) {
+    case CheckColumn: {
         const TimerSlot &slot = m_schedule.timers().at(row);
         if (!slot)
             return {};
@@ -107,7 +114,7 @@ QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
             return imageNamed(QStringLiteral("Pending.tiff"));
         return {};
     }
-    if (identifier == QLatin1String("File")) {
+    case FileColumn: {
         if (!m_schedule.timersRunning())
             return path;
         const TimerSlot &slot = m_schedule.timers().at(row);
@@ -115,8 +122,11 @@ QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
             return {};
         return countdownText(double(slot->fireMSecs() - m_schedule.clock().nowMSecs()) / 1000.0);
     }
-    if (identifier == QLatin1String("Name"))
+    case NameColumn:
         return path.section(QLatin1Char('/'), -1);
+    case ColumnCount:
+        break;
+    }
     return {};
 }
 
@@ -145,18 +155,18 @@ QVariant ItemTableModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const int column = index.column();
+    const auto column = Column(index.column());
     const bool image = column == IconColumn || column == CheckColumn;
     switch (role) {
     case Qt::DisplayRole:
-        return image ? QVariant() : cellValue(Identifiers.at(column), index.row());
+        return image ? QVariant() : cellValue(column, index.row());
     case Qt::DecorationRole:
-        return image ? cellValue(Identifiers.at(column), index.row()) : QVariant();
+        return image ? cellValue(column, index.row()) : QVariant();
     case Qt::ToolTipRole:
         return toolTip(column, index.row());
     case Qt::AccessibleTextRole:
         if (column == CheckColumn) {
-            const QVariant v = cellValue(Identifiers.at(column), index.row());
+            const QVariant v = cellValue(column, index.row());
             if (!v.isValid())
                 return QString();
             const TimerSlot &slot = m_schedule.timers().at(index.row());
@@ -164,7 +174,7 @@ QVariant ItemTableModel::data(const QModelIndex &index, int role) const
         }
         if (column == IconColumn)
             return m_schedule.paths().at(index.row()).section(QLatin1Char('/'), -1);
-        return cellValue(Identifiers.at(column), index.row());
+        return cellValue(column, index.row());
     default:
         return {};
     }

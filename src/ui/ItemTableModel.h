@@ -36,6 +36,7 @@ public:
     QVariant toolTip(int column, int row) const;
     // The value of one cell by column identifier: an icon, a string, or nothing.
     QVariant cellValue(const QString &identifier, int row) const;
+    QVariant cellValue(Column column, int row) const;
 
     void setTableColumnName(const QString &title, const QString &identifier);
     // The countdown and status cells change with time; the rest only when the schedule changes.

@@ -324,6 +324,13 @@ private Q_SLOTS:
         m_window->clearListButtonClicked();
         QCOMPARE(m_schedule->paths(), QStringList{"/b"});
         QCOMPARE(m_schedule->dates(), QList<QDateTime>{at(200)});
+        // A run of neighbouring rows goes in one step, the rows around it stay.
+        m_schedule->appendPaths({"/c", "/d", "/e"});
+        select({1, 2, 3});
+        m_window->clearListButtonClicked();
+        QCOMPARE(m_schedule->paths(), QStringList{"/b"});
+        QCOMPARE(m_window->model()->rowCount(), 1);
+        m_schedule->appendPaths({"/f"});
         m_window->deselectAllButtonClicked();
         m_window->clearListButtonClicked();
         QCOMPARE(m_schedule->count(), 0);
