@@ -5,11 +5,14 @@
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QLocalSocket>
 #include <QFileInfo>
-#include <QThread>
+#include <QLocalSocket>
 
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace Quillon {
@@ -92,20 +95,38 @@ SingleInstance::Claim SingleInstance::claim()
     return handOver() ? Claim::HandedOver : Claim::Ours;
 }
 
+namespace {
+// Asks the running one to show its window: connect, say "show", wait until it hangs up. Plain
+// sockets with bounded polls: this runs before there is an event loop to wait in.
+bool askToShow(const QByteArray &socketPath)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (socketPath.size() >= qsizetype(sizeof address.sun_path))
+        return false;
+    std::memcpy(address.sun_path, socketPath.constData(), size_t(socketPath.size()));
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return false;
+    bool told = false;
+    if (::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 && ::write(fd, "show\n", 5) == 5) {
+        told = true;
+        pollfd hangUp{fd, POLLIN, 0};
+        ::poll(&hangUp, 1, 1000);
+    }
+    ::close(fd);
+    return told;
+}
+} // namespace
+
 // The one that holds the lock may still be starting; give it a few seconds to listen.
 bool SingleInstance::handOver()
 {
     const QString socket = m_base + QStringLiteral(".socket");
     QDeadlineTimer deadline(5000);
     while (!deadline.hasExpired()) {
-        QLocalSocket peer;
-        peer.connectToServer(socket);
-        if (peer.waitForConnected(500)) {
-            peer.write("show\n");
-            peer.waitForBytesWritten(1000);
-            peer.waitForDisconnected(1000);
+        if (askToShow(QFile::encodeName(socket)))
             return true;
-        }
         // The lock may have been let go meanwhile (the other one quit): then we are the one.
         if (m_lock->tryLock(0)) {
             QLocalServer::removeServer(socket);
@@ -113,7 +134,7 @@ bool SingleInstance::handOver()
             m_server.listen(socket);
             return false;
         }
-        QThread::msleep(100);
+        ::poll(nullptr, 0, 100);
     }
     systemLog(QStringLiteral("Another Quillon holds %1.lock but does not answer; not starting a second one.").arg(m_base));
     return true;
