@@ -14,7 +14,7 @@ TEST_DEPS := xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp cla
         appstream dpkg-dev file gnome-keyring
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps test-deps configure build build-app run test bench fuzz install package clean
+.PHONY: deps test-deps configure build build-app run test bench fuzz lint install package clean
 FUZZ_SECONDS ?= 600
 
 # Installs those of the packages named in its argument that are missing.
@@ -35,7 +35,7 @@ test-deps: deps
 	$(call install_missing,$(TEST_DEPS))
 
 configure: deps
-	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_EXTRA)
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_EXPORT_COMPILE_COMMANDS=ON $(CMAKE_EXTRA)
 
 # Everything: the program, the tests and the benchmarks.
 build: configure test-deps
@@ -73,6 +73,13 @@ fuzz: test-deps
 	build-fuzz/smtp_reply_fuzz -merge=1 fuzz/corpus build-fuzz/corpus
 	build-fuzz/smtp_session_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=8192 -rss_limit_mb=2048 build-fuzz/session_corpus fuzz/session_corpus
 	build-fuzz/smtp_session_fuzz -merge=1 fuzz/session_corpus build-fuzz/session_corpus
+
+# clang-tidy (.clang-tidy) on the C++ files changed against LINT_BASE (default: origin/main, else HEAD).
+LINT_BASE ?= $(shell git rev-parse -q --verify origin/main >/dev/null && echo origin/main || echo HEAD)
+lint: configure
+	@files=$$(git diff --name-only --diff-filter=d $(LINT_BASE) -- '*.cpp'; git ls-files --others --exclude-standard -- '*.cpp'); \
+	if [ -z "$$files" ]; then echo "lint: no changed C++ files"; exit 0; fi; \
+	clang-tidy -p $(BUILD) --quiet $$files
 
 clean:
 	rm -rf $(BUILD)

@@ -29,7 +29,7 @@ bool isPrivateFolder(const QString &path)
 // folder, made private for the purpose. Never a shared place another user could have prepared.
 QString SingleInstance::privateFolder(const QString &settingsFile)
 {
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty() && isPrivateFolder(runtime))
         return runtime;
     const QString why = runtime.isEmpty() ? QStringLiteral("XDG_RUNTIME_DIR is not set")
