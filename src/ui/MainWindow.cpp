@@ -457,7 +457,17 @@ void MainWindow::setupDatePickerControl()
     m_datePicker->setObjectName(QStringLiteral("datePicker"));
     m_datePicker->setAccessibleName(tr("Launch date and time"));
     m_datePicker->setCalendarPopup(false);
-    m_datePicker->setDisplayFormat(QStringLiteral("yyyy-MM-dd  HH:mm:ss  t"));
+    // Date, time to the second and zone, written as the user's locale writes them (as the table
+    // does), with the whole year.
+    const QLocale locale;
+    m_datePicker->setLocale(locale);
+    QString dateFormat = locale.dateFormat(QLocale::ShortFormat);
+    if (!dateFormat.contains(QLatin1String("yyyy")))
+        dateFormat.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    QString timeFormat = locale.timeFormat(QLocale::LongFormat);
+    if (!timeFormat.contains(QLatin1Char('t')))
+        timeFormat += QLatin1String(" t");
+    m_datePicker->setDisplayFormat(dateFormat + QLatin1String("  ") + timeFormat);
     m_datePicker->setTimeSpec(Qt::LocalTime);
     m_datePicker->setEnabled(true);
     m_datePicker->setDateTime(value);

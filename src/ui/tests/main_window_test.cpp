@@ -22,6 +22,7 @@
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTest>
 #include <QUndoStack>
 
@@ -69,6 +70,27 @@ private Q_SLOTS:
         m_window->deselectAllButtonClicked();
         QVERIFY(!m_window->datePicker()->isEnabled());
         QCOMPARE(m_window->datePicker()->dateTime(), at(300));
+    }
+
+    // The picker writes dates as the user's locale does, like the table, zone included.
+    void pickerFollowsTheLocale_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<QString>("date");
+        QTest::newRow("German") << QLocale(QLocale::German, QLocale::Germany) << "15.01.2027";
+        QTest::newRow("US English") << QLocale(QLocale::English, QLocale::UnitedStates) << "1/15/2027";
+    }
+    void pickerFollowsTheLocale()
+    {
+        QFETCH(QLocale, locale);
+        QFETCH(QString, date);
+        const QLocale previous;
+        QLocale::setDefault(locale);
+        auto restore = qScopeGuard([previous] { QLocale::setDefault(previous); });
+        m_window->setupDatePickerControl();
+        m_window->datePicker()->setDateTime(QDateTime(QDate(2027, 1, 15), QTime(7, 30, 5)));
+        const QString shown = m_window->datePicker()->text();
+        QVERIFY2(shown.startsWith(date) && shown.contains(QLatin1String(":30:05")), qPrintable(shown));
     }
 
     void pickedDateGoesToEverySelectedRow()
