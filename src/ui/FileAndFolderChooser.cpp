@@ -1,6 +1,7 @@
 #include "FileAndFolderChooser.h"
 
 #include <QAbstractItemView>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QKeyEvent>
@@ -22,6 +23,12 @@ FileAndFolderChooser::FileAndFolderChooser(QWidget *parent)
     // Enter on a typed folder goes into it, as in a file manager; it does not add it.
     if (auto *name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))) {
         name->installEventFilter(this);
+        // With its pop-up showing, the completer takes Enter and hands it to the line edit past
+        // any filter there: the pop-up is watched too, and ahead of the completer.
+        if (QCompleter *completer = name->completer()) {
+            m_popup = completer->popup();
+            m_popup->installEventFilter(this);
+        }
         connect(name, &QLineEdit::textChanged, this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);
     }
     // The stock dialog calls its button "Open" while a folder is highlighted; here it always
@@ -42,10 +49,18 @@ bool FileAndFolderChooser::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
-        auto *name = qobject_cast<QLineEdit *>(watched);
-        if (name && (key == Qt::Key_Return || key == Qt::Key_Enter) && !name->text().isEmpty()) {
-            const QString typed = QDir::isAbsolutePath(name->text()) ? name->text() : directory().filePath(name->text());
-            if (QFileInfo(typed).isDir()) {
+        auto *name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        const bool fromPopup = m_popup && watched == m_popup;
+        if (name && (watched == name || fromPopup) && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+            // The entry highlighted in the pop-up, else what was typed.
+            QString typed = name->text();
+            if (fromPopup && m_popup->currentIndex().isValid())
+                typed = name->completer()->pathFromIndex(m_popup->currentIndex());
+            if (!typed.isEmpty() && !QDir::isAbsolutePath(typed))
+                typed = directory().filePath(typed);
+            if (!typed.isEmpty() && QFileInfo(typed).isDir()) {
+                if (fromPopup)
+                    m_popup->hide();
                 setDirectory(typed);
                 name->clear();
                 QMetaObject::invokeMethod(this, &FileAndFolderChooser::keepChooseLabel, Qt::QueuedConnection);

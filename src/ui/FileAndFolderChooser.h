@@ -2,6 +2,8 @@
 
 #include <QFileDialog>
 
+class QAbstractItemView;
+
 namespace Quillon {
 
 // Qt's file dialog chooses files or folders, never both at once; this one takes any mix.
@@ -22,6 +24,7 @@ private:
     void keepChooseLabel();
 
     QStringList m_chosen;
+    QAbstractItemView *m_popup = nullptr;
 };
 
 } // namespace Quillon

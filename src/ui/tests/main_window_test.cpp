@@ -6,6 +6,8 @@
 #include "Schedule.h"
 #include "TestSupport.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QDateTimeEdit>
 #include <QItemSelectionModel>
 #include <QPushButton>
@@ -287,8 +289,15 @@ private Q_SLOTS:
         QVERIFY(chooser);
         chooser->setDirectory(home.path());
         auto *name = chooser->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-        name->setText(QStringLiteral("inner"));
-        QTest::keyClick(name, Qt::Key_Return);
+        // Typed for real, so that the completer's pop-up shows and takes the Enter.
+        QApplication::setActiveWindow(chooser);
+        QTRY_COMPARE(QApplication::activeWindow(), chooser);
+        name->setFocus();
+        QTest::qWait(300); // the folder's listing comes in the background
+        QTest::keyClicks(name, QStringLiteral("inne"));
+        QTRY_VERIFY(name->completer()->popup()->isVisible());
+        QTest::keyClick(name->completer()->popup(), Qt::Key_R);
+        QTest::keyClick(name->completer()->popup(), Qt::Key_Return);
         QCOMPARE(chooser->directory().absolutePath(), QDir(home.filePath(QStringLiteral("inner"))).absolutePath());
         QVERIFY(chooser->isVisible());
         QCOMPARE(m_schedule->count(), 3);
