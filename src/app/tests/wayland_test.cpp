@@ -81,6 +81,9 @@ private:
         env.insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("quillon-test"));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
         env.remove(QStringLiteral("DISPLAY"));
+        // In the sanitizer build: Qt's Wayland plugin unloads client libraries at exit, and the
+        // leak checker then reports their allocations against an unknown module.
+        env.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});
         QVERIFY(p.waitForStarted());
