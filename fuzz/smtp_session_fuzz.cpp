@@ -154,7 +154,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     ::fcntl(fds[1], F_SETFL, O_NONBLOCK);
     auto *session = new SmtpSession(QStringLiteral("mail.example"), 25);
-    session->setTimeouts(std::chrono::hours(1), std::chrono::hours(1));
+    session->setLimits({std::chrono::hours(1), std::chrono::hours(1)});
     QList<QByteArray> recipients{(flags & 8) ? QByteArray("j\xc3\xbcrgen@example.org") : QByteArray("ann@example.org")};
     if (flags & 16)
         recipients << "bob@example.org";

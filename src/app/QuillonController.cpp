@@ -26,9 +26,16 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
     , m_platform(platform)
     , m_password(m_preferences, platform.secrets)
     , m_schedule(m_preferences, platform.clock)
+    , m_mail(m_preferences, &m_password)
     , m_launcher(m_preferences, platform.workspace, platform.scripts,
                  [this](const QString &body, const QString &subject) { sendMail(body, subject); })
 {
+    connect(&m_mail, &MailDispatcher::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
+    // Only once the quit has come to the deliveries: earlier steps may still be under way.
+    connect(&m_mail, &MailDispatcher::allFinished, this, [this] {
+        if (m_quitting && m_waitingForDeliveries)
+            QCoreApplication::exit(0);
+    });
     // What the window layout would hold: the window and its controls exist before awakeFromNib.
     m_window = std::make_unique<MainWindow>(m_schedule, m_preferences, platform.workspace);
 }
@@ -105,18 +112,16 @@ void QuillonController::quitAfterDeliveries()
     m_waitingForDeliveries = true;
     // exit(), not quit(): quit() asks every window to close first, and a window that only
     // minimises would cancel it.
-    if (m_deliveries == 0) {
+    if (m_mail.inFlight() == 0) {
         QCoreApplication::exit(0);
         return;
     }
-    // A session the policy left waiting (a refused message, a login it cannot make) never ends
-    // on its own; only the ones still at work get the time.
-    for (SimpleSMTP *delivery : findChildren<SimpleSMTP *>(Qt::FindDirectChildrenOnly))
-        delivery->closeWhenIdle();
-    if (m_deliveries == 0)
+    // Only the sessions still at work get the time.
+    m_mail.closeIdle();
+    if (m_mail.inFlight() == 0)
         return;
     QTimer::singleShot(std::chrono::seconds(20), this, [this] {
-        systemLog(QStringLiteral("Quitting: %1 mail deliveries did not finish in time.").arg(m_deliveries));
+        systemLog(QStringLiteral("Quitting: %1 mail deliveries did not finish in time.").arg(m_mail.inFlight()));
         QCoreApplication::exit(0);
     });
 }
@@ -242,21 +247,6 @@ void QuillonController::openHelpURL()
             return;
         }
     }
-}
-
-SimpleSMTP *QuillonController::sendMail(const QString &body, const QString &subject)
-{
-    // Owned as a child only so that it is freed; the delivery runs on its own until it is over.
-    auto *delivery = new SimpleSMTP(this);
-    ++m_deliveries;
-    connect(delivery, &SimpleSMTP::finished, this, [this, delivery] {
-        delivery->deleteLater();
-        // Only once the quit has come to the deliveries: earlier steps may still be under way.
-        if (--m_deliveries == 0 && m_quitting && m_waitingForDeliveries)
-            QCoreApplication::exit(0);
-    });
-    delivery->sendMail(*this, body, subject);
-    return delivery;
 }
 
 void QuillonController::testEmail()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Launcher.h"
+#include "MailDispatcher.h"
 #include "MailPassword.h"
 #include "Preferences.h"
 #include "Schedule.h"
@@ -37,7 +38,7 @@ struct Platform
 
 // Brings the application up and down, wires the window to the schedule, and tells the user
 // about failures.
-class QuillonController final : public QObject, public MailHost
+class QuillonController final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(QuillonController)
@@ -52,11 +53,10 @@ public:
     // each step driven by the event loop, a running script is ended (SIGTERM, SIGKILL after 5 s),
     // programs already due get up to 30 s to start, and mail still at work up to 20 s.
     void terminate();
-    int deliveriesInFlight() const { return m_deliveries; }
+    int deliveriesInFlight() const { return m_mail.inFlight(); }
+    MailDispatcher &mail() { return m_mail; }
 
-    void doAlert(const QString &message, const QString &informative = QString()) override;
-    Preferences &mailPreferences() override { return m_preferences; }
-    MailPassword *mailPassword() override { return &m_password; }
+    void doAlert(const QString &message, const QString &informative = QString());
     void doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle);
     void openHelpURL();
 
@@ -68,7 +68,7 @@ public:
     void launchAllNow() { m_launcher.launchAllNow(m_schedule.paths()); }
     void doubleAction();
     // The delivery runs on its own and is freed when it is over; the pointer is for watching it.
-    SimpleSMTP *sendMail(const QString &body, const QString &subject);
+    SimpleSMTP *sendMail(const QString &body, const QString &subject) { return m_mail.send(body, subject); }
     void testEmail();
     void showPreferences();
     void showMainWindow();
@@ -91,13 +91,13 @@ private:
     Preferences m_preferences;
     MailPassword m_password;
     Schedule m_schedule;
+    MailDispatcher m_mail;
     Launcher m_launcher;
     std::unique_ptr<MainWindow> m_window;
     QTimer *m_updateDisplayTimer = nullptr;
     QSystemTrayIcon *m_tray = nullptr;
     QPointer<PreferencesDialog> m_preferencesDialog;
     QPointer<QMessageBox> m_alert;
-    int m_deliveries = 0;
     bool m_quitting = false;
     bool m_waitingForDeliveries = false;
     bool m_terminated = false;

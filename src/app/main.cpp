@@ -6,6 +6,7 @@
 #include "ShebangScriptRunner.h"
 #include "SingleInstance.h"
 #include "TimerFdClock.h"
+#include "TlsTrust.h"
 #include "Translations.h"
 #include "UnixSignalWatcher.h"
 #include "WakeAlarms.h"
@@ -94,6 +95,7 @@ int main(int argc, char *argv[])
     }
 
     installTranslations(app);
+    trustCertificatesFromEnvironment();
     // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
         QIcon::setThemeName(QStringLiteral("Adwaita"));

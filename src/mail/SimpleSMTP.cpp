@@ -13,8 +13,6 @@
 namespace Quillon {
 namespace {
 constexpr int ImplicitTlsPort = 465;
-std::chrono::milliseconds g_connectTimeout{30'000};
-std::chrono::milliseconds g_replyTimeout{300'000};
 
 QString errorText(const MailSettingsError &e)
 {
@@ -28,12 +26,6 @@ SimpleSMTP::SimpleSMTP(QObject *parent)
 }
 
 SimpleSMTP::~SimpleSMTP() = default;
-
-void SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply)
-{
-    g_connectTimeout = connect;
-    g_replyTimeout = reply;
-}
 
 void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QString &subject)
 {
@@ -50,8 +42,8 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         // missing server: nothing is sent.
         if (const QString problem = addressProblem(to); !problem.isEmpty())
             throw MailSettingsError(QStringLiteral("BadAddress"), tr("The recipient address cannot be used: %1.").arg(problem));
-        _smtp = new SmtpSession(server, quint16(port), this);
-        _smtp->setTimeouts(g_connectTimeout, g_replyTimeout);
+        _smtp = new SmtpSession(server, quint16(port), controller.mailSteps(), this);
+        _smtp->setLimits(controller.mailLimits());
         connect(_smtp, &SmtpSession::connectionEstablished, this, &SimpleSMTP::connectionEstablished);
         connect(_smtp, &SmtpSession::serviceInitialized, this, &SimpleSMTP::serviceInitialized);
         connect(_smtp, &SmtpSession::authenticationCompleted, this, &SimpleSMTP::authenticationCompleted);

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "SmtpSession.h"
+
 #include <QObject>
 #include <QString>
-
-#include <chrono>
 
 namespace Quillon {
 
 class MailPassword;
 class Preferences;
-class SmtpSession;
+class StepQueue;
 
 // What a delivery asks of the one who wants the mail sent: the settings and a way to tell the user.
 class MailHost
@@ -20,6 +20,9 @@ public:
     virtual void doAlert(const QString &message, const QString &informative) = 0;
     // Where the password is kept; none: the settings file alone.
     virtual MailPassword *mailPassword() { return nullptr; }
+    // Where the sessions' costly steps wait their turn; none: each on the next turn.
+    virtual StepQueue *mailSteps() { return nullptr; }
+    virtual SessionLimits mailLimits() const { return {}; }
 };
 
 // One mail: composes it and drives its own SMTP session from the session's events, logging every
@@ -42,9 +45,6 @@ public:
     // At quit: a session with nothing under way (the policy left it waiting) ends at once, and
     // so does one that comes to that point later; one that still works goes on.
     void closeWhenIdle();
-
-    // Limits for every session started from now on: 30 s to connect, 5 minutes for any reply.
-    static void setSessionTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply);
 
 Q_SIGNALS:
     void finished();

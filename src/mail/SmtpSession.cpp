@@ -2,39 +2,15 @@
 
 #include "MailAddress.h"
 #include "SaslClient.h"
+#include "StepQueue.h"
 
 #include <QHostAddress>
 #include <QPointer>
-#include <QSslConfiguration>
 #include <QSslSocket>
 
-#include <deque>
-#include <functional>
 
 namespace Quillon {
 namespace {
-
-// Qt reads only the system's store; OpenSSL's own tools also honour these two variables, and users
-// behind a private authority (and our tests) rely on them.
-void trustCertificatesFromEnvironment()
-{
-    static const bool done = [] {
-        QList<QSslCertificate> extra;
-        const QString file = qEnvironmentVariable("SSL_CERT_FILE");
-        const QString dir = qEnvironmentVariable("SSL_CERT_DIR");
-        if (!file.isEmpty())
-            extra += QSslCertificate::fromPath(file, QSsl::Pem);
-        if (!dir.isEmpty())
-            extra += QSslCertificate::fromPath(dir + QStringLiteral("/*"), QSsl::Pem, QSslCertificate::PatternSyntax::Wildcard);
-        if (!extra.isEmpty()) {
-            QSslConfiguration conf = QSslConfiguration::defaultConfiguration();
-            conf.setCaCertificates(QSslConfiguration::systemCaCertificates() + extra);
-            QSslConfiguration::setDefaultConfiguration(conf);
-        }
-        return true;
-    }();
-    Q_UNUSED(done);
-}
 
 QByteArray addressLiteral(const QHostAddress &address)
 {
@@ -42,46 +18,6 @@ QByteArray addressLiteral(const QHostAddress &address)
         return "[IPv6:" + address.toString().toLatin1() + "]";
     return "[" + (address.isNull() ? QByteArray("127.0.0.1") : address.toString().toLatin1()) + "]";
 }
-
-// Setting up TLS costs most of a millisecond (OpenSSL builds a context per socket), and when many
-// sessions reach that step together the event loop would do them all in one go. Such steps wait
-// here and run one per event-loop turn, so that the window and the timers get turns in between.
-class OneStepPerTurn final : public QObject
-{
-public:
-    static OneStepPerTurn &instance()
-    {
-        static OneStepPerTurn queue;
-        return queue;
-    }
-    void add(QObject *context, std::function<void()> step)
-    {
-        m_steps.push_back({QPointer<QObject>(context), std::move(step)});
-        if (!m_timer.isActive())
-            m_timer.start();
-    }
-
-private:
-    OneStepPerTurn()
-    {
-        m_timer.setInterval(0);
-        m_timer.setSingleShot(true);
-        connect(&m_timer, &QTimer::timeout, this, [this] {
-            while (!m_steps.empty()) {
-                auto [context, step] = std::move(m_steps.front());
-                m_steps.pop_front();
-                if (context) {
-                    step();
-                    break;
-                }
-            }
-            if (!m_steps.empty())
-                m_timer.start();
-        });
-    }
-    std::deque<std::pair<QPointer<QObject>, std::function<void()>>> m_steps;
-    QTimer m_timer;
-};
 
 } // namespace
 
@@ -114,12 +50,12 @@ QByteArray smtpData(const QByteArray &message)
     return out;
 }
 
-SmtpSession::SmtpSession(QString host, quint16 port, QObject *parent)
+SmtpSession::SmtpSession(QString host, quint16 port, StepQueue *steps, QObject *parent)
     : QObject(parent)
     , m_host(std::move(host))
     , m_port(port)
+    , m_steps(steps)
 {
-    trustCertificatesFromEnvironment();
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         if (m_step == Step::Connecting)
@@ -140,10 +76,18 @@ void SmtpSession::setMessage(const QByteArray &message, const QByteArray &from, 
     m_recipients = recipients;
 }
 
-void SmtpSession::setTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply)
+void SmtpSession::setLimits(SessionLimits limits)
 {
-    m_connectTimeout = connect;
-    m_replyTimeout = reply;
+    m_connectTimeout = limits.connect;
+    m_replyTimeout = limits.reply;
+}
+
+void SmtpSession::later(std::function<void()> step)
+{
+    if (m_steps)
+        m_steps->add(this, std::move(step));
+    else
+        QMetaObject::invokeMethod(this, std::move(step), Qt::QueuedConnection);
 }
 
 void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
@@ -151,7 +95,7 @@ void SmtpSession::connectInBackgroundAndNotify(bool implicitTls)
     setUpSocket(implicitTls);
     m_step = Step::Connecting;
     m_timer.start(m_connectTimeout);
-    OneStepPerTurn::instance().add(this, [this] {
+    later([this] {
         if (m_implicitTls)
             m_socket->connectToHostEncrypted(m_host, m_port);
         else
@@ -385,7 +329,7 @@ void SmtpSession::onReply(const SmtpReply &reply)
             break;
         }
         m_step = Step::Handshaking;
-        OneStepPerTurn::instance().add(this, [this] {
+        later([this] {
             if (!m_socket || m_terminated)
                 return;
             if (m_socket->bytesAvailable() > 0 || m_parser.hasPendingInput()) {

@@ -4,10 +4,12 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 
 class QSslSocket;
@@ -15,6 +17,14 @@ class QSslSocket;
 namespace Quillon {
 
 class SaslClient;
+class StepQueue;
+
+// How long a session waits: to connect, and for any reply (or, idle, for the caller to act).
+struct SessionLimits
+{
+    std::chrono::milliseconds connect{30'000};
+    std::chrono::milliseconds reply{300'000};
+};
 
 // One SMTP client session over QSslSocket, on the event loop, never blocking. It speaks the
 // protocol and reports each step; what to do next is the caller's to decide. It knows nothing of
@@ -25,12 +35,14 @@ class SmtpSession final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SmtpSession)
 public:
-    SmtpSession(QString host, quint16 port, QObject *parent = nullptr);
+    // Steps that cost (TLS set-up) wait their turn in steps, shared by the sessions of one sender;
+    // without one they run on the next event-loop turn.
+    SmtpSession(QString host, quint16 port, StepQueue *steps = nullptr, QObject *parent = nullptr);
     ~SmtpSession() override;
 
     // The whole message (headers and body), and the envelope.
     void setMessage(const QByteArray &message, const QByteArray &from, const QList<QByteArray> &recipients);
-    void setTimeouts(std::chrono::milliseconds connect, std::chrono::milliseconds reply);
+    void setLimits(SessionLimits limits);
 
     // implicitTls: encrypted from the first byte (SMTPS).
     void connectInBackgroundAndNotify(bool implicitTls);
@@ -73,6 +85,7 @@ private:
         MailFrom, RcptTo, Data, Body, Reset, Quit, Closed
     };
 
+    void later(std::function<void()> step);
     void onReadyRead();
     void onReply(const SmtpReply &reply);
     void onEhloReply(const SmtpReply &reply);
@@ -90,8 +103,9 @@ private:
     quint16 m_port;
     QSslSocket *m_socket = nullptr;
     QTimer m_timer;
-    std::chrono::milliseconds m_connectTimeout{30'000};
-    std::chrono::milliseconds m_replyTimeout{300'000};
+    QPointer<StepQueue> m_steps;
+    std::chrono::milliseconds m_connectTimeout = SessionLimits().connect;
+    std::chrono::milliseconds m_replyTimeout = SessionLimits().reply;
     SmtpReplyParser m_parser;
     Step m_step = Step::Idle;
     bool m_implicitTls = false;

@@ -2,6 +2,8 @@
 
 #include "Preferences.h"
 #include "SimpleSMTP.h"
+#include "StepQueue.h"
+#include "TlsTrust.h"
 
 #include <QDeadlineTimer>
 #include <QJsonDocument>
@@ -38,6 +40,7 @@ inline bool makeCertificate(const QTemporaryDir &dir)
     bundle.write(a.readAll() + b.readAll());
     bundle.close();
     qputenv("SSL_CERT_FILE", bundle.fileName().toUtf8());
+    trustCertificatesFromEnvironment();
     return true;
 }
 
@@ -112,7 +115,11 @@ public:
     }
     Preferences &mailPreferences() override { return m_preferences; }
     void doAlert(const QString &message, const QString &informative) override { alerts << QPair(message, informative); }
+    StepQueue *mailSteps() override { return &steps; }
+    SessionLimits mailLimits() const override { return limits; }
     QList<QPair<QString, QString>> alerts;
+    SessionLimits limits;
+    StepQueue steps;
 
 private:
     Preferences &m_preferences;

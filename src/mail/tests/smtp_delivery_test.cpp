@@ -105,10 +105,9 @@ private Q_SLOTS:
         m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, host}, {Keys::ServerPort, peer.port},
                             {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, mechanism}, {Keys::LoginUsername, QStringLiteral("ann")},
                             {Keys::LoginPassword, password}});
-        if (password.isEmpty())
-            SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::seconds(1));
-        auto defaults = qScopeGuard([] { SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::minutes(5)); });
         MailTest::Host controller(*m_prefs);
+        if (password.isEmpty())
+            controller.limits.reply = std::chrono::seconds(1);
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);
@@ -229,9 +228,8 @@ private Q_SLOTS:
             });
         });
         m_prefs->setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}});
-        SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds(2000), std::chrono::milliseconds(500));
-        auto defaults = qScopeGuard([] { SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::minutes(5)); });
         MailTest::Host controller(*m_prefs);
+        controller.limits = {std::chrono::milliseconds(2000), std::chrono::milliseconds(500)};
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);
@@ -292,9 +290,8 @@ private Q_SLOTS:
         });
         m_prefs->setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}, {Keys::RecipientEmail, recipient},
                             {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, 0}});
-        SimpleSMTP::setSessionTimeouts(std::chrono::milliseconds(2000), std::chrono::milliseconds(500));
-        auto defaults = qScopeGuard([] { SimpleSMTP::setSessionTimeouts(std::chrono::seconds(30), std::chrono::minutes(5)); });
         MailTest::Host controller(*m_prefs);
+        controller.limits = {std::chrono::milliseconds(2000), std::chrono::milliseconds(500)};
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);
