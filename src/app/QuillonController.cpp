@@ -26,6 +26,7 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
     , m_platform(platform)
     , m_password(m_preferences, platform.secrets)
     , m_schedule(m_preferences, platform.clock)
+    , m_editor(m_schedule, m_preferences)
     , m_mail(m_preferences, &m_password)
     , m_launcher(m_preferences, platform.workspace, platform.scripts,
                  [this](const QString &body, const QString &subject) { sendMail(body, subject); })
@@ -37,7 +38,7 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
             QCoreApplication::exit(0);
     });
     // What the window layout would hold: the window and its controls exist before awakeFromNib.
-    m_window = std::make_unique<MainWindow>(m_schedule, m_preferences, platform.workspace);
+    m_window = std::make_unique<MainWindow>(m_editor, m_preferences, platform.workspace);
 }
 
 QuillonController::~QuillonController() = default;

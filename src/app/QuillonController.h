@@ -5,6 +5,7 @@
 #include "MailPassword.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SimpleSMTP.h"
 
 #include <QMessageBox>
@@ -77,6 +78,7 @@ public:
     void showAbout();
 
     Schedule &schedule() { return m_schedule; }
+    ScheduleEditor &editor() { return m_editor; }
     Preferences &preferences() { return m_preferences; }
     MainWindow *fileListWindow() const { return m_window.get(); }
     QTimer *updateDisplayTimer() const { return m_updateDisplayTimer; }
@@ -91,6 +93,7 @@ private:
     Preferences m_preferences;
     MailPassword m_password;
     Schedule m_schedule;
+    ScheduleEditor m_editor;
     MailDispatcher m_mail;
     Launcher m_launcher;
     std::unique_ptr<MainWindow> m_window;

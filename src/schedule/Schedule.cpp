@@ -1,7 +1,7 @@
 #include "Schedule.h"
 
-#include "FileReference.h"
 #include "Log.h"
+#include "SavedList.h"
 #include "PowerService.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
@@ -35,31 +35,6 @@ quint32 unitFactor(int unit)
     }
 }
 
-// A hand-written settings file has no date type of its own; ISO 8601 text is what people write.
-QDateTime toDate(const QVariant &value)
-{
-    if (value.typeId() == QMetaType::QDateTime)
-        return Preferences::isReadable(value) ? value.toDateTime() : QDateTime();
-    if (value.typeId() == QMetaType::QString)
-        return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
-    return {};
-}
-
-// INI cannot write a one-element list, so in a hand-written file one value stands for a list of one.
-QVariantList asList(const QVariant &value)
-{
-    if (value.typeId() == QMetaType::QVariantList)
-        return value.toList();
-    if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray || value.typeId() == QMetaType::QDateTime)
-        return {value};
-    if (value.typeId() == QMetaType::QStringList) {
-        QVariantList out;
-        for (const QString &s : value.toStringList())
-            out << s;
-        return out;
-    }
-    return {};
-}
 } // namespace
 
 Schedule::Schedule(Preferences &preferences, WallClock &clock, QObject *parent)
@@ -200,6 +175,7 @@ void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
         if (selected[size_t(i)])
             m_dates[i] = date;
     }
+    datesChanged();
 }
 
 void Schedule::setDateAt(int row, const QDateTime &date)
@@ -239,61 +215,26 @@ void Schedule::restore(const Snapshot &snapshot)
     Q_EMIT reset();
     Q_EMIT reloadTable();
     // Rows came back with their dates: a running schedule arms them as a date change would.
-    if (m_timersRunning && datesChanged)
-        restartTimers();
+    if (datesChanged)
+        this->datesChanged();
     Q_EMIT restored();
 }
 
 void Schedule::saveItems()
 {
-    QVariantList items;
-    items.reserve(m_paths.size());
-    for (const QString &path : std::as_const(m_paths)) {
-        const QByteArray reference = FileReference::make(path);
-        if (reference.isEmpty()) {
-            systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(path));
-            continue;
-        }
-        items.append(reference);
-    }
-    QVariantList dates;
-    dates.reserve(m_dates.size());
-    for (const QDateTime &date : std::as_const(m_dates))
-        dates.append(date);
-    m_preferences.setValues({{Keys::Items, items}, {Keys::Dates, dates}, {Keys::TimersRunning, m_timersRunning}});
+    SavedList::write(m_preferences, m_paths, m_dates, m_timersRunning);
 }
 
 void Schedule::restoreItems()
 {
-    const bool datesAbsent = !m_preferences.contains(Keys::Dates);
     Q_EMIT aboutToReset();
-    if (!datesAbsent) {
-        for (const QVariant &element : asList(m_preferences.value(Keys::Dates))) {
-            const QDateTime date = toDate(element);
-            m_dates.append(date.isValid() ? date : now());
-        }
-    }
-    if (m_preferences.contains(Keys::TimersRunning))
-        m_timersRunning = Preferences::toBool(m_preferences.value(Keys::TimersRunning));
-
-    QList<QByteArray> references;
-    for (const QVariant &element : asList(m_preferences.value(Keys::Items))) {
-        const QByteArray reference = element.typeId() == QMetaType::QString ? element.toString().toUtf8() : element.toByteArray();
-        if (!reference.isEmpty())
-            references.append(reference);
-    }
-    for (const std::optional<QString> &path : FileReference::resolveAll(references)) {
-        if (!path) {
-            systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
-            continue;
-        }
-        m_paths.append(*path);
-        if (datesAbsent)
-            m_dates.append(now());
-        m_timers.append(TimerSlot());
-        m_ids.append(m_nextId++);
-        m_ids.append(m_nextId++);
-    }
+    SavedList saved = SavedList::read(m_preferences, now());
+    m_paths += saved.paths;
+    m_dates += saved.dates;
+    m_timers.resize(m_paths.size());
+    m_ids += newIds(saved.paths.size());
+    if (saved.running)
+        m_timersRunning = *saved.running;
     m_slotIndexStale = true;
     Q_EMIT reset();
     Q_EMIT reloadTable();
@@ -461,6 +402,14 @@ void Schedule::scheduleWakeUp()
     const std::optional<qint64> earliest = m_queue->earliestLiveAfter(m_clock.nowMSecs());
     if (earliest)
         m_power->schedulePowerWake(QDateTime::fromMSecsSinceEpoch(*earliest), WakeLeadSeconds);
+}
+
+void Schedule::datesChanged()
+{
+    // A running schedule follows a date change at once: the new dates are armed, and a
+    // schedule left with nothing in the future stops (and says so).
+    if (m_timersRunning)
+        restartTimers();
 }
 
 void Schedule::afterWake()

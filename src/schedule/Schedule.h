@@ -49,6 +49,7 @@ public:
     void removeRows(QList<int> rows);
     void removeAll();
     void moveRow(int from, int to);
+    // A running schedule re-arms at once.
     void setDate(const QList<int> &rows, const QDateTime &date);
     void setDateAt(int row, const QDateTime &date);
 
@@ -106,6 +107,7 @@ Q_SIGNALS:
     void stoppedByUser();
 
 private:
+    void datesChanged();
     void showStopped();
     void showRunning();
     TimerSlot armTimer(const QString &path, qint64 fireMSecs);

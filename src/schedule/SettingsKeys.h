@@ -30,4 +30,5 @@ inline constexpr QLatin1StringView LoginPassword("loginPassword");
 // The window's own state, not part of the schedule.
 inline constexpr QLatin1StringView WindowGeometry("window/geometry");
 inline constexpr QLatin1StringView TableHeader("window/tableHeader");
+inline constexpr QLatin1StringView ChooserFolder("window/chooserFolder");
 } // namespace Quillon::Keys

@@ -7,6 +7,7 @@
 #include "MediumDateFormat.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "StatusImages.h"
 #include "Texts.h"
 #include "WallClock.h"
@@ -271,11 +272,12 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
 {
     if (!data || !canDropMimeData(data, action, row, column, parent))
         return false;
-    if (m_record) {
+    if (m_editor) {
         bool done = false;
-        ChangeRecorder record = std::exchange(m_record, {});
-        record(data->hasFormat(PrivateRowsType) ? tr("Move") : tr("Drop"), [&] { done = dropMimeData(data, action, row, column, parent); });
-        m_record = std::move(record);
+        ScheduleEditor *editor = std::exchange(m_editor, nullptr);
+        editor->record(data->hasFormat(PrivateRowsType) ? ScheduleEditor::Edit::Move : ScheduleEditor::Edit::Drop,
+                       [&] { done = dropMimeData(data, action, row, column, parent); });
+        m_editor = editor;
         return done;
     }
     const int r = row < 0 || row > rowCount() ? rowCount() : row;
@@ -295,27 +297,18 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
 
 bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
 {
-    QStringList handled;
-    bool any = false;
-    FolderExpansion expansion;
-    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    QStringList paths;
     for (const QUrl &url : urls) {
-        if (!url.isLocalFile())
-            continue;
-        QString path = url.toLocalFile();
-        if (path.size() > 1 && path.endsWith(QLatin1Char('/')))
-            path.chop(1);
-        if (!FolderExpansion::isDroppedFolder(path) || !m_preferences.addFolderFiles())
-            handled << path;
-        else
-            handled << expansion.expand(path, m_preferences.addFolderFilesRecursively());
-        any = true;
+        if (url.isLocalFile())
+            paths << url.toLocalFile();
     }
+    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    QStringList handled = FolderExpansion().expandDropped(paths, m_preferences.addFolderFiles(), m_preferences.addFolderFilesRecursively());
     // Each item goes in at the drop row, so the last one handled ends up on top.
     std::reverse(handled.begin(), handled.end());
     m_schedule.insertPaths(r, handled);
     QGuiApplication::restoreOverrideCursor();
-    return any;
+    return !paths.isEmpty();
 }
 
 } // namespace Quillon

@@ -9,6 +9,7 @@ namespace Quillon {
 
 class Preferences;
 class Schedule;
+class ScheduleEditor;
 class Workspace;
 
 // The schedule as a table. Every cell is computed from the schedule when asked; nothing is cached.
@@ -29,9 +30,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
-    // Wraps every change a drop makes, so that it can be undone.
-    using ChangeRecorder = std::function<void(const QString &what, const std::function<void()> &change)>;
-    void setChangeRecorder(ChangeRecorder recorder) { m_record = std::move(recorder); }
+    // A drop is an edit like any other: made through the editor, so that it can be undone.
+    void setEditor(ScheduleEditor *editor) { m_editor = editor; }
 
     QVariant toolTip(int column, int row) const;
     // The value of one cell by column identifier: an icon, a string, or nothing.
@@ -59,7 +59,7 @@ private:
     Workspace &m_workspace;
     Preferences &m_preferences;
     QStringList m_titles;
-    ChangeRecorder m_record;
+    ScheduleEditor *m_editor = nullptr;
     // Rows that changed this event-loop turn; told to the views once, at the end of it.
     QList<int> m_changedRows;
 };

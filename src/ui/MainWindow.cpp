@@ -2,88 +2,47 @@
 
 #include "DateWindow.h"
 #include "FileAndFolderChooser.h"
+#include "ButtonRow.h"
 #include "ItemTableModel.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "Texts.h"
+#include "WindowState.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
-#include <QFileInfo>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeySequence>
 #include <QLabel>
-#include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QSettings>
 #include <QStatusBar>
 #include <QTableView>
-#include <QUndoCommand>
 #include <QUndoStack>
 #include <QVBoxLayout>
 
 namespace Quillon {
-namespace {
-// One change of the list, kept as the list before and after it. Consecutive date changes to the
-// same rows merge, so that stepping a date through the picker is one undo.
-class ListChange final : public QUndoCommand
-{
-public:
-    ListChange(Schedule &schedule, const QString &text, Schedule::Snapshot before, Schedule::Snapshot after, bool isDateChange)
-        : QUndoCommand(text)
-        , m_schedule(schedule)
-        , m_before(std::move(before))
-        , m_after(std::move(after))
-        , m_dateChange(isDateChange)
-    {
-    }
-    void undo() override { m_schedule.restore(m_before); }
-    void redo() override
-    {
-        // The change is made before it is pushed; only a redo after an undo puts it back.
-        if (std::exchange(m_done, true))
-            m_schedule.restore(m_after);
-    }
-    int id() const override { return m_dateChange ? 1 : -1; }
-    bool mergeWith(const QUndoCommand *other) override
-    {
-        const auto *next = static_cast<const ListChange *>(other);
-        if (next->m_before.paths != m_after.paths)
-            return false;
-        m_after = next->m_after;
-        return true;
-    }
 
-private:
-    Schedule &m_schedule;
-    Schedule::Snapshot m_before;
-    Schedule::Snapshot m_after;
-    bool m_dateChange;
-    bool m_done = false;
-};
-} // namespace
-
-MainWindow::MainWindow(Schedule &schedule, Preferences &preferences, Workspace &workspace, QWidget *parent)
+MainWindow::MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspace &workspace, QWidget *parent)
     : QMainWindow(parent)
-    , m_schedule(schedule)
+    , m_editor(editor)
+    , m_schedule(editor.schedule())
     , m_preferences(preferences)
 {
     setObjectName(QStringLiteral("fileListWindow"));
     setWindowTitle(QStringLiteral("Quillon"));
-    m_model = new ItemTableModel(schedule, workspace, preferences, this);
-    m_undo = new QUndoStack(this);
-    m_model->setChangeRecorder([this](const QString &what, const std::function<void()> &change) { recordChange(what, change); });
+    m_model = new ItemTableModel(m_schedule, workspace, preferences, this);
+    m_model->setEditor(&editor);
     m_dateWindow = new DateWindow(this);
     buildTable();
     buildControls();
@@ -132,18 +91,6 @@ void MainWindow::launchAllClicked()
     });
     // Never a nested event loop: the timers go on while it is asked.
     box->open();
-}
-
-// What a screen reader should say for a label: no accelerator marks ("&&" is a real "&"), no ellipsis.
-QString MainWindow::spokenText(const QString &text)
-{
-    QString spoken;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text.at(i) == QLatin1Char('&') && i + 1 < text.size())
-            ++i;
-        spoken += text.at(i);
-    }
-    return spoken.remove(QStringLiteral("…")).trimmed();
 }
 
 void MainWindow::fitColumnsSoon()
@@ -260,36 +207,25 @@ void MainWindow::buildControls()
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->addWidget(m_fileTable);
-    // The button row may be narrower than all its buttons: those that do not fit are hidden
-    // (every one of them is in the menus too), so that the window works down to 600 px.
-    m_buttonRow = new QWidget(central);
+    m_buttonRow = new ButtonRow(central);
     m_buttonRow->setObjectName(QStringLiteral("buttonRow"));
-    m_buttonRow->installEventFilter(this);
-    auto *buttons = new QHBoxLayout(m_buttonRow);
-    buttons->setContentsMargins(0, 0, 0, 0);
     const auto button = [&](const QString &text, const QString &name, const QString &tip, auto slot) {
-        auto *b = new QPushButton(text, m_buttonRow);
-        b->setObjectName(name);
-        b->setToolTip(tip);
-        b->setAccessibleName(spokenText(text));
+        QPushButton *b = m_buttonRow->addButton(text, name, tip);
         connect(b, &QPushButton::clicked, this, slot);
-        buttons->addWidget(b);
         return b;
     };
     button(tr("&Add…"), QStringLiteral("browseButton"), tr("Add files and folders to the schedule."), &MainWindow::browseButtonClicked);
     m_clearButton = button(tr("&Clear"), QStringLiteral("clearButton"), tr("Remove the selected items, or every item when none is selected."),
                            &MainWindow::clearListButtonClicked);
-    buttons->addSpacing(12);
+    m_buttonRow->addSpacing(12);
     QPushButton *selectAll = button(tr("Select All"), QStringLiteral("selectAllButton"), tr("Select every item."), &MainWindow::selectAllButtonClicked);
     QPushButton *deselectAll = button(tr("Deselect All"), QStringLiteral("deselectAllButton"), tr("Select no item."), &MainWindow::deselectAllButtonClicked);
     QPushButton *invert = button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
-    buttons->addStretch(1);
+    m_buttonRow->addStretch();
     QPushButton *launchAll = button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
                                     &MainWindow::launchAllClicked);
     QPushButton *dateTime = button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."),
                                    &MainWindow::dateTimeClicked);
-    // The first to go when the row is narrow.
-    m_optionalButtons = {invert, deselectAll, selectAll, launchAll, dateTime};
     m_progress = new QProgressBar(m_buttonRow);
     m_progress->setObjectName(QStringLiteral("progress"));
     m_progress->setAccessibleName(tr("Schedule running"));
@@ -301,38 +237,12 @@ void MainWindow::buildControls()
     keepPlace.setRetainSizeWhenHidden(true);
     m_progress->setSizePolicy(keepPlace);
     m_progress->hide();
-    buttons->addWidget(m_progress);
+    m_buttonRow->addWidget(m_progress);
     m_stopStartButton = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
     m_stopStartButton->setDefault(true);
     layout->addWidget(m_buttonRow);
     setCentralWidget(central);
-    fitButtons();
-}
-
-void MainWindow::fitButtons()
-{
-    // The layout itself says what the row needs: first with the optional buttons gone, then with
-    // each added back, the most useful first, while they fit.
-    QLayout *layout = m_buttonRow->layout();
-    for (QWidget *w : m_optionalButtons)
-        w->hide();
-    layout->invalidate();
-    m_buttonRow->setMinimumWidth(layout->minimumSize().width());
-    for (auto it = m_optionalButtons.crbegin(); it != m_optionalButtons.crend(); ++it) {
-        (*it)->show();
-        layout->invalidate();
-        if (layout->minimumSize().width() > m_buttonRow->width()) {
-            (*it)->hide();
-            break;
-        }
-    }
-}
-
-bool MainWindow::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_buttonRow && event->type() == QEvent::Resize)
-        fitButtons();
-    return QMainWindow::eventFilter(watched, event);
+    m_buttonRow->setOptional({invert, deselectAll, selectAll, launchAll, dateTime});
 }
 
 void MainWindow::buildMenus()
@@ -347,10 +257,10 @@ void MainWindow::buildMenus()
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
-    QAction *undo = m_undo->createUndoAction(this, tr("&Undo"));
+    QAction *undo = m_editor.undoStack()->createUndoAction(this, tr("&Undo"));
     undo->setObjectName(QStringLiteral("undoAction"));
     undo->setShortcut(QKeySequence::Undo);
-    QAction *redo = m_undo->createRedoAction(this, tr("&Redo"));
+    QAction *redo = m_editor.undoStack()->createRedoAction(this, tr("&Redo"));
     redo->setObjectName(QStringLiteral("redoAction"));
     // Both keys, each once: where the theme's Redo already is Ctrl+Shift+Z (GNOME, KDE), listing
     // it twice makes the shortcut ambiguous and neither key works.
@@ -481,9 +391,7 @@ void MainWindow::datePickerAction()
     if (rows.isEmpty() || !m_datePicker)
         return;
     const QDateTime picked = m_datePicker->dateTime();
-    recordChange(tr("Date Change"), [&] { m_schedule.setDate(rows, picked.addMSecs(-picked.time().msec())); });
-    if (m_schedule.timersRunning())
-        m_schedule.restartTimers();
+    m_editor.setDate(rows, picked.addMSecs(-picked.time().msec()));
     m_model->reloadAll();
 }
 
@@ -508,43 +416,25 @@ void MainWindow::browseButtonClicked()
     m_chooser->setObjectName(QStringLiteral("chooser"));
     m_chooser->setAttribute(Qt::WA_DeleteOnClose);
     // It opens where it was last used.
-    QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
-    const QString last = state.value(QStringLiteral("window/chooserFolder")).toString();
-    if (!last.isEmpty() && QFileInfo(last).isDir())
+    if (const QString last = WindowState(m_preferences).chooserFolder(); !last.isEmpty())
         m_chooser->setDirectory(last);
     connect(m_chooser, &QDialog::accepted, this, [this] {
-        m_preferences.makeFolder();
-        QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).setValue(QStringLiteral("window/chooserFolder"), m_chooser->directory().absolutePath());
+        WindowState(m_preferences).setChooserFolder(m_chooser->directory().absolutePath());
         addChosenPaths(m_chooser->chosenPaths());
     });
     m_chooser->open();
 }
 
-void MainWindow::recordChange(const QString &what, const std::function<void()> &change)
-{
-    Schedule::Snapshot before = m_schedule.snapshot();
-    change();
-    Schedule::Snapshot after = m_schedule.snapshot();
-    if (after == before)
-        return;
-    m_undo->push(new ListChange(m_schedule, what, std::move(before), std::move(after), what == tr("Date Change")));
-}
-
 void MainWindow::addChosenPaths(const QStringList &paths)
 {
-    QStringList present;
-    for (const QString &p : paths) {
-        if (!p.isEmpty())
-            present << p;
-    }
-    recordChange(tr("Add"), [&] { m_schedule.appendPaths(present); });
+    m_editor.add(paths);
 }
 
 void MainWindow::clearListButtonClicked()
 {
     // No confirmation, as ever: undo is what makes a one-click clear safe.
     const QList<int> rows = selectedRows();
-    recordChange(tr("Clear"), [&] {
+    m_editor.record(ScheduleEditor::Edit::Clear, [&] {
         if (rows.isEmpty())
             m_schedule.removeAll();
         else
@@ -559,7 +449,7 @@ void MainWindow::moveSelectedRow(int by)
     const int to = row + by;
     if (row < 0 || to < 0 || to >= m_schedule.count())
         return;
-    recordChange(tr("Move"), [&] { m_schedule.moveRow(row, to); });
+    m_editor.move(row, to);
     // Not selectRow(): with Ctrl held it would toggle the row out of the selection.
     const QModelIndex index = m_model->index(to, ItemTableModel::NameColumn);
     m_fileTable->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -591,7 +481,7 @@ void MainWindow::removeSelectedRows()
 {
     const QList<int> rows = selectedRows();
     if (!rows.isEmpty())
-        recordChange(tr("Remove"), [&] { m_schedule.removeRows(rows); });
+        m_editor.remove(rows);
 }
 
 void MainWindow::selectAllButtonClicked()
@@ -640,20 +530,15 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::saveWindowState()
 {
-    m_preferences.makeFolder();
-    QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
-    state.setValue(Keys::WindowGeometry, saveGeometry());
-    state.setValue(Keys::TableHeader, m_fileTable->horizontalHeader()->saveState());
+    WindowState(m_preferences).save(*this, *m_fileTable->horizontalHeader());
 }
 
 void MainWindow::restoreWindowState()
 {
-    const QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
-    if (!restoreGeometry(state.value(Keys::WindowGeometry).toByteArray()))
-        resize(860, 480);
     QHeaderView *header = m_fileTable->horizontalHeader();
     m_fittingColumns = true;
-    header->restoreState(state.value(Keys::TableHeader).toByteArray());
+    if (!WindowState(m_preferences).restore(*this, *header))
+        resize(860, 480);
     m_fittingColumns = false;
     // The user's column widths and order come back; how the columns share the width does not change.
     header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <QMainWindow>
 #include <QPointer>
 
@@ -10,15 +8,16 @@ class QDateTimeEdit;
 class QProgressBar;
 class QPushButton;
 class QTableView;
-class QUndoStack;
 
 namespace Quillon {
 
+class ButtonRow;
 class DateWindow;
 class FileAndFolderChooser;
 class ItemTableModel;
 class Preferences;
 class Schedule;
+class ScheduleEditor;
 class Workspace;
 
 // The list window: the schedule table and the controls that fill it, order it and run it.
@@ -27,7 +26,7 @@ class MainWindow final : public QMainWindow
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(MainWindow)
 public:
-    MainWindow(Schedule &schedule, Preferences &preferences, Workspace &workspace, QWidget *parent = nullptr);
+    MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspace &workspace, QWidget *parent = nullptr);
     ~MainWindow() override;
 
     QTableView *fileTable() const { return m_fileTable; }
@@ -60,9 +59,6 @@ public:
     void deselectAllButtonClicked();
     void invertSelectionsButtonClicked();
     void tableViewSelectionDidChange();
-    QUndoStack *undoStack() const { return m_undo; }
-    // Runs change and puts it on the undo stack when it changed the list.
-    void recordChange(const QString &what, const std::function<void()> &change);
 
     // When the desktop has no tray to bring the window back from, closing only minimises it.
     void setCloseHides(bool hides) { m_closeHides = hides; }
@@ -83,12 +79,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
-    static QString spokenText(const QString &text);
-    void fitButtons();
     // Fits the launch time column to its text on the next turn, unless the user sized it.
     void fitColumnsSoon();
     void buildTable();
@@ -96,6 +87,7 @@ private:
     void buildMenus();
     void restoreWindowState();
 
+    ScheduleEditor &m_editor;
     Schedule &m_schedule;
     Preferences &m_preferences;
     ItemTableModel *m_model = nullptr;
@@ -108,9 +100,7 @@ private:
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;
     QProgressBar *m_progress = nullptr;
-    QUndoStack *m_undo = nullptr;
-    QWidget *m_buttonRow = nullptr;
-    QList<QWidget *> m_optionalButtons;
+    ButtonRow *m_buttonRow = nullptr;
     QAction *m_startStopAction = nullptr;
     QAction *m_clearAction = nullptr;
     QAction *m_removeAction = nullptr;

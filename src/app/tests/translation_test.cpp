@@ -3,6 +3,7 @@
 #include "MailSettings.h"
 #include "MainWindow.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "Preferences.h"
 #include "PreferencesDialog.h"
 #include "Texts.h"
@@ -29,8 +30,9 @@ class TranslationTest : public QObject
         Preferences preferences;
         FakeClock clock;
         Schedule schedule(preferences, clock);
+        ScheduleEditor editor(schedule, preferences);
         FakeWorkspace workspace;
-        MainWindow window(schedule, preferences, workspace);
+        MainWindow window(editor, preferences, workspace);
         QStringList texts;
         for (const QAction *menu : window.menuBar()->actions())
             texts << menu->text();

@@ -4,6 +4,7 @@
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "TestSupport.h"
 
 #include <QAbstractItemView>
@@ -46,7 +47,8 @@ private Q_SLOTS:
     {
         m_clock = std::make_unique<FakeClock>(Now);
         m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
-        m_window = std::make_unique<MainWindow>(*m_schedule, *m_prefs, m_workspace);
+        m_editor = std::make_unique<ScheduleEditor>(*m_schedule, *m_prefs);
+        m_window = std::make_unique<MainWindow>(*m_editor, *m_prefs, m_workspace);
         connect(m_schedule.get(), &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
         m_window->setupDatePickerControl();
         m_schedule->appendPaths({"/a", "/b", "/c"});
@@ -57,6 +59,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_window.reset();
+        m_editor.reset();
         m_schedule.reset();
     }
 
@@ -242,8 +245,8 @@ private Q_SLOTS:
         select({1});
         m_window->datePicker()->setDateTime(at(1000));
         m_window->datePicker()->setDateTime(at(2000));
-        QCOMPARE(m_window->undoStack()->count(), 1);
-        m_window->undoStack()->undo();
+        QCOMPARE(m_editor->undoStack()->count(), 1);
+        m_editor->undoStack()->undo();
         QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(100), at(200), at(300)}));
         QVERIFY(m_schedule->timersRunning());
         QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(200));
@@ -399,6 +402,7 @@ private:
     std::unique_ptr<FakeClock> m_clock;
     FakeWorkspace m_workspace;
     std::unique_ptr<Schedule> m_schedule;
+    std::unique_ptr<ScheduleEditor> m_editor;
     std::unique_ptr<MainWindow> m_window;
 };
 

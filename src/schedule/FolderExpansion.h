@@ -23,6 +23,8 @@ public:
 
     // What a drop of this folder adds, in the order the folder gives its entries.
     QStringList expand(const QString &folder, bool recursive);
+    // What a drop of these paths adds: each folder its files when folderFiles is set, in order.
+    QStringList expandDropped(const QStringList &paths, bool folderFiles, bool recursive);
 
 private:
     const QSet<QString> &hiddenNamesIn(const QString &folder);

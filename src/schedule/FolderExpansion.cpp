@@ -67,4 +67,20 @@ QStringList FolderExpansion::expand(const QString &folder, bool recursive)
     return added;
 }
 
+QStringList FolderExpansion::expandDropped(const QStringList &paths, bool folderFiles, bool recursive)
+{
+    QStringList out;
+    for (QString path : paths) {
+        if (path.isEmpty())
+            continue;
+        if (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+            path.chop(1);
+        if (folderFiles && isDroppedFolder(path))
+            out << expand(path, recursive);
+        else
+            out << path;
+    }
+    return out;
+}
+
 } // namespace Quillon

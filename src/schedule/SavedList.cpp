@@ -1,0 +1,87 @@
+#include "SavedList.h"
+
+#include "FileReference.h"
+#include "Log.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+
+namespace Quillon {
+namespace {
+// A hand-written settings file has no date type of its own; ISO 8601 text is what people write.
+QDateTime toDate(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QDateTime)
+        return Preferences::isReadable(value) ? value.toDateTime() : QDateTime();
+    if (value.typeId() == QMetaType::QString)
+        return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
+    return {};
+}
+
+// INI cannot write a one-element list, so in a hand-written file one value stands for a list of one.
+QVariantList asList(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QVariantList)
+        return value.toList();
+    if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray || value.typeId() == QMetaType::QDateTime)
+        return {value};
+    if (value.typeId() == QMetaType::QStringList) {
+        QVariantList out;
+        for (const QString &s : value.toStringList())
+            out << s;
+        return out;
+    }
+    return {};
+}
+} // namespace
+
+void SavedList::write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running)
+{
+    QVariantList items;
+    items.reserve(paths.size());
+    for (const QString &path : paths) {
+        const QByteArray reference = FileReference::make(path);
+        if (reference.isEmpty()) {
+            systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(path));
+            continue;
+        }
+        items.append(reference);
+    }
+    QVariantList values;
+    values.reserve(dates.size());
+    for (const QDateTime &date : dates)
+        values.append(date);
+    preferences.setValues({{Keys::Items, items}, {Keys::Dates, values}, {Keys::TimersRunning, running}});
+}
+
+SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
+{
+    SavedList saved;
+    const bool datesAbsent = !preferences.contains(Keys::Dates);
+    if (!datesAbsent) {
+        for (const QVariant &element : asList(preferences.value(Keys::Dates))) {
+            const QDateTime date = toDate(element);
+            saved.dates.append(date.isValid() ? date : now);
+        }
+    }
+    if (preferences.contains(Keys::TimersRunning))
+        saved.running = Preferences::toBool(preferences.value(Keys::TimersRunning));
+
+    QList<QByteArray> references;
+    for (const QVariant &element : asList(preferences.value(Keys::Items))) {
+        const QByteArray reference = element.typeId() == QMetaType::QString ? element.toString().toUtf8() : element.toByteArray();
+        if (!reference.isEmpty())
+            references.append(reference);
+    }
+    for (const std::optional<QString> &path : FileReference::resolveAll(references)) {
+        if (!path) {
+            systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
+            continue;
+        }
+        saved.paths.append(*path);
+        if (datesAbsent)
+            saved.dates.append(now);
+    }
+    return saved;
+}
+
+} // namespace Quillon

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QStringList>
+
+#include <optional>
+
+namespace Quillon {
+
+class Preferences;
+
+// The list as the settings file keeps it: file references, launch dates and whether the schedule
+// ran. Read without a schedule too (the command line lists it when Quillon is not running).
+struct SavedList
+{
+    QStringList paths;
+    // As saved: a list whose files went missing has more dates than paths, as it always had.
+    QList<QDateTime> dates;
+    // Absent from the file: the schedule keeps what it had.
+    std::optional<bool> running;
+
+    static void write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running);
+    // Dates that cannot be read, and every date when none were saved, are now.
+    static SavedList read(const Preferences &preferences, const QDateTime &now);
+};
+
+} // namespace Quillon
