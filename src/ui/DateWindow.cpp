@@ -2,6 +2,7 @@
 
 #include "ClockView.h"
 
+#include <QDateTimeEdit>
 #include <QHBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
@@ -29,6 +30,29 @@ DateWindow::DateWindow(QWidget *parent)
     layout->addWidget(m_placeholder);
     layout->addWidget(new ClockView(this));
     m_label->setBuddy(m_placeholder);
+}
+
+QDateTimeEdit *DateWindow::makePicker(const QDateTime &value)
+{
+    auto *picker = new QDateTimeEdit(m_placeholder);
+    picker->setObjectName(QStringLiteral("datePicker"));
+    picker->setAccessibleName(tr("Launch date and time"));
+    picker->setCalendarPopup(false);
+    // Date, time to the second and zone, written as the user's locale writes them (as the table
+    // does), with the whole year.
+    const QLocale locale;
+    picker->setLocale(locale);
+    QString dateFormat = locale.dateFormat(QLocale::ShortFormat);
+    if (!dateFormat.contains(QLatin1String("yyyy")))
+        dateFormat.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    QString timeFormat = locale.timeFormat(QLocale::LongFormat);
+    if (!timeFormat.contains(QLatin1Char('t')))
+        timeFormat += QLatin1String(" t");
+    picker->setDisplayFormat(dateFormat + QLatin1String("  ") + timeFormat);
+    picker->setTimeSpec(Qt::LocalTime);
+    picker->setDateTime(value);
+    m_placeholder->layout()->addWidget(picker);
+    return picker;
 }
 
 void DateWindow::setSelectionCount(int count)

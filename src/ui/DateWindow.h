@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class QDateTime;
+class QDateTimeEdit;
 class QLabel;
 
 namespace Quillon {
@@ -14,6 +16,8 @@ class DateWindow final : public QWidget
 public:
     explicit DateWindow(QWidget *parent = nullptr);
     QWidget *datePickerPlaceHolder() const { return m_placeholder; }
+    // A new picker in the placeholder, showing value.
+    QDateTimeEdit *makePicker(const QDateTime &value);
     void setSelectionCount(int count);
 
 private:

@@ -4,6 +4,7 @@
 #include "FileAndFolderChooser.h"
 #include "ButtonRow.h"
 #include "ItemTableModel.h"
+#include "ItemTableView.h"
 #include "Preferences.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
@@ -93,27 +94,6 @@ void MainWindow::launchAllClicked()
     box->open();
 }
 
-void MainWindow::fitColumnsSoon()
-{
-    if (std::exchange(m_fitQueued, true))
-        return;
-    QMetaObject::invokeMethod(this, [this] {
-        m_fitQueued = false;
-        if (m_userSizedLaunchTime || m_schedule.count() == 0)
-            return;
-        m_fittingColumns = true;
-        m_fileTable->resizeColumnToContents(ItemTableModel::LaunchTimeColumn);
-        m_fittingColumns = false;
-    }, Qt::QueuedConnection);
-}
-
-void MainWindow::showEvent(QShowEvent *event)
-{
-    QMainWindow::showEvent(event);
-    if (!std::exchange(m_shownOnce, true))
-        fitColumnsSoon();
-}
-
 QWidget *MainWindow::calendarClockWindow() const
 {
     return m_dateWindow;
@@ -121,85 +101,10 @@ QWidget *MainWindow::calendarClockWindow() const
 
 void MainWindow::buildTable()
 {
-    m_fileTable = new QTableView(this);
-    m_fileTable->setObjectName(QStringLiteral("fileTable"));
-    m_fileTable->setAccessibleName(tr("Scheduled items"));
-    m_fileTable->setModel(m_model);
-    m_fileTable->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_fileTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_fileTable->setDragEnabled(true);
-    m_fileTable->setAcceptDrops(true);
-    m_fileTable->setDropIndicatorShown(true);
-    m_fileTable->setDragDropMode(QAbstractItemView::DragDrop);
-    m_fileTable->setDragDropOverwriteMode(false);
-    m_fileTable->setDefaultDropAction(Qt::MoveAction);
-    m_fileTable->setShowGrid(false);
-    m_fileTable->setAlternatingRowColors(true);
-    m_fileTable->setWordWrap(false);
-    m_fileTable->setTextElideMode(Qt::ElideMiddle);
-    m_fileTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_fileTable->verticalHeader()->hide();
-    // Fixed row heights let the view skip measuring rows it does not show.
-    m_fileTable->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    m_fileTable->verticalHeader()->setDefaultSectionSize(m_fileTable->fontMetrics().height() + 10);
-    m_fileTable->setIconSize(QSize(20, 20));
-    QHeaderView *header = m_fileTable->horizontalHeader();
-    header->setHighlightSections(false);
-    header->setSectionResizeMode(ItemTableModel::IconColumn, QHeaderView::Fixed);
-    header->setSectionResizeMode(ItemTableModel::CheckColumn, QHeaderView::Fixed);
-    header->resizeSection(ItemTableModel::IconColumn, 30);
-    header->resizeSection(ItemTableModel::CheckColumn, 30);
-    // Name and the path or countdown share the spare width; the launch time takes what it needs.
-    header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
-    // The launch time is fitted when rows come (added or restored) and when the window is first
-    // shown, not at every change: measuring the column at each launch of a burst froze the window.
-    // A width the user gives it stays.
-    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
-    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
-        if (column == ItemTableModel::LaunchTimeColumn && !m_fittingColumns)
-            m_userSizedLaunchTime = true;
-    });
-    connect(m_model, &QAbstractItemModel::rowsInserted, this, &MainWindow::fitColumnsSoon);
-    connect(m_model, &QAbstractItemModel::modelReset, this, &MainWindow::fitColumnsSoon);
-
-    // An empty list says what to do with it; the hint lets drops through to the table.
-    auto *hint = new QLabel(tr("Drop files here or choose Add…"), m_fileTable->viewport());
-    hint->setObjectName(QStringLiteral("emptyHint"));
-    hint->setAlignment(Qt::AlignCenter);
-    hint->setEnabled(false);
-    hint->setAttribute(Qt::WA_TransparentForMouseEvents);
-    auto *hintLayout = new QVBoxLayout(m_fileTable->viewport());
-    hintLayout->addWidget(hint);
-    const auto showHint = [this, hint] { hint->setVisible(m_model->rowCount() == 0); };
-    connect(m_model, &QAbstractItemModel::rowsInserted, hint, showHint);
-    connect(m_model, &QAbstractItemModel::rowsRemoved, hint, showHint);
-    connect(m_model, &QAbstractItemModel::modelReset, hint, showHint);
-    showHint();
-
-    // Tab leaves the table for the controls instead of walking its cells.
-    m_fileTable->setTabKeyNavigation(false);
-    m_fileTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_fileTable = new ItemTableView(m_model, m_schedule, this);
     connect(m_fileTable, &QWidget::customContextMenuRequested, this, &MainWindow::showRowMenu);
     connect(m_fileTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::tableViewSelectionDidChange);
     connect(m_fileTable, &QTableView::doubleClicked, this, [this] { Q_EMIT doubleClicked(); });
-
-    // An undo resets the model; the rows that are still there stay selected, wherever they went.
-    connect(&m_schedule, &Schedule::aboutToRestore, this, [this] {
-        m_keptSelection.clear();
-        for (int row : selectedRows())
-            m_keptSelection.append(m_schedule.idAt(row));
-    });
-    connect(&m_schedule, &Schedule::restored, this, [this] {
-        QItemSelection selection;
-        for (quint64 id : std::as_const(m_keptSelection)) {
-            const int row = m_schedule.rowOf(id);
-            if (row >= 0)
-                selection.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
-        }
-        m_fileTable->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-        m_keptSelection.clear();
-    });
 }
 
 void MainWindow::buildControls()
@@ -335,21 +240,12 @@ void MainWindow::showRunningState(bool running)
 
 int MainWindow::selectedRow() const
 {
-    // The row selected last, as the table reports it.
-    const QModelIndex current = m_fileTable->selectionModel()->currentIndex();
-    if (current.isValid() && m_fileTable->selectionModel()->isRowSelected(current.row(), {}))
-        return current.row();
-    const QList<int> rows = selectedRows();
-    return rows.isEmpty() ? -1 : rows.last();
+    return m_fileTable->selectedRow();
 }
 
 QList<int> MainWindow::selectedRows() const
 {
-    QList<int> rows;
-    for (const QModelIndex &index : m_fileTable->selectionModel()->selectedRows())
-        rows << index.row();
-    std::sort(rows.begin(), rows.end());
-    return rows;
+    return m_fileTable->selectedRows();
 }
 
 void MainWindow::setupDatePickerControl()
@@ -362,26 +258,7 @@ void MainWindow::setupDatePickerControl()
             value = m_datePicker->dateTime();
         delete m_datePicker;
     }
-    QWidget *placeholder = m_dateWindow->datePickerPlaceHolder();
-    m_datePicker = new QDateTimeEdit(placeholder);
-    m_datePicker->setObjectName(QStringLiteral("datePicker"));
-    m_datePicker->setAccessibleName(tr("Launch date and time"));
-    m_datePicker->setCalendarPopup(false);
-    // Date, time to the second and zone, written as the user's locale writes them (as the table
-    // does), with the whole year.
-    const QLocale locale;
-    m_datePicker->setLocale(locale);
-    QString dateFormat = locale.dateFormat(QLocale::ShortFormat);
-    if (!dateFormat.contains(QLatin1String("yyyy")))
-        dateFormat.replace(QLatin1String("yy"), QLatin1String("yyyy"));
-    QString timeFormat = locale.timeFormat(QLocale::LongFormat);
-    if (!timeFormat.contains(QLatin1Char('t')))
-        timeFormat += QLatin1String(" t");
-    m_datePicker->setDisplayFormat(dateFormat + QLatin1String("  ") + timeFormat);
-    m_datePicker->setTimeSpec(Qt::LocalTime);
-    m_datePicker->setEnabled(true);
-    m_datePicker->setDateTime(value);
-    placeholder->layout()->addWidget(m_datePicker);
+    m_datePicker = m_dateWindow->makePicker(value);
     connect(m_datePicker, &QDateTimeEdit::dateTimeChanged, this, &MainWindow::datePickerAction);
 }
 
@@ -535,15 +412,10 @@ void MainWindow::saveWindowState()
 
 void MainWindow::restoreWindowState()
 {
-    QHeaderView *header = m_fileTable->horizontalHeader();
-    m_fittingColumns = true;
-    if (!WindowState(m_preferences).restore(*this, *header))
+    const WindowState state(m_preferences);
+    m_fileTable->restoreHeader(state.headerState());
+    if (!state.restoreGeometry(*this))
         resize(860, 480);
-    m_fittingColumns = false;
-    // The user's column widths and order come back; how the columns share the width does not change.
-    header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
 }
 
 } // namespace Quillon

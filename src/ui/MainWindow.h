@@ -15,6 +15,7 @@ class ButtonRow;
 class DateWindow;
 class FileAndFolderChooser;
 class ItemTableModel;
+class ItemTableView;
 class Preferences;
 class Schedule;
 class ScheduleEditor;
@@ -29,7 +30,7 @@ public:
     MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspace &workspace, QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    QTableView *fileTable() const { return m_fileTable; }
+    ItemTableView *fileTable() const { return m_fileTable; }
     ItemTableModel *model() const { return m_model; }
     QDateTimeEdit *datePicker() const { return m_datePicker; }
     QWidget *calendarClockWindow() const;
@@ -77,11 +78,8 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
-    void showEvent(QShowEvent *event) override;
 
 private:
-    // Fits the launch time column to its text on the next turn, unless the user sized it.
-    void fitColumnsSoon();
     void buildTable();
     void buildControls();
     void buildMenus();
@@ -91,12 +89,7 @@ private:
     Schedule &m_schedule;
     Preferences &m_preferences;
     ItemTableModel *m_model = nullptr;
-    QList<quint64> m_keptSelection;
-    bool m_fitQueued = false;
-    bool m_fittingColumns = false;
-    bool m_userSizedLaunchTime = false;
-    bool m_shownOnce = false;
-    QTableView *m_fileTable = nullptr;
+    ItemTableView *m_fileTable = nullptr;
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;
     QProgressBar *m_progress = nullptr;

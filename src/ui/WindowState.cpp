@@ -18,11 +18,14 @@ void WindowState::save(const QWidget &window, const QHeaderView &header)
     state.setValue(Keys::TableHeader, header.saveState());
 }
 
-bool WindowState::restore(QWidget &window, QHeaderView &header) const
+bool WindowState::restoreGeometry(QWidget &window) const
 {
-    const QSettings state(m_preferences.windowStateFileName(), QSettings::IniFormat);
-    header.restoreState(state.value(Keys::TableHeader).toByteArray());
-    return window.restoreGeometry(state.value(Keys::WindowGeometry).toByteArray());
+    return window.restoreGeometry(QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::WindowGeometry).toByteArray());
+}
+
+QByteArray WindowState::headerState() const
+{
+    return QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::TableHeader).toByteArray();
 }
 
 QString WindowState::chooserFolder() const

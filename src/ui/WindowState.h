@@ -21,7 +21,8 @@ public:
 
     void save(const QWidget &window, const QHeaderView &header);
     // False when there was nothing to restore the window's geometry from.
-    bool restore(QWidget &window, QHeaderView &header) const;
+    bool restoreGeometry(QWidget &window) const;
+    QByteArray headerState() const;
     QString chooserFolder() const;
     void setChooserFolder(const QString &folder);
 

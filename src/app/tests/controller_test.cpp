@@ -6,6 +6,7 @@
 #include "MailTestSupport.h"
 #include "PreferencesDialog.h"
 #include "Log.h"
+#include "ItemTableView.h"
 #include "MainWindow.h"
 #include "QuillonController.h"
 #include "SettingsKeys.h"

@@ -1,6 +1,7 @@
 #include "FakeClock.h"
 #include "FakeWorkspace.h"
 #include "ItemTableModel.h"
+#include "ItemTableView.h"
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "Schedule.h"

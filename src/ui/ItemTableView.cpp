@@ -1,0 +1,148 @@
+#include "ItemTableView.h"
+
+#include "ItemTableModel.h"
+#include "Schedule.h"
+
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace Quillon {
+
+ItemTableView::ItemTableView(ItemTableModel *model, Schedule &schedule, QWidget *parent)
+    : QTableView(parent)
+    , m_model(model)
+    , m_schedule(schedule)
+{
+    setObjectName(QStringLiteral("fileTable"));
+    setAccessibleName(tr("Scheduled items"));
+    setModel(m_model);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setDragDropOverwriteMode(false);
+    setDefaultDropAction(Qt::MoveAction);
+    setShowGrid(false);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setTextElideMode(Qt::ElideMiddle);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    verticalHeader()->hide();
+    // Fixed row heights let the view skip measuring rows it does not show.
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    setIconSize(QSize(20, 20));
+    QHeaderView *header = horizontalHeader();
+    header->setHighlightSections(false);
+    header->setSectionResizeMode(ItemTableModel::IconColumn, QHeaderView::Fixed);
+    header->setSectionResizeMode(ItemTableModel::CheckColumn, QHeaderView::Fixed);
+    header->resizeSection(ItemTableModel::IconColumn, 30);
+    header->resizeSection(ItemTableModel::CheckColumn, 30);
+    // Name and the path or countdown share the spare width; the launch time takes what it needs.
+    setResizeModes();
+    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
+        if (column == ItemTableModel::LaunchTimeColumn && !m_fittingColumns)
+            m_userSizedLaunchTime = true;
+    });
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &ItemTableView::fitColumnsSoon);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &ItemTableView::fitColumnsSoon);
+
+    // An empty list says what to do with it; the hint lets drops through to the table.
+    auto *hint = new QLabel(tr("Drop files here or choose Add…"), viewport());
+    hint->setObjectName(QStringLiteral("emptyHint"));
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setEnabled(false);
+    hint->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto *hintLayout = new QVBoxLayout(viewport());
+    hintLayout->addWidget(hint);
+    const auto showHint = [this, hint] { hint->setVisible(m_model->rowCount() == 0); };
+    connect(m_model, &QAbstractItemModel::rowsInserted, hint, showHint);
+    connect(m_model, &QAbstractItemModel::rowsRemoved, hint, showHint);
+    connect(m_model, &QAbstractItemModel::modelReset, hint, showHint);
+    showHint();
+
+    // Tab leaves the table for the controls instead of walking its cells.
+    setTabKeyNavigation(false);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+
+    // An undo resets the model; the rows that are still there stay selected, wherever they went.
+    connect(&m_schedule, &Schedule::aboutToRestore, this, [this] {
+        m_keptSelection.clear();
+        for (int row : selectedRows())
+            m_keptSelection.append(m_schedule.idAt(row));
+    });
+    connect(&m_schedule, &Schedule::restored, this, [this] {
+        QItemSelection selection;
+        for (quint64 id : std::as_const(m_keptSelection)) {
+            const int row = m_schedule.rowOf(id);
+            if (row >= 0)
+                selection.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+        }
+        selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+        m_keptSelection.clear();
+    });
+}
+
+void ItemTableView::setResizeModes()
+{
+    QHeaderView *header = horizontalHeader();
+    header->setSectionResizeMode(ItemTableModel::NameColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ItemTableModel::FileColumn, QHeaderView::Stretch);
+    // The launch time is fitted when rows come (added or restored) and when the window is first
+    // shown, not at every change: measuring the column at each launch of a burst froze the window.
+    // A width the user gives it stays.
+    header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
+}
+
+void ItemTableView::restoreHeader(const QByteArray &state)
+{
+    m_fittingColumns = true;
+    horizontalHeader()->restoreState(state);
+    m_fittingColumns = false;
+    setResizeModes();
+}
+
+void ItemTableView::fitColumnsSoon()
+{
+    if (std::exchange(m_fitQueued, true))
+        return;
+    QMetaObject::invokeMethod(this, [this] {
+        m_fitQueued = false;
+        if (m_userSizedLaunchTime || m_schedule.count() == 0)
+            return;
+        m_fittingColumns = true;
+        resizeColumnToContents(ItemTableModel::LaunchTimeColumn);
+        m_fittingColumns = false;
+    }, Qt::QueuedConnection);
+}
+
+void ItemTableView::showEvent(QShowEvent *event)
+{
+    QTableView::showEvent(event);
+    if (!std::exchange(m_shownOnce, true))
+        fitColumnsSoon();
+}
+
+int ItemTableView::selectedRow() const
+{
+    const QModelIndex current = selectionModel()->currentIndex();
+    if (current.isValid() && selectionModel()->isRowSelected(current.row(), {}))
+        return current.row();
+    const QList<int> rows = selectedRows();
+    return rows.isEmpty() ? -1 : rows.last();
+}
+
+QList<int> ItemTableView::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : selectionModel()->selectedRows())
+        rows << index.row();
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+} // namespace Quillon
