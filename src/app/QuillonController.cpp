@@ -35,7 +35,7 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
     // Only once the quit has come to the deliveries: earlier steps may still be under way.
     connect(&m_mail, &MailDispatcher::allFinished, this, [this] {
         if (m_quitting && m_waitingForDeliveries)
-            QCoreApplication::exit(0);
+            exitNow();
     });
     // What the window layout would hold: the window and its controls exist before awakeFromNib.
     m_window = std::make_unique<MainWindow>(m_editor, m_preferences, platform.workspace);
@@ -111,10 +111,8 @@ void QuillonController::quitAfterOpenings()
 void QuillonController::quitAfterDeliveries()
 {
     m_waitingForDeliveries = true;
-    // exit(), not quit(): quit() asks every window to close first, and a window that only
-    // minimises would cancel it.
     if (m_mail.inFlight() == 0) {
-        QCoreApplication::exit(0);
+        exitNow();
         return;
     }
     // Only the sessions still at work get the time.
@@ -123,8 +121,17 @@ void QuillonController::quitAfterDeliveries()
         return;
     QTimer::singleShot(std::chrono::seconds(20), this, [this] {
         systemLog(QStringLiteral("Quitting: %1 mail deliveries did not finish in time.").arg(m_mail.inFlight()));
-        QCoreApplication::exit(0);
+        exitNow();
     });
+}
+
+void QuillonController::exitNow()
+{
+    if (std::exchange(m_exiting, true))
+        return;
+    // exit(), not quit(): quit() asks every window to close first, and a window that only
+    // minimises would cancel it.
+    m_platform.power.release([] { QCoreApplication::exit(0); });
 }
 
 void QuillonController::quitWhenIdle()

@@ -88,6 +88,7 @@ private:
     void setUpTray();
     void quitAfterOpenings();
     void quitAfterDeliveries();
+    void exitNow();
 
     Platform m_platform;
     Preferences m_preferences;
@@ -104,6 +105,7 @@ private:
     bool m_quitting = false;
     bool m_waitingForDeliveries = false;
     bool m_terminated = false;
+    bool m_exiting = false;
 };
 
 } // namespace Quillon

@@ -1,8 +1,10 @@
+#include "CommandLine.h"
 #include "DesktopWorkspace.h"
 #include "KeychainSecretStore.h"
 #include "Log.h"
 #include "LogindPowerService.h"
 #include "QuillonController.h"
+#include "ScriptingService.h"
 #include "ShebangScriptRunner.h"
 #include "SingleInstance.h"
 #include "TimerFdClock.h"
@@ -13,9 +15,11 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDBusConnection>
 #include <QIcon>
 #include <QStandardPaths>
 
+#include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
 
@@ -45,6 +49,8 @@ bool haveDisplay()
 int main(int argc, char *argv[])
 {
     raiseOpenFileLimit();
+    // A log line to a terminal or pipe that has gone away must not end the schedule.
+    std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication::setOrganizationName(QStringLiteral("Quillon"));
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
@@ -53,6 +59,12 @@ int main(int argc, char *argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
+    // quillon add ..., list, ...: a command for the running instance, without a window of its own.
+    if (CommandLine::isVerb(arguments.value(1))) {
+        QCoreApplication app(argc, argv);
+        installTranslations(app);
+        return CommandLine::run(arguments);
+    }
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Quillon opens files, applications and scripts at the times you choose."));
     const QCommandLineOption helpOption = parser.addHelpOption();
@@ -64,7 +76,10 @@ int main(int argc, char *argv[])
         return 2;
     }
     if (parser.isSet(helpOption)) {
-        std::fputs(qPrintable(parser.helpText().replace(QLatin1String("<executable_name>"), QLatin1String("quillon"))), stdout);
+        QCoreApplication app(argc, argv);
+        installTranslations(app);
+        const QString text = parser.helpText().replace(QCoreApplication::arguments().constFirst(), QLatin1String("quillon")) + QLatin1Char('\n') + CommandLine::help();
+        std::fputs(text.toLocal8Bit().constData(), stdout);
         return 0;
     }
     if (parser.isSet(versionOption)) {
@@ -121,6 +136,9 @@ int main(int argc, char *argv[])
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
+    // Scripts in the session reach the list through the bus; without one Quillon works on alone.
+    ScriptingService scripting(controller);
+    scripting.registerOn(QDBusConnection::sessionBus());
     QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller] {
         systemLog(QStringLiteral("Another start asked for the window."));
         controller.showMainWindow();

@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QObject>
 
+#include <functional>
+
 namespace Quillon {
 
 // System sleep notifications and wake requests.
@@ -17,6 +19,8 @@ public:
     virtual bool registerForNotifications() = 0;
     // Ask for the machine to be woken lead seconds before date; false when it cannot be arranged.
     virtual bool schedulePowerWake(const QDateTime &date, quint32 leadSeconds) = 0;
+    // Before the program ends: let go of what it holds (a helper process), then call done.
+    virtual void release(std::function<void()> done) { done(); }
 
 Q_SIGNALS:
     void willSleep();

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 namespace Quillon {
 
 // One way of having the machine woken at an absolute time. Everything is asynchronous: a hung
@@ -19,6 +21,8 @@ public:
     virtual void probe() = 0;
     // Wake at epochSecs; answers with requestDone() once the kernel or the daemon has it.
     virtual void request(qint64 epochSecs) = 0;
+    // Before the program ends; done once nothing is left running.
+    virtual void release(std::function<void()> done) { done(); }
 
 Q_SIGNALS:
     void probed(bool available, const QString &reason);

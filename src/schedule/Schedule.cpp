@@ -323,6 +323,7 @@ void Schedule::launch(const TimerSlot &timer)
 {
     if (m_launchItem)
         m_launchItem(timer->path());
+    Q_EMIT launched(timer->path(), timer->fireDate());
     const qsizetype k = slotOf(timer);
 
     const int repeat = m_preferences.intValue(Keys::RepeatSeconds);

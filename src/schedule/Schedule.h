@@ -103,6 +103,8 @@ Q_SIGNALS:
     void quitRequested();
     // The schedule stopped without the user asking: text says why, for a status line.
     void stoppedByItself(const QString &text);
+    // An item's time came and it was handed to the launcher; date is the time it was due.
+    void launched(const QString &path, const QDateTime &date);
     // The user stopped a running schedule (not the last launch ending it).
     void stoppedByUser();
 

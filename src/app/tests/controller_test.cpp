@@ -9,6 +9,7 @@
 #include "ItemTableView.h"
 #include "MainWindow.h"
 #include "QuillonController.h"
+#include "ScriptingService.h"
 #include "SettingsKeys.h"
 #include "StatusImages.h"
 #include "TestSupport.h"
@@ -45,6 +46,35 @@ private Q_SLOTS:
         m_power = std::make_unique<FakePowerService>();
     }
     void cleanup() { m_controller.reset(); }
+
+    // A script's change is the window's own edit: the table shows it, Edit ▸ Undo takes it back,
+    // and a running schedule re-arms for a date a script sets.
+    void aScriptsEditIsTheWindowsEdit()
+    {
+        QTemporaryDir files;
+        QVERIFY(Test::writeFile(files.filePath(QStringLiteral("a.txt"))) && Test::writeFile(files.filePath(QStringLiteral("b.txt"))));
+        start();
+        ScriptingService scripting(*m_controller);
+        MainWindow *window = m_controller->fileListWindow();
+        const qint64 inAnHour = Now / 1000 + 3600;
+        QCOMPARE(scripting.Add({files.filePath(QStringLiteral("a.txt")), files.filePath(QStringLiteral("b.txt"))}, inAnHour), 2);
+        QCOMPARE(window->model()->rowCount(), 2);
+        auto *undo = window->findChild<QAction *>(QStringLiteral("undoAction"));
+        QCOMPARE(undo->text(), QStringLiteral("&Undo Add"));
+        undo->trigger();
+        QCOMPARE(window->model()->rowCount(), 0);
+        window->findChild<QAction *>(QStringLiteral("redoAction"))->trigger();
+        QCOMPARE(window->model()->rowCount(), 2);
+
+        scripting.Start();
+        QVERIFY(scripting.running());
+        scripting.SetDate({1}, inAnHour + 60);
+        QCOMPARE(m_controller->schedule().timers().at(1)->fireDate(), QDateTime::fromSecsSinceEpoch(inAnHour + 60));
+        QVERIFY(m_controller->schedule().timers().at(1)->isValid());
+        // Refused as in the window, where Remove is off while the schedule runs.
+        scripting.Remove({0});
+        QCOMPARE(window->model()->rowCount(), 2);
+    }
 
     void addDateStartCountdownStop()
     {

@@ -8,6 +8,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
+#include <memory>
+
 namespace Quillon {
 namespace {
 const QString Service = QStringLiteral("org.freedesktop.login1");
@@ -173,6 +175,18 @@ void LogindPowerService::requestFinished()
         --m_pendingRequests;
     if (m_pendingRequests == 0 && m_releaseWhenSent)
         releaseInhibitor();
+}
+
+void LogindPowerService::release(std::function<void()> done)
+{
+    auto pending = std::make_shared<qsizetype>(m_alarms.size() + 1);
+    const auto one = [pending, done] {
+        if (--*pending == 0)
+            done();
+    };
+    for (WakeAlarm *alarm : std::as_const(m_alarms))
+        alarm->release(one);
+    one();
 }
 
 } // namespace Quillon

@@ -19,6 +19,7 @@ class LogindPowerService final : public PowerService
 public:
     // alarms: the ways of waking, best first; the first that is available does the work.
     explicit LogindPowerService(QList<WakeAlarm *> alarms = {}, QObject *parent = nullptr);
+    void release(std::function<void()> done) override;
     bool registerForNotifications() override;
     bool schedulePowerWake(const QDateTime &date, quint32 leadSeconds) override;
 

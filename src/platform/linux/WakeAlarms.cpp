@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -141,10 +142,20 @@ HelperWakeAlarm::HelperWakeAlarm(QString helperPath, QObject *parent)
 
 HelperWakeAlarm::~HelperWakeAlarm()
 {
-    // It holds nothing worth a goodbye: its alarms end with it. Killed, not waited for, so that
-    // QProcess only reaps it and never holds up the quit.
+    // Normally gone already (release()); QProcess ends and reaps whatever is left.
     m_helper.disconnect(this);
-    m_helper.kill();
+}
+
+void HelperWakeAlarm::release(std::function<void()> done)
+{
+    if (m_helper.state() == QProcess::NotRunning) {
+        done();
+        return;
+    }
+    // Its input closes and it ends, taking its alarms with it; one that does not is killed.
+    connect(&m_helper, &QProcess::finished, this, [done] { done(); }, Qt::SingleShotConnection);
+    QTimer::singleShot(2000, &m_helper, [this] { m_helper.kill(); });
+    m_helper.closeWriteChannel();
 }
 
 QString HelperWakeAlarm::installedHelper()

@@ -16,6 +16,7 @@ public:
     QString name() const override { return QStringLiteral("kernel wake alarm"); }
     void probe() override;
     void request(qint64 epochSecs) override;
+    void release(std::function<void()> done) override;
     qint64 helperPid() const { return m_helper.processId(); }
 
     // The helper next to the program, or where the package puts it.

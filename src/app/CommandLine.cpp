@@ -1,0 +1,244 @@
+#include "CommandLine.h"
+
+#include "Countdown.h"
+#include "LaunchTimeText.h"
+#include "MediumDateFormat.h"
+#include "Preferences.h"
+#include "SavedList.h"
+#include "ScriptingService.h"
+
+#include <QCommandLineParser>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QThread>
+
+#include <cstdio>
+
+namespace Quillon {
+namespace {
+const QStringList Verbs{QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("remove"),
+                        QStringLiteral("start"), QStringLiteral("stop"), QStringLiteral("launch-all")};
+
+void say(FILE *to, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), to);
+    std::fputc('\n', to);
+}
+
+int usage(const QString &verb, const QString &problem)
+{
+    say(stderr, QStringLiteral("quillon %1: %2 (try quillon --help)").arg(verb, problem));
+    return CommandLine::Usage;
+}
+
+int refused(const QString &why)
+{
+    say(stderr, QStringLiteral("quillon: %1").arg(why));
+    return CommandLine::Refused;
+}
+
+bool instanceRuns(const QDBusConnection &bus)
+{
+    return bus.isConnected() && bus.interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName));
+}
+
+// As a start at login does: the schedule as saved, the window out of the way. This process is a
+// command, not the app: waiting here holds up nobody's window.
+bool startInstance(const QDBusConnection &bus)
+{
+    // Its output must not go to ours: a pipe that closes when this command ends would take it down.
+    QProcess instance;
+    instance.setProgram(QCoreApplication::applicationFilePath());
+    instance.setArguments({QStringLiteral("--autostart")});
+    instance.setStandardInputFile(QProcess::nullDevice());
+    instance.setStandardOutputFile(QProcess::nullDevice());
+    instance.setStandardErrorFile(QProcess::nullDevice());
+    if (!instance.startDetached())
+        return false;
+    const QDeadlineTimer deadline(std::chrono::seconds(20));
+    while (!deadline.hasExpired()) {
+        if (instanceRuns(bus))
+            return true;
+        QThread::msleep(100);
+    }
+    return false;
+}
+
+struct Reply
+{
+    QDBusMessage message;
+    bool ok() const { return message.type() == QDBusMessage::ReplyMessage; }
+};
+
+Reply call(const QDBusConnection &bus, const QString &method, const QVariantList &arguments = {})
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                                                          QLatin1String(ScriptingService::InterfaceName), method);
+    message.setArguments(arguments);
+    return {bus.call(message, QDBus::Block, 120'000)};
+}
+
+int printList(const ListedItems &items, bool json)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    if (json) {
+        QJsonArray array;
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            const QDateTime date = QDateTime::fromSecsSinceEpoch(items.at(i).date);
+            array.append(QJsonObject{{QStringLiteral("row"), int(i + 1)},
+                                     {QStringLiteral("path"), items.at(i).path},
+                                     {QStringLiteral("date"), items.at(i).date},
+                                     {QStringLiteral("dateText"), date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate)},
+                                     {QStringLiteral("opened"), items.at(i).fired}});
+        }
+        std::fputs(QJsonDocument(array).toJson(QJsonDocument::Indented).constData(), stdout);
+        return CommandLine::Done;
+    }
+    if (items.isEmpty()) {
+        say(stdout, CommandLine::tr("The list is empty."));
+        return CommandLine::Done;
+    }
+    QStringList dates, states;
+    qsizetype dateWidth = 0, stateWidth = 0;
+    for (const ListedItem &item : items) {
+        const QDateTime date = QDateTime::fromSecsSinceEpoch(item.date);
+        dates << formatMediumDateTime(date);
+        states << (item.fired ? CommandLine::tr("opened") : countdownText(double(now.msecsTo(date)) / 1000.0).trimmed());
+        dateWidth = std::max(dateWidth, dates.last().size());
+        stateWidth = std::max(stateWidth, states.last().size());
+    }
+    const int rowWidth = int(QString::number(items.size()).size());
+    for (qsizetype i = 0; i < items.size(); ++i)
+        say(stdout, QStringLiteral("%1  %2  %3  %4").arg(i + 1, rowWidth).arg(dates.at(i), -int(dateWidth)).arg(states.at(i), -int(stateWidth)).arg(items.at(i).path));
+    return CommandLine::Done;
+}
+
+// Rows as list shows them, from 1; the bus counts from 0.
+std::optional<QList<int>> rowsFrom(const QStringList &words)
+{
+    QList<int> rows;
+    for (const QString &word : words) {
+        bool ok = false;
+        const int row = word.toInt(&ok);
+        if (!ok || row < 1)
+            return std::nullopt;
+        rows << row - 1;
+    }
+    return rows;
+}
+} // namespace
+
+bool CommandLine::isVerb(const QString &word)
+{
+    return Verbs.contains(word);
+}
+
+QString CommandLine::help()
+{
+    return tr("Commands (each talks to the running Quillon; add and start start one when none runs):\n"
+              "  add FILE… --at TIME   Schedule files or folders.      quillon add ~/notes.txt --at \"tomorrow 07:00\"\n"
+              "  list [--json]         Show the list, rows from 1.     quillon list --json\n"
+              "  remove ROW…           Remove rows as list shows them. quillon remove 2 3\n"
+              "  start                 Start the schedule.             quillon start\n"
+              "  stop                  Stop the schedule.              quillon stop\n"
+              "  launch-all            Open every item now.            quillon launch-all\n"
+              "TIME: \"2026-12-01 07:00\" (local time), ISO 8601 with an offset, +10m, +2h, +1d, 07:00, tomorrow 07:00.\n"
+              "Exit status: 0 done, 1 refused (the reason is on standard error), 2 wrong use.\n");
+}
+
+int CommandLine::run(const QStringList &arguments)
+{
+    const QString verb = arguments.value(1);
+    QCommandLineParser parser;
+    const QCommandLineOption at(QStringLiteral("at"), tr("When to open the files."), QStringLiteral("TIME"));
+    const QCommandLineOption json(QStringLiteral("json"), tr("Print the list as JSON."));
+    if (verb == QLatin1String("add"))
+        parser.addOption(at);
+    if (verb == QLatin1String("list"))
+        parser.addOption(json);
+    if (!parser.parse(arguments.mid(1)))
+        return usage(verb, parser.errorText());
+    const QStringList words = parser.positionalArguments();
+    if (verb != QLatin1String("add") && verb != QLatin1String("remove") && !words.isEmpty())
+        return usage(verb, tr("unexpected argument '%1'").arg(words.first()));
+
+    qRegisterMetaType<ListedItem>();
+    qDBusRegisterMetaType<ListedItem>();
+    qDBusRegisterMetaType<ListedItems>();
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+
+    QVariantList callArguments;
+    QString method;
+    if (verb == QLatin1String("add")) {
+        if (words.isEmpty())
+            return usage(verb, tr("no file given"));
+        if (!parser.isSet(at))
+            return usage(verb, tr("--at TIME is needed"));
+        const std::optional<QDateTime> when = parseLaunchTime(parser.value(at), QDateTime::currentDateTime());
+        if (!when)
+            return usage(verb, tr("cannot read the time '%1'").arg(parser.value(at)));
+        QStringList paths;
+        for (const QString &word : words)
+            paths << QDir::cleanPath(QFileInfo(word).absoluteFilePath());
+        method = QStringLiteral("Add");
+        callArguments = {paths, when->toSecsSinceEpoch()};
+    } else if (verb == QLatin1String("remove")) {
+        const std::optional<QList<int>> rows = rowsFrom(words);
+        if (!rows || rows->isEmpty())
+            return usage(verb, tr("give the rows to remove as numbers from 1, as list shows them"));
+        method = QStringLiteral("Remove");
+        callArguments = {QVariant::fromValue(*rows)};
+    } else if (verb == QLatin1String("list")) {
+        method = QStringLiteral("List");
+    } else {
+        method = verb == QLatin1String("start") ? QStringLiteral("Start") : verb == QLatin1String("stop") ? QStringLiteral("Stop") : QStringLiteral("LaunchAllNow");
+    }
+
+    if (!instanceRuns(bus)) {
+        if (verb == QLatin1String("list")) {
+            const Preferences preferences;
+            return printList([&] {
+                const SavedList saved = SavedList::read(preferences, QDateTime::currentDateTime());
+                ListedItems items;
+                for (qsizetype i = 0; i < saved.paths.size(); ++i)
+                    items.append({saved.paths.at(i), saved.dates.value(i).toSecsSinceEpoch(), false});
+                return items;
+            }(), parser.isSet(json));
+        }
+        if (!bus.isConnected())
+            return refused(tr("there is no session bus to reach Quillon on"));
+        if (verb != QLatin1String("add") && verb != QLatin1String("start"))
+            return refused(tr("Quillon is not running"));
+        if (!startInstance(bus))
+            return refused(tr("Quillon could not be started"));
+    }
+
+    if (verb == QLatin1String("remove")) {
+        // Said in the rows the user sees, counted from 1.
+        const Reply listed = call(bus, QStringLiteral("List"));
+        const qsizetype count = listed.ok() ? qdbus_cast<ListedItems>(listed.message.arguments().value(0)).size() : 0;
+        for (int row : callArguments.first().value<QList<int>>()) {
+            if (listed.ok() && row >= count)
+                return refused(tr("there is no row %1; the list has %n row(s)", nullptr, int(count)).arg(row + 1));
+        }
+    }
+    const Reply reply = call(bus, method, callArguments);
+    if (!reply.ok())
+        return refused(reply.message.errorMessage());
+    if (verb == QLatin1String("list"))
+        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json));
+    if (verb == QLatin1String("add"))
+        say(stdout, tr("%n item(s) added.", nullptr, reply.message.arguments().value(0).toInt()));
+    return Done;
+}
+
+} // namespace Quillon

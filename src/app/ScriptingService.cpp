@@ -1,0 +1,202 @@
+#include "ScriptingService.h"
+
+#include "Log.h"
+#include "QuillonController.h"
+#include "Texts.h"
+#include "WallClock.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QFileInfo>
+
+namespace Quillon {
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedItem &item)
+{
+    argument.beginStructure();
+    argument << item.path << item.date << item.fired;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item)
+{
+    argument.beginStructure();
+    argument >> item.path >> item.date >> item.fired;
+    argument.endStructure();
+    return argument;
+}
+
+ScriptingService::ScriptingService(QuillonController &controller, QObject *parent)
+    : QObject(parent)
+    , m_controller(controller)
+{
+    qDBusRegisterMetaType<ListedItem>();
+    qDBusRegisterMetaType<ListedItems>();
+    Schedule &schedule = controller.schedule();
+    connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
+    connect(&schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date) {
+        Q_EMIT Launched(path, date.toSecsSinceEpoch());
+    });
+}
+
+bool ScriptingService::registerOn(QDBusConnection bus)
+{
+    if (!bus.isConnected()) {
+        systemLog(QStringLiteral("No session bus: Quillon cannot be driven from scripts in this session."));
+        return false;
+    }
+    if (!bus.registerObject(QLatin1String(ObjectPath), this,
+                            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties)) {
+        systemLog(QStringLiteral("Could not export %1 on the session bus: %2").arg(QLatin1String(ObjectPath), bus.lastError().message()));
+        return false;
+    }
+    // Without queueing: a second Quillon (another settings file) must not wait for the name and
+    // take it over later from under the scripts that talk to the first.
+    if (!bus.registerService(QLatin1String(ServiceName))) {
+        systemLog(QStringLiteral("The session bus name %1 belongs to another program; scripts cannot reach this Quillon.").arg(QLatin1String(ServiceName)));
+        bus.unregisterObject(QLatin1String(ObjectPath));
+        return false;
+    }
+    m_bus = bus;
+    m_announced = running();
+    return true;
+}
+
+bool ScriptingService::running() const
+{
+    return m_controller.schedule().timersRunning();
+}
+
+bool ScriptingService::refuse(const QString &why)
+{
+    if (calledFromDBus())
+        sendErrorReply(QDBusError::InvalidArgs, why);
+    return false;
+}
+
+bool ScriptingService::checkDate(qint64 date)
+{
+    if (date >= 0 && date <= LatestDate)
+        return true;
+    return refuse(tr("The date %1 is out of range: Unix seconds from 0 to %2.").arg(date).arg(LatestDate));
+}
+
+bool ScriptingService::checkRows(const QList<int> &rows, const QString &method)
+{
+    if (rows.isEmpty())
+        return refuse(tr("%1 needs at least one row.").arg(method));
+    const int count = m_controller.schedule().count();
+    for (int row : rows) {
+        if (row < 0 || row >= count)
+            return refuse(tr("Row %1 is out of range: the list has %n row(s), counted from 0.", nullptr, count).arg(row));
+    }
+    return true;
+}
+
+int ScriptingService::Add(const QStringList &paths, qint64 date)
+{
+    if (paths.isEmpty()) {
+        refuse(tr("Add needs at least one path."));
+        return 0;
+    }
+    if (!checkDate(date))
+        return 0;
+    for (const QString &path : paths) {
+        const QFileInfo info(path);
+        const QString problem = path.isEmpty() || info.isRelative() ? tr("Not an absolute path: \"%1\".").arg(path)
+                                : !info.exists() && !info.isSymLink() ? tr("No such file or folder: %1").arg(path)
+                                                                      : QString();
+        if (!problem.isEmpty()) {
+            refuse(problem);
+            return 0;
+        }
+    }
+    ScheduleEditor &editor = m_controller.editor();
+    return editor.add(editor.expandFolders(paths), QDateTime::fromSecsSinceEpoch(date));
+}
+
+ListedItems ScriptingService::List()
+{
+    const Schedule &schedule = m_controller.schedule();
+    ListedItems items;
+    items.reserve(schedule.count());
+    for (int row = 0; row < schedule.count(); ++row) {
+        const TimerSlot &slot = schedule.timers().value(row);
+        const QDateTime date = schedule.dates().value(row);
+        items.append({schedule.paths().at(row), date.isValid() ? date.toSecsSinceEpoch() : 0, slot && !slot->isValid()});
+    }
+    return items;
+}
+
+void ScriptingService::Remove(const QList<int> &rows)
+{
+    if (!checkRows(rows, QStringLiteral("Remove")))
+        return;
+    // As in the window: the list of a running schedule is not cut into.
+    if (running()) {
+        refuse(tr("The schedule is running; stop it before removing items."));
+        return;
+    }
+    m_controller.editor().remove(rows);
+}
+
+void ScriptingService::SetDate(const QList<int> &rows, qint64 date)
+{
+    if (checkRows(rows, QStringLiteral("SetDate")) && checkDate(date))
+        m_controller.editor().setDate(rows, QDateTime::fromSecsSinceEpoch(date));
+}
+
+void ScriptingService::Start()
+{
+    Schedule &schedule = m_controller.schedule();
+    if (schedule.timersRunning())
+        return;
+    // Refused here rather than in an alert on a screen the script's user may not be watching.
+    const qint64 now = schedule.clock().nowMSecs();
+    const auto &dates = schedule.dates();
+    const bool anyAhead = std::any_of(dates.begin(), dates.begin() + std::min<qsizetype>(dates.size(), schedule.count()),
+                                      [now](const QDateTime &d) { return d.toMSecsSinceEpoch() > now; });
+    if (!anyAhead) {
+        refuse(Texts::tr(Texts::NoItemsScheduled) + QLatin1Char(' ') + Texts::tr(Texts::NoItemsScheduledInfo));
+        return;
+    }
+    schedule.startStopButtonClicked();
+}
+
+void ScriptingService::Stop()
+{
+    if (m_controller.schedule().timersRunning())
+        m_controller.schedule().startStopButtonClicked();
+}
+
+void ScriptingService::LaunchAllNow()
+{
+    m_controller.launchAllNow();
+}
+
+void ScriptingService::announceRunning()
+{
+    // A restart passes through "stopped" on its way; a script hears only where it ended, once.
+    if (std::exchange(m_announceQueued, true))
+        return;
+    QMetaObject::invokeMethod(this, [this] {
+        m_announceQueued = false;
+        const bool now = running();
+        if (now == std::exchange(m_announced, now) || !m_bus.isConnected())
+            return;
+        sendRunning(now);
+    }, Qt::QueuedConnection);
+}
+
+void ScriptingService::sendRunning(bool running)
+{
+    QDBusMessage signal = QDBusMessage::createSignal(QLatin1String(ObjectPath), QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                     QStringLiteral("PropertiesChanged"));
+    signal << QLatin1String(InterfaceName) << QVariantMap{{QStringLiteral("Running"), running}} << QStringList();
+    m_bus.send(signal);
+}
+
+} // namespace Quillon

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QDBusContext>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+
+namespace Quillon {
+
+class QuillonController;
+
+// One row as List() gives it: a(sxb).
+struct ListedItem
+{
+    QString path;
+    qint64 date = 0;
+    bool fired = false;
+};
+using ListedItems = QList<ListedItem>;
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedItem &item);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item);
+
+// The list of the running instance for scripts in the user's session: every change is the
+// window's own edit (undoable there), and bad input is refused whole with the reason.
+class ScriptingService final : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.quillon.Quillon1")
+    Q_PROPERTY(bool Running READ running)
+public:
+    static constexpr const char *ServiceName = "org.quillon.Quillon";
+    static constexpr const char *ObjectPath = "/org/quillon/Quillon";
+    static constexpr const char *InterfaceName = "org.quillon.Quillon1";
+    // Unix seconds: the dates a launch date can have (up to the end of year 9999).
+    static constexpr qint64 LatestDate = 253402300799;
+
+    explicit ScriptingService(QuillonController &controller, QObject *parent = nullptr);
+    // Exports the object and takes the name; false (and a log line) when the bus or the name is
+    // not to be had. Quillon works on without it.
+    bool registerOn(QDBusConnection bus);
+    bool running() const;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE int Add(const QStringList &paths, qint64 date);
+    Q_SCRIPTABLE Quillon::ListedItems List();
+    Q_SCRIPTABLE void Remove(const QList<int> &rows);
+    Q_SCRIPTABLE void SetDate(const QList<int> &rows, qint64 date);
+    Q_SCRIPTABLE void Start();
+    Q_SCRIPTABLE void Stop();
+    Q_SCRIPTABLE void LaunchAllNow();
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void Launched(const QString &path, qint64 date);
+
+private:
+    // Each returns false after sending the caller an error; outside a D-Bus call (tests) it
+    // only returns false.
+    bool refuse(const QString &why);
+    bool checkDate(qint64 date);
+    bool checkRows(const QList<int> &rows, const QString &method);
+    void announceRunning();
+    void sendRunning(bool running);
+
+    QuillonController &m_controller;
+    QDBusConnection m_bus{QString()};
+    bool m_announced = false;
+    bool m_announceQueued = false;
+};
+
+} // namespace Quillon
+
+Q_DECLARE_METATYPE(Quillon::ListedItem)

@@ -1,0 +1,285 @@
+#include "ScriptingService.h"
+#include "TestSupport.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusInterface>
+#include <QDBusMetaType>
+#include <QDBusReply>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+
+#include <csignal>
+
+using namespace Quillon;
+
+// Signals as they come off the bus.
+class Recorder : public QObject, public QList<QDBusMessage>
+{
+    Q_OBJECT
+public Q_SLOTS:
+    void record(const QDBusMessage &message) { append(message); }
+};
+
+// The real program on a private session bus, driven as a script would: over D-Bus and through
+// its own command line.
+class ScriptingTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qDBusRegisterMetaType<ListedItem>();
+        qDBusRegisterMetaType<ListedItems>();
+        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        QVERIFY(m_daemon.waitForReadyRead(10'000));
+        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
+        m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_address, QStringLiteral("test")));
+        QVERIFY(m_bus->isConnected());
+        for (const char *name : {"a.txt", "b.txt", "Grüße/c.txt"})
+            QVERIFY(Test::writeFile(m_home.filePath(QString::fromUtf8(name)), "x"));
+    }
+    void cleanupTestCase()
+    {
+        stopInstance();
+        m_daemon.terminate();
+        m_daemon.waitForFinished(5000);
+    }
+
+    // The command line with no instance: list reads the saved list, add starts one in the
+    // background, and two adds at once lose no row (one instance, one writer).
+    void commandLineStartsTheInstance()
+    {
+        QCOMPARE(cli({QStringLiteral("list")}).first, 0);
+        QCOMPARE(cli({QStringLiteral("stop")}).first, 1); // nothing to stop: none runs
+        QProcess first, second;
+        for (QProcess *p : {&first, &second})
+            startCli(*p, {QStringLiteral("add"), file(p == &first ? "a.txt" : "b.txt"), QStringLiteral("--at"), QStringLiteral("+1h")});
+        for (QProcess *p : {&first, &second}) {
+            QVERIFY(p->waitForFinished(30'000));
+            QCOMPARE(p->exitCode(), 0);
+        }
+        const ListedItems items = list();
+        QCOMPARE(items.size(), 2);
+        QStringList paths{items.at(0).path, items.at(1).path};
+        paths.sort();
+        QCOMPARE(paths, (QStringList{file("a.txt"), file("b.txt")}));
+        // Saved at quit; then read back without an instance, read-only.
+        stopInstance();
+        const auto [code, out] = cli({QStringLiteral("list"), QStringLiteral("--json")});
+        QCOMPARE(code, 0);
+        const QJsonArray json = QJsonDocument::fromJson(out).array();
+        QCOMPARE(json.size(), 2);
+        QCOMPARE(json.at(0).toObject().value(QStringLiteral("row")).toInt(), 1);
+        QCOMPARE(json.at(0).toObject().value(QStringLiteral("date")).toInteger(), items.at(0).date);
+        QVERIFY(!json.at(0).toObject().value(QStringLiteral("opened")).toBool());
+    }
+
+    // Each verb's refusals and wrong uses, with the instance running.
+    void commandLineExitCodes_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("says");
+        QTest::newRow("add, no time") << QStringList{QStringLiteral("add"), file("a.txt")} << 2 << "--at";
+        QTest::newRow("add, unreadable time") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("soon")} << 2 << "soon";
+        QTest::newRow("add, missing file") << QStringList{QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m")} << 1 << "No such file";
+        QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9";
+        QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1";
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("list"), QStringLiteral("--xml")} << 2 << "xml";
+        QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1";
+    }
+    void commandLineExitCodes()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, says);
+        ensureInstance();
+        const auto [code, out] = cli(arguments);
+        QCOMPARE(code, exitCode);
+        QVERIFY2(QString::fromUtf8(out).contains(says), out.constData());
+    }
+
+    // What a script sees: each method, the Running property's changes and Launched at the
+    // time an item opens.
+    void methodsPropertyAndSignal()
+    {
+        ensureInstance();
+        QDBusInterface quillon(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                               QLatin1String(ScriptingService::InterfaceName), *m_bus);
+        QVERIFY(quillon.call(QStringLiteral("Stop")).type() == QDBusMessage::ReplyMessage);
+        const int before = int(list().size());
+        const qint64 soon = QDateTime::currentSecsSinceEpoch() + 2;
+        QDBusReply<int> added = quillon.call(QStringLiteral("Add"), QStringList{file("a.txt"), file("b.txt")}, soon);
+        QCOMPARE(added.value(), 2);
+        QCOMPARE(quillon.call(QStringLiteral("SetDate"), QVariant::fromValue(QList<int>{before + 1}), soon + 3600).type(), QDBusMessage::ReplyMessage);
+        ListedItems items = list();
+        QCOMPARE(items.at(before).date, soon);
+        QCOMPARE(items.at(before + 1).date, soon + 3600);
+
+        Recorder launched, changed;
+        QVERIFY(m_bus->connect(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName),
+                               QStringLiteral("Launched"), &launched, SLOT(record(QDBusMessage))));
+        QVERIFY(m_bus->connect(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QStringLiteral("org.freedesktop.DBus.Properties"),
+                               QStringLiteral("PropertiesChanged"), &changed, SLOT(record(QDBusMessage))));
+        QCOMPARE(quillon.call(QStringLiteral("Start")).type(), QDBusMessage::ReplyMessage);
+        QVERIFY(quillon.property("Running").toBool());
+        QTRY_COMPARE_WITH_TIMEOUT(launched.size(), 1, 10'000);
+        QCOMPARE(launched.at(0).arguments().at(0).toString(), file("a.txt"));
+        QCOMPARE(launched.at(0).arguments().at(1).toLongLong(), soon);
+        QVERIFY(list().at(before).fired);
+        QCOMPARE(quillon.call(QStringLiteral("Stop")).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE(changed.size(), 2);
+        QCOMPARE(qdbus_cast<QVariantMap>(changed.at(0).arguments().at(1)).value(QStringLiteral("Running")).toBool(), true);
+        QCOMPARE(qdbus_cast<QVariantMap>(changed.at(1).arguments().at(1)).value(QStringLiteral("Running")).toBool(), false);
+        QCOMPARE(quillon.call(QStringLiteral("Remove"), QVariant::fromValue(QList<int>{before, before + 1})).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(list().size(), before);
+    }
+
+    // Bad input gets an error that says what is wrong, and the list stays as it was.
+    void badCallsChangeNothing_data()
+    {
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QString>("message");
+        const qint64 later = QDateTime::currentSecsSinceEpoch() + 3600;
+        QTest::newRow("missing file") << "Add" << QVariantList{QStringList{file("a.txt"), file("gone.txt")}, later} << "No such file or folder";
+        QTest::newRow("relative path") << "Add" << QVariantList{QStringList{QStringLiteral("a.txt")}, later} << "Not an absolute path";
+        QTest::newRow("no paths") << "Add" << QVariantList{QStringList{}, later} << "at least one path";
+        QTest::newRow("date too late") << "Add" << QVariantList{QStringList{file("a.txt")}, Q_INT64_C(253402300800)} << "out of range";
+        QTest::newRow("negative date") << "SetDate" << QVariantList{QVariant::fromValue(QList<int>{0}), Q_INT64_C(-1)} << "out of range";
+        QTest::newRow("row out of range") << "Remove" << QVariantList{QVariant::fromValue(QList<int>{0, 99})} << "out of range";
+        QTest::newRow("no rows") << "SetDate" << QVariantList{QVariant::fromValue(QList<int>{}), later} << "at least one row";
+        QTest::newRow("wrong types") << "Add" << QVariantList{QStringLiteral("/tmp"), later} << "";
+    }
+    void badCallsChangeNothing()
+    {
+        QFETCH(QString, method);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QString, message);
+        ensureInstance();
+        const ListedItems before = list();
+        QVERIFY(!before.isEmpty());
+        QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                                                           QLatin1String(ScriptingService::InterfaceName), method);
+        call.setArguments(arguments);
+        const QDBusMessage reply = m_bus->call(call);
+        QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
+        QVERIFY2(reply.errorMessage().contains(message), qPrintable(reply.errorMessage()));
+        const ListedItems after = list();
+        QCOMPARE(after.size(), before.size());
+        for (qsizetype i = 0; i < after.size(); ++i)
+            QVERIFY(after.at(i).path == before.at(i).path && after.at(i).date == before.at(i).date);
+    }
+
+    // The interface the package installs is the one the program exports.
+    void installedInterfaceMatchesTheExportedOne()
+    {
+        ensureInstance();
+        QDBusInterface introspectable(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                                      QStringLiteral("org.freedesktop.DBus.Introspectable"), *m_bus);
+        const QDBusReply<QString> live = introspectable.call(QStringLiteral("Introspect"));
+        QFile installed(QStringLiteral(INTERFACE_XML));
+        QVERIFY(installed.open(QIODevice::ReadOnly));
+        QCOMPARE(members(live.value().toUtf8()), members(installed.readAll()));
+    }
+
+private:
+    // "method Add(as in,x in,i out)" and so on, for the one interface; a signal's arguments
+    // have no direction to compare.
+    static QStringList members(const QByteArray &xml)
+    {
+        QStringList out;
+        QXmlStreamReader reader(xml);
+        bool ours = false;
+        QString member;
+        QStringList arguments;
+        while (!reader.atEnd()) {
+            reader.readNext();
+            const QString tag = reader.name().toString();
+            const QXmlStreamAttributes a = reader.attributes();
+            if (reader.isStartElement() && tag == QLatin1String("interface")) {
+                ours = a.value(QLatin1String("name")) == QLatin1String(ScriptingService::InterfaceName);
+            } else if (ours && reader.isStartElement() && (tag == QLatin1String("method") || tag == QLatin1String("signal") || tag == QLatin1String("property"))) {
+                member = tag + QLatin1Char(' ') + a.value(QLatin1String("name")).toString() + a.value(QLatin1String("type")).toString();
+                arguments.clear();
+            } else if (ours && reader.isStartElement() && tag == QLatin1String("arg")) {
+                // Ins and outs are two lists; where they stand to each other means nothing.
+                const QString direction = member.startsWith(QLatin1String("signal")) ? QString() : a.value(QLatin1String("direction")).toString();
+                arguments.insert(direction == QLatin1String("out") ? arguments.size() : int(std::count_if(arguments.begin(), arguments.end(), [](const QString &x) {
+                    return !x.endsWith(QLatin1String(" out"));
+                })), a.value(QLatin1String("type")).toString() + QLatin1Char(' ') + direction);
+            } else if (ours && reader.isEndElement() && (tag == QLatin1String("method") || tag == QLatin1String("signal") || tag == QLatin1String("property"))) {
+                out << member + QLatin1Char('(') + arguments.join(QLatin1Char(',')) + QLatin1Char(')');
+            }
+        }
+        out.sort();
+        return out;
+    }
+    QString file(const char *name) const { return m_home.filePath(QString::fromUtf8(name)); }
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home.filePath(QStringLiteral("runtime")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        env.remove(QStringLiteral("DISPLAY"));
+        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        QDir().mkpath(m_home.filePath(QStringLiteral("runtime")));
+        QFile::setPermissions(m_home.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return env;
+    }
+    void startCli(QProcess &p, const QStringList &arguments) const
+    {
+        p.setProcessEnvironment(environment());
+        p.setProcessChannelMode(QProcess::MergedChannels);
+        p.start(QStringLiteral(QUILLON_BINARY), arguments);
+    }
+    std::pair<int, QByteArray> cli(const QStringList &arguments) const
+    {
+        QProcess p;
+        startCli(p, arguments);
+        if (!p.waitForFinished(30'000))
+            return {-1, "timed out"};
+        return {p.exitCode(), p.readAll()};
+    }
+    // The background instance a command started, or one started here.
+    void ensureInstance()
+    {
+        if (m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)))
+            return;
+        cli({QStringLiteral("start")}); // refused for a list with nothing ahead, but started all the same
+        QTRY_VERIFY_WITH_TIMEOUT(m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)), 20'000);
+    }
+    void stopInstance()
+    {
+        const QDBusReply<uint> pid = m_bus->interface()->servicePid(QLatin1String(ScriptingService::ServiceName));
+        if (!pid.isValid())
+            return;
+        ::kill(pid_t(pid.value()), SIGTERM);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)), 20'000);
+        // The name goes before the process has written its list.
+        QTRY_VERIFY_WITH_TIMEOUT(::kill(pid_t(pid.value()), 0) != 0, 20'000);
+    }
+    ListedItems list()
+    {
+        const QDBusMessage reply = m_bus->call(QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                                                                              QLatin1String(ScriptingService::InterfaceName), QStringLiteral("List")));
+        return qdbus_cast<ListedItems>(reply.arguments().value(0));
+    }
+
+    QTemporaryDir m_home;
+    QProcess m_daemon;
+    QString m_address;
+    std::unique_ptr<QDBusConnection> m_bus;
+};
+
+QTEST_GUILESS_MAIN(ScriptingTest)
+#include "scripting_test.moc"
