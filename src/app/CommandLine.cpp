@@ -36,7 +36,7 @@ void say(FILE *to, const QString &text)
 
 int usage(const QString &verb, const QString &problem)
 {
-    say(stderr, QStringLiteral("quillon %1: %2 (try quillon --help)").arg(verb, problem));
+    say(stderr, CommandLine::tr("quillon %1: %2 (try quillon --help)").arg(verb, problem));
     return CommandLine::Usage;
 }
 

@@ -1,3 +1,4 @@
+#include "CommandLine.h"
 #include "FakeClock.h"
 #include "FakeWorkspace.h"
 #include "MailSettings.h"
@@ -70,6 +71,8 @@ private Q_SLOTS:
         QCOMPARE(Texts::tr(Texts::Start), QStringLiteral("Starten"));
         PreferencesDialog dialog(preferences);
         QCOMPARE(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton"))->text(), QStringLiteral("Testnachricht senden"));
+        // The command line's help, verbs and all.
+        QVERIFY(CommandLine::help().startsWith(QStringLiteral("Befehle")));
         // Log lines and mail subjects stay English.
         QCOMPARE(Texts::LaunchedSubject, QStringLiteral("Quillon launched path..."));
     }
