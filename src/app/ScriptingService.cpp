@@ -9,7 +9,9 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QFileInfo>
+#include <QFile>
+
+#include <sys/stat.h>
 
 namespace Quillon {
 
@@ -96,6 +98,20 @@ bool ScriptingService::checkRows(const QList<int> &rows, const QString &method)
     return true;
 }
 
+QString ScriptingService::pathProblem(const QString &path, bool &isFolder)
+{
+    // lstat, not QFileInfo: a script's 10,000 paths are looked up while the window waits.
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info = {};
+    if (!name.startsWith('/'))
+        return tr("Not an absolute path: \"%1\".").arg(path);
+    if (::lstat(name.constData(), &info) != 0)
+        return tr("No such file or folder: %1").arg(path);
+    // A link to a folder is that folder, as for a drop.
+    isFolder = S_ISDIR(info.st_mode) || (S_ISLNK(info.st_mode) && ::stat(name.constData(), &info) == 0 && S_ISDIR(info.st_mode));
+    return {};
+}
+
 int ScriptingService::Add(const QStringList &paths, qint64 date)
 {
     if (paths.isEmpty()) {
@@ -104,18 +120,49 @@ int ScriptingService::Add(const QStringList &paths, qint64 date)
     }
     if (!checkDate(date))
         return 0;
+    if (calledFromDBus()) {
+        // Looked up a slice per event-loop turn, then added in one edit: the window and the
+        // timers go on between the slices of a long call.
+        setDelayedReply(true);
+        checkSlice(std::make_shared<PendingAdd>(PendingAdd{message(), connection(), paths, date}));
+        return 0;
+    }
+    bool anyFolder = false;
     for (const QString &path : paths) {
-        const QFileInfo info(path);
-        const QString problem = path.isEmpty() || info.isRelative() ? tr("Not an absolute path: \"%1\".").arg(path)
-                                : !info.exists() && !info.isSymLink() ? tr("No such file or folder: %1").arg(path)
-                                                                      : QString();
-        if (!problem.isEmpty()) {
+        bool isFolder = false;
+        if (const QString problem = pathProblem(path, isFolder); !problem.isEmpty()) {
             refuse(problem);
             return 0;
         }
+        anyFolder = anyFolder || isFolder;
     }
+    return addChecked(paths, date, anyFolder);
+}
+
+void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
+{
+    constexpr qsizetype Slice = 1000;
+    const qsizetype end = std::min(add->paths.size(), add->next + Slice);
+    for (; add->next < end; ++add->next) {
+        bool isFolder = false;
+        if (const QString problem = pathProblem(add->paths.at(add->next), isFolder); !problem.isEmpty()) {
+            add->bus.send(add->call.createErrorReply(QDBusError::InvalidArgs, problem));
+            return;
+        }
+        add->anyFolder = add->anyFolder || isFolder;
+    }
+    if (add->next < add->paths.size()) {
+        QMetaObject::invokeMethod(this, [this, add] { checkSlice(add); }, Qt::QueuedConnection);
+        return;
+    }
+    add->bus.send(add->call.createReply(addChecked(add->paths, add->date, add->anyFolder)));
+}
+
+int ScriptingService::addChecked(const QStringList &paths, qint64 date, bool anyFolder)
+{
+    // Each path looked at again only when a folder is among them.
     ScheduleEditor &editor = m_controller.editor();
-    return editor.add(editor.expandFolders(paths), QDateTime::fromSecsSinceEpoch(date));
+    return editor.add(anyFolder ? editor.expandFolders(paths) : paths, QDateTime::fromSecsSinceEpoch(date));
 }
 
 ListedItems ScriptingService::List()

@@ -3,9 +3,12 @@
 #include <QDBusContext>
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDateTime>
 #include <QList>
 #include <QObject>
+
+#include <memory>
 
 namespace Quillon {
 
@@ -61,6 +64,18 @@ private:
     bool refuse(const QString &why);
     bool checkDate(qint64 date);
     bool checkRows(const QList<int> &rows, const QString &method);
+    struct PendingAdd
+    {
+        QDBusMessage call;
+        QDBusConnection bus;
+        QStringList paths;
+        qint64 date = 0;
+        qsizetype next = 0;
+        bool anyFolder = false;
+    };
+    static QString pathProblem(const QString &path, bool &isFolder);
+    void checkSlice(const std::shared_ptr<PendingAdd> &add);
+    int addChecked(const QStringList &paths, qint64 date, bool anyFolder);
     void announceRunning();
     void sendRunning(bool running);
 
