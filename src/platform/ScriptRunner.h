@@ -47,6 +47,8 @@ public:
     {
         bool loaded = false;                       // false: the script could not be read or has no interpreter
         std::optional<ScriptDescriptor> result;    // none: the script failed while running
+        QString problem;                           // why it failed, in words: "exit status 3"
+        std::chrono::milliseconds ran{0};
     };
     using Done = std::function<void(const Outcome &)>;
     virtual ~ScriptRunner() = default;

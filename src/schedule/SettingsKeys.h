@@ -17,6 +17,10 @@ inline constexpr QLatin1StringView QuitWhenDone("quitWhenDone");
 inline constexpr QLatin1StringView ConfirmLaunchAll("confirmLaunchAll");
 // Seconds a script may run before it is ended; absent: 600, 0: no limit.
 inline constexpr QLatin1StringView ScriptTimeLimit("scriptTimeLimitSeconds");
+// Not the schedule's own: what happened is kept apart, and these say what to do about it.
+inline constexpr QLatin1StringView OpenMissedItems("openMissedItems");
+inline constexpr QLatin1StringView NotifyProblems("notifyProblems");
+inline constexpr QLatin1StringView NotifyEveryLaunch("notifyEveryLaunch");
 inline constexpr QLatin1StringView SendEmail("sendEmail");
 inline constexpr QLatin1StringView EmailScriptResults("emailAppleScriptResults");
 inline constexpr QLatin1StringView RecipientEmail("recipientEmail");
@@ -31,4 +35,5 @@ inline constexpr QLatin1StringView LoginPassword("loginPassword");
 inline constexpr QLatin1StringView WindowGeometry("window/geometry");
 inline constexpr QLatin1StringView TableHeader("window/tableHeader");
 inline constexpr QLatin1StringView ChooserFolder("window/chooserFolder");
+inline constexpr QLatin1StringView HistorySeen("history/seenUpTo");
 } // namespace Quillon::Keys

@@ -78,12 +78,16 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     m_process->setChildProcessModifier([] { ::setpgid(0, 0); });
     connect(m_process, &QProcess::readyReadStandardOutput, this, &ShebangScriptRunner::readOutput);
     connect(m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
-        finish(status == QProcess::NormalExit && code == 0);
+        finish(status == QProcess::NormalExit && code == 0,
+               status == QProcess::CrashExit ? (m_overTime ? QStringLiteral("ended after the time limit") : QStringLiteral("ended by a signal"))
+                                             : QStringLiteral("exit status %1").arg(code));
     });
     connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            finish(false);
+            finish(false, m_process->errorString());
     });
+    m_overTime = false;
+    m_started.start();
     m_process->start();
     if (m_limit.count() > 0) {
         // A script that never ends would hold every item behind it for ever, silently.
@@ -91,6 +95,7 @@ void ShebangScriptRunner::start(const QString &path, Done done)
         limit->setSingleShot(true);
         connect(limit, &QTimer::timeout, this, [this] {
             const pid_t group = pid_t(m_process->processId());
+            m_overTime = true;
             systemLog(QStringLiteral("The script %1 ran for more than %2 s and was ended; the items after it open now.").arg(m_path).arg(m_limit.count()));
             ::kill(-group, SIGTERM);
             QTimer::singleShot(StopGraceMSecs, m_process, [group] { ::kill(-group, SIGKILL); });
@@ -113,13 +118,16 @@ void ShebangScriptRunner::readOutput()
     m_outputCut = true;
 }
 
-void ShebangScriptRunner::finish(bool succeeded)
+void ShebangScriptRunner::finish(bool succeeded, const QString &problem)
 {
     if (!m_process)
         return;
     readOutput();
     Outcome outcome;
     outcome.loaded = true;
+    outcome.ran = std::chrono::milliseconds(m_started.elapsed());
+    if (!succeeded)
+        outcome.problem = problem;
     if (succeeded) {
         QByteArray out = std::exchange(m_output, {});
         if (out.endsWith('\n'))

@@ -3,6 +3,7 @@
 #include "ScriptRunner.h"
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QObject>
 
 class QProcess;
@@ -29,13 +30,15 @@ public:
 
 private:
     void readOutput();
-    void finish(bool succeeded);
+    void finish(bool succeeded, const QString &problem = {});
 
     QProcess *m_process = nullptr;
     QString m_path;
     Done m_done;
     QByteArray m_output;
     bool m_outputCut = false;
+    bool m_overTime = false;
+    QElapsedTimer m_started;
     std::chrono::seconds m_limit{0};
 };
 

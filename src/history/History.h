@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+namespace Quillon {
+
+class WallClock;
+
+// What Quillon did, for the user who was not watching: every launch, failure, missed item and
+// mail, kept in an SQLite file of its own. The schedule never depends on it: a damaged or locked
+// file is set aside and a fresh one started, and without any file Quillon goes on.
+class History final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(History)
+public:
+    // Stored as numbers: never renumber.
+    enum class Kind {
+        Opened = 1, OpenFailed = 2, ScriptFinished = 3, ScriptFailed = 4, ScriptEndedByQuit = 5,
+        Missed = 6, OpenedLate = 7, MailSent = 8, MailRefused = 9, MailFailed = 10
+    };
+    struct Record
+    {
+        QDateTime at;
+        QString path;
+        QDateTime scheduled; // none for what the user started
+        Kind kind = Kind::Opened;
+        QString detail;
+    };
+    static constexpr int KeepDays = 90;
+    static constexpr int KeepRecords = 100'000;
+
+    // $XDG_STATE_HOME/Quillon/history.sqlite (~/.local/state/...).
+    static QString defaultFileName();
+    static bool isProblem(Kind kind);
+    static QString kindText(Kind kind);
+    // The kinds that are problems, for a query: "2,4,6,9,10".
+    static QString problemKinds();
+
+    History(QString fileName, WallClock &clock, QObject *parent = nullptr);
+    ~History() override;
+
+    // Kept in memory and written at the end of this event-loop turn, all in one transaction.
+    void record(Kind kind, const QString &path, const QDateTime &scheduled = {}, const QString &detail = {});
+    // Writes what waits now (before a query, at quit).
+    void flush();
+
+    bool isOpen() const { return !m_connection.isEmpty(); }
+    QString fileName() const { return m_fileName; }
+    // The Qt SQL connection, for views on the same thread.
+    QString connectionName() const { return m_connection; }
+    // Whether the item's time came and anything was done about it (opened, failed, ran, caught up).
+    bool handled(const QString &path, const QDateTime &scheduled);
+    qint64 lastId();
+    int problemsAfter(qint64 id);
+
+Q_SIGNALS:
+    // As soon as it is recorded, before it is written.
+    void recorded(const Quillon::History::Record &record);
+
+private:
+    bool open();
+    bool prepare();
+    void setAside(const QString &why);
+    void close();
+    void trim();
+    bool isDamage(int sqliteCode) const;
+
+    QString m_fileName;
+    WallClock &m_clock;
+    QString m_connection;
+    QList<Record> m_pending;
+    bool m_flushQueued = false;
+    int m_sinceTrim = 0;
+};
+
+} // namespace Quillon

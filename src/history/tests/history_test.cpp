@@ -1,0 +1,128 @@
+#include "FakeClock.h"
+#include "History.h"
+#include "Log.h"
+#include "TestSupport.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Quillon;
+using Kind = History::Kind;
+
+// The history in a real SQLite file: what is recorded is there after the turn, with its folder
+// and file private; a file that is damaged or held by another writer is set aside, and a place
+// where nothing can be written leaves Quillon working without it.
+class HistoryTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        m_log.clear();
+        setLogSink([this](const QString &line) { m_log << line; });
+    }
+
+    void recordsOneTurnInOneGo()
+    {
+        QTemporaryDir home;
+        const QString file = home.filePath(QStringLiteral("state/Quillon/history.sqlite"));
+        FakeClock clock(Test::Now);
+        History history(file, clock);
+        history.record(Kind::Opened, QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-5), QStringLiteral("document"));
+        history.record(Kind::OpenFailed, QStringLiteral("/home/ann/gone.txt"), Test::at(-4), QStringLiteral("the file no longer exists"));
+        history.record(Kind::MailRefused, QString(), {}, QStringLiteral("550 no"));
+        QCOMPARE(rows(file), 0); // not yet: at the end of the turn
+        QTRY_COMPARE(rows(file), 3);
+        QVERIFY(history.handled(QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-5)));
+        QVERIFY(!history.handled(QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-6)));
+        QCOMPARE(history.problemsAfter(0), 2);
+        QCOMPARE(history.problemsAfter(history.lastId()), 0);
+        QCOMPARE(mode(file), 0600);
+        QCOMPARE(mode(home.filePath(QStringLiteral("state/Quillon"))), 0700);
+        // Older than 90 days goes when the file is next opened.
+        clock.advance(qint64(History::KeepDays + 1) * 86'400'000);
+        History later(home.filePath(QStringLiteral("state/Quillon/history.sqlite")), clock);
+        later.record(Kind::Opened, QStringLiteral("/x"));
+        later.flush();
+        QCOMPARE(rows(file), 1);
+    }
+
+    void unusableFileIsSetAside_data()
+    {
+        QTest::addColumn<bool>("locked");
+        QTest::newRow("not a database") << false;
+        QTest::newRow("held by another writer") << true;
+    }
+    void unusableFileIsSetAside()
+    {
+        QFETCH(bool, locked);
+        QTemporaryDir home;
+        const QString file = home.filePath(QStringLiteral("history.sqlite"));
+        std::unique_ptr<QSqlDatabase> other;
+        if (locked) {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+            db.setDatabaseName(file);
+            QVERIFY(db.open());
+            QSqlQuery(db).exec(QStringLiteral("CREATE TABLE t (x)"));
+            QVERIFY(QSqlQuery(db).exec(QStringLiteral("BEGIN EXCLUSIVE")));
+        } else {
+            QVERIFY(Test::writeFile(file, QByteArray(4096, '\x5a')));
+        }
+        FakeClock clock(Test::Now);
+        {
+            History history(file, clock);
+            QVERIFY(history.isOpen());
+            history.record(Kind::Missed, QStringLiteral("/a"), Test::at(-60));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        QCOMPARE(QDir(home.path()).entryList({QStringLiteral("history.sqlite.damaged-*")}, QDir::Files).size(), 1);
+        QCOMPARE(rows(file), 1);
+        QVERIFY(!m_log.filter(QStringLiteral("was set aside")).isEmpty());
+    }
+
+    // Nothing can be created there, not even by root; recording goes on, in memory only.
+    void nowhereToWriteLeavesItOff()
+    {
+        FakeClock clock(Test::Now);
+        History history(QStringLiteral("/proc/quillon-test/history.sqlite"), clock);
+        QVERIFY(!history.isOpen());
+        QSignalSpy recorded(&history, &History::recorded);
+        history.record(Kind::Opened, QStringLiteral("/a"));
+        QCOMPARE(recorded.size(), 1);
+        QVERIFY(!history.handled(QStringLiteral("/a"), {}));
+        QVERIFY(!m_log.filter(QStringLiteral("goes on without it")).isEmpty());
+    }
+
+private:
+    static int mode(const QString &path)
+    {
+        struct stat st = {};
+        return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? int(st.st_mode & 07777) : -1;
+    }
+    // Read as another program would, through a connection of its own.
+    static int rows(const QString &file)
+    {
+        int n = -1;
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
+            db.setDatabaseName(file);
+            db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+            QSqlQuery q(db);
+            if (db.open() && q.exec(QStringLiteral("SELECT COUNT(*) FROM events")) && q.next())
+                n = q.value(0).toInt();
+            else if (db.isOpen())
+                n = 0;
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("reader"));
+        return n;
+    }
+
+    QStringList m_log;
+};
+
+QTEST_GUILESS_MAIN(HistoryTest)
+#include "history_test.moc"
