@@ -52,6 +52,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
+    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
     QStringList paths;
     for (int i = 0; i < Items; ++i) {
         paths << home.filePath(QStringLiteral("files/f%1.txt").arg(i));

@@ -21,6 +21,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
+    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
     QTcpServer silent; // accepts, never says a word
     silent.listen(QHostAddress::LocalHost);
 

@@ -39,6 +39,7 @@ int main(int argc, char *argv[])
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
+    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
     const QStringList programs = makePrograms(home);
     const qint64 dueMSecs = (QDateTime::currentMSecsSinceEpoch() / 1000 + 3) * 1000;
 

@@ -1,13 +1,18 @@
 #include "QuillonController.h"
 
+#include "History.h"
+#include "HistoryWindow.h"
 #include "ItemTableModel.h"
 #include "Log.h"
 #include "MailSettings.h"
 #include "MainWindow.h"
 #include "PowerService.h"
 #include "PreferencesDialog.h"
+#include "ProblemNotifier.h"
+#include "SettingsKeys.h"
 #include "Texts.h"
 #include "WallClock.h"
+#include "WindowState.h"
 #include "Workspace.h"
 
 #include <QApplication>
@@ -37,6 +42,7 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
         if (m_quitting && m_waitingForDeliveries)
             exitNow();
     });
+    m_history = std::make_unique<History>(platform.historyFile.isEmpty() ? History::defaultFileName() : platform.historyFile, platform.clock);
     // What the window layout would hold: the window and its controls exist before awakeFromNib.
     m_window = std::make_unique<MainWindow>(m_editor, m_preferences, platform.workspace);
 }
@@ -75,12 +81,124 @@ void QuillonController::awakeFromNib()
     connect(&m_platform.power, &PowerService::didWake, &m_platform.clock, &WallClock::checkForResume);
     m_platform.power.registerForNotifications();
 
-    if (m_preferences.rememberItems())
+    wireHistory();
+    const bool wasRunning = m_preferences.boolValue(Keys::TimersRunning);
+    if (m_preferences.rememberItems()) {
         m_schedule.restoreItems();
+        recordMissedWhileOff(wasRunning);
+    }
+    showUnseenProblems();
     m_password.migrate();
 
     connect(m_window.get(), &MainWindow::doubleClicked, this, &QuillonController::doubleAction);
     setUpTray();
+}
+
+void QuillonController::wireHistory()
+{
+    History &history = *m_history;
+    connect(&m_schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date) { m_due.insert(path, date); });
+    connect(&m_schedule, &Schedule::missed, this, [&history](const QString &path, const QDateTime &date) {
+        history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep"));
+    });
+    connect(&m_schedule, &Schedule::caughtUp, this, [this](const QString &path, const QDateTime &date) { m_late.insert(path, date); });
+    m_platform.workspace.setOutcomeHandler([this](const QString &path, const QString &how, const QString &failure) {
+        if (m_late.contains(path)) {
+            const QDateTime due = m_late.take(path);
+            const qint64 minutes = due.secsTo(m_platform.clock.now()) / 60;
+            m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, due,
+                              failure.isEmpty() ? QStringLiteral("%1, %2 min late").arg(how).arg(minutes) : failure);
+            return;
+        }
+        m_history->record(failure.isEmpty() ? History::Kind::Opened : History::Kind::OpenFailed, path, m_due.take(path), failure.isEmpty() ? how : failure);
+    });
+    m_launcher.setScriptReport([this](const QString &path, Launcher::ScriptEnd end, const QString &detail) {
+        const QDateTime due = m_late.contains(path) ? m_late.take(path) : m_due.take(path);
+        static constexpr History::Kind kinds[] = {History::Kind::ScriptFinished, History::Kind::ScriptFailed, History::Kind::ScriptEndedByQuit};
+        m_history->record(kinds[int(end)], path, due, detail);
+    });
+    connect(&history, &History::recorded, this, [this](const History::Record &record) {
+        if (m_notifier)
+            m_notifier->notice(record);
+        if (History::isProblem(record.kind)) {
+            ++m_unseenProblems;
+            m_window->setUnseenProblems(m_unseenProblems);
+        }
+    });
+    if (m_platform.notifications) {
+        m_notifier = std::make_unique<ProblemNotifier>(*m_platform.notifications, m_preferences, m_platform.clock);
+        connect(m_notifier.get(), &ProblemNotifier::historyRequested, this, &QuillonController::showHistory);
+        connect(m_notifier.get(), &ProblemNotifier::openNowRequested, this, [this](const QStringList &paths) {
+            for (const QString &path : paths)
+                m_launcher.launchItem(path, Launcher::Origin::User);
+        });
+    }
+    connect(m_window.get(), &MainWindow::historyRequested, this, &QuillonController::showHistory);
+}
+
+// A schedule saved as running whose items' times passed while Quillon was not running: each
+// one nothing was done about is missed.
+void QuillonController::recordMissedWhileOff(bool wasRunning)
+{
+    if (!wasRunning)
+        return;
+    const QDateTime now = m_platform.clock.now();
+    QList<int> missed;
+    for (int row = 0; row < m_schedule.count() && row < m_schedule.dates().size(); ++row) {
+        const QDateTime date = m_schedule.dates().at(row);
+        if (date <= now && !m_history->handled(m_schedule.paths().at(row), date)) {
+            m_history->record(History::Kind::Missed, m_schedule.paths().at(row), date, QStringLiteral("Quillon was not running"));
+            missed << row;
+        }
+    }
+    if (missed.isEmpty() || !m_preferences.boolValue(Keys::OpenMissedItems))
+        return;
+    m_schedule.catchUp(missed);
+    // A repeating item caught up has a time ahead again: the schedule that was running runs on.
+    if (!m_schedule.timersRunning())
+        m_schedule.startTimers(true);
+}
+
+void QuillonController::showUnseenProblems()
+{
+    m_unseenProblems = m_history->problemsAfter(WindowState(m_preferences).historySeen());
+    m_window->setUnseenProblems(m_unseenProblems);
+}
+
+void QuillonController::showHistory()
+{
+    if (!m_historyWindow) {
+        m_historyWindow = new HistoryWindow(*m_history, m_platform.workspace, m_window.get());
+        m_historyWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_historyWindow, &HistoryWindow::openNowRequested, this, [this](const QStringList &paths) {
+            for (const QString &path : paths)
+                m_launcher.launchItem(path, Launcher::Origin::User);
+        });
+        // New records show while it is open, once per turn however many come.
+        connect(m_history.get(), &History::recorded, m_historyWindow, [window = m_historyWindow.data()] {
+            QMetaObject::invokeMethod(window->model(), &HistoryModel::refresh, Qt::QueuedConnection);
+        });
+    } else {
+        m_historyWindow->model()->refresh();
+    }
+    m_historyWindow->show();
+    m_historyWindow->raise();
+    m_historyWindow->activateWindow();
+    WindowState(m_preferences).setHistorySeen(m_history->lastId());
+    m_unseenProblems = 0;
+    m_window->setUnseenProblems(0);
+}
+
+SimpleSMTP *QuillonController::sendMail(const QString &body, const QString &subject)
+{
+    SimpleSMTP *delivery = m_mail.send(body, subject);
+    // A launch notice's body is the item's path; other mail belongs to no item.
+    const QString path = subject == Texts::LaunchedSubject ? body : QString();
+    connect(delivery, &SimpleSMTP::finished, this, [this, delivery, path, subject] {
+        const History::Kind kind = delivery->wasSent() ? History::Kind::MailSent : delivery->wasRefused() ? History::Kind::MailRefused : History::Kind::MailFailed;
+        m_history->record(kind, path, {}, delivery->wasSent() ? subject : delivery->problem());
+    });
+    return delivery;
 }
 
 void QuillonController::applicationWillFinishLaunching()
@@ -153,7 +271,10 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
+    m_history->flush();
     m_window->hide();
+    if (m_historyWindow)
+        m_historyWindow->hide();
 }
 
 void QuillonController::showMainWindow()

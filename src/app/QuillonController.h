@@ -2,12 +2,15 @@
 
 #include "Launcher.h"
 #include "MailDispatcher.h"
+#include "HistoryWindow.h"
 #include "MailPassword.h"
 #include "Preferences.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
 #include "SimpleSMTP.h"
 
+#include <QDateTime>
+#include <QHash>
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
@@ -19,7 +22,11 @@ class QTimer;
 
 namespace Quillon {
 
+class DesktopNotifications;
+class History;
+class HistoryWindow;
 class MainWindow;
+class ProblemNotifier;
 class PowerService;
 class PreferencesDialog;
 class ScriptRunner;
@@ -35,6 +42,8 @@ struct Platform
     Workspace &workspace;
     ScriptRunner &scripts;
     SecretStore *secrets = nullptr; // none: the mail password stays in the settings file
+    DesktopNotifications *notifications = nullptr; // none: no desktop notifications
+    QString historyFile = {};                      // empty: where the user's state lives
 };
 
 // Brings the application up and down, wires the window to the schedule, and tells the user
@@ -69,13 +78,17 @@ public:
     void launchAllNow() { m_launcher.launchAllNow(m_schedule.paths()); }
     void doubleAction();
     // The delivery runs on its own and is freed when it is over; the pointer is for watching it.
-    SimpleSMTP *sendMail(const QString &body, const QString &subject) { return m_mail.send(body, subject); }
+    SimpleSMTP *sendMail(const QString &body, const QString &subject);
     void testEmail();
     void showPreferences();
     void showMainWindow();
     // A start at login: the schedule runs, the window stays in the tray (minimised without one).
     void startHidden();
     void showAbout();
+    // Schedule ▸ History; looking clears the status bar's count of problems.
+    void showHistory();
+    History &history() { return *m_history; }
+    HistoryWindow *historyWindow() const { return m_historyWindow; }
 
     Schedule &schedule() { return m_schedule; }
     ScheduleEditor &editor() { return m_editor; }
@@ -89,6 +102,10 @@ private:
     void quitAfterOpenings();
     void quitAfterDeliveries();
     void exitNow();
+    void wireHistory();
+    void recordMissedWhileOff(bool wasRunning);
+    void deliver(SimpleSMTP *delivery);
+    void showUnseenProblems();
 
     Platform m_platform;
     Preferences m_preferences;
@@ -98,6 +115,13 @@ private:
     MailDispatcher m_mail;
     Launcher m_launcher;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<History> m_history;
+    std::unique_ptr<ProblemNotifier> m_notifier;
+    QPointer<HistoryWindow> m_historyWindow;
+    // When each item now opening was due: what the launcher reports later belongs to that date.
+    QHash<QString, QDateTime> m_due;
+    QHash<QString, QDateTime> m_late;
+    int m_unseenProblems = 0;
     QTimer *m_updateDisplayTimer = nullptr;
     QSystemTrayIcon *m_tray = nullptr;
     QPointer<PreferencesDialog> m_preferencesDialog;

@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "DesktopNotifications.h"
 #include "DesktopWorkspace.h"
 #include "KeychainSecretStore.h"
 #include "Log.h"
@@ -132,7 +133,8 @@ int main(int argc, char *argv[])
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come
     // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
-    QuillonController controller(Platform{clock, power, workspace, scripts, &secrets});
+    DesktopNotifications notifications(QDBusConnection::sessionBus());
+    QuillonController controller(Platform{clock, power, workspace, scripts, &secrets, &notifications});
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);

@@ -64,11 +64,12 @@ void Launcher::drain()
         const QString path = m_waiting.dequeue().path;
         if (isScriptPath(path)) {
             m_scriptRunning = true;
+            m_runningScript = path;
             m_preferences.synchronize();
             m_scripts.setTimeLimit(std::chrono::seconds(m_preferences.contains(Keys::ScriptTimeLimit) ? qMax(0, m_preferences.intValue(Keys::ScriptTimeLimit)) : 600));
-            m_scripts.start(path, [this](const ScriptRunner::Outcome &outcome) {
+            m_scripts.start(path, [this, path](const ScriptRunner::Outcome &outcome) {
                 m_scriptRunning = false;
-                scriptFinished(outcome);
+                scriptFinished(path, outcome);
                 drain();
             });
             continue;
@@ -84,8 +85,17 @@ void Launcher::drain()
         std::exchange(m_whenIdle, {})();
 }
 
-void Launcher::scriptFinished(const ScriptRunner::Outcome &outcome)
+void Launcher::scriptFinished(const QString &path, const ScriptRunner::Outcome &outcome)
 {
+    if (m_report) {
+        const QString ran = QStringLiteral("ran %1 s").arg(double(outcome.ran.count()) / 1000.0, 0, 'f', 1);
+        if (!outcome.loaded)
+            m_report(path, ScriptEnd::Failed, QStringLiteral("it could not be read, or names no interpreter"));
+        else if (!outcome.result)
+            m_report(path, ScriptEnd::Failed, outcome.problem + QStringLiteral(", ") + ran);
+        else
+            m_report(path, ScriptEnd::Finished, ran + QStringLiteral(": ") + outcome.result->stringValue().value_or(QString()).left(200).simplified());
+    }
     if (!outcome.loaded || !outcome.result)
         return;
     const ScriptDescriptor &result = *outcome.result;
@@ -113,6 +123,8 @@ void Launcher::launchAllNow(const QStringList &paths)
 
 QStringList Launcher::abandon(std::function<void()> stopped)
 {
+    if (m_scriptRunning && m_report)
+        m_report(m_runningScript, ScriptEnd::EndedByQuit, {});
     if (m_scriptRunning)
         m_scripts.stop(std::move(stopped));
     else

@@ -33,6 +33,11 @@ public:
     // A double click shows the row's file in the file manager; it never opens it.
     void doubleAction(int selectedRow, const QStringList &paths);
 
+    // How a script's run ended, for the history: detail says what it gave or why it failed.
+    enum class ScriptEnd { Finished, Failed, EndedByQuit };
+    using ScriptReport = std::function<void(const QString &path, ScriptEnd end, const QString &detail)>;
+    void setScriptReport(ScriptReport report) { m_report = std::move(report); }
+
     // Exactly "applescript" or "scpt", case and all.
     static bool isScriptPath(const QString &path);
 
@@ -47,7 +52,7 @@ public:
 
 private:
     void drain();
-    void scriptFinished(const ScriptRunner::Outcome &outcome);
+    void scriptFinished(const QString &path, const ScriptRunner::Outcome &outcome);
 
     Preferences &m_preferences;
     Workspace &m_workspace;
@@ -61,6 +66,8 @@ private:
     QQueue<Pending> m_waiting;
     std::function<void()> m_whenIdle;
     bool m_scriptRunning = false;
+    QString m_runningScript;
+    ScriptReport m_report;
     bool m_draining = false;
 };
 

@@ -152,6 +152,7 @@ void SimpleSMTP::authenticationCompleted()
 void SimpleSMTP::authenticationFailed()
 {
     _problem = tr("the server refused the login");
+    _refused = true;
     systemLog(QStringLiteral("Authentication failed! Closing the connection..."));
     _smtp->close();
 }
@@ -170,6 +171,7 @@ void SimpleSMTP::messageNotSent()
 {
     const QByteArray response = _smtp->lastResponse();
     _problem = tr("the server refused the message: %1").arg(QString::fromUtf8(response).trimmed());
+    _refused = true;
     if (response.isEmpty()) {
         systemLog(QStringLiteral("Message not sent!"));
         return;

@@ -41,6 +41,8 @@ public:
     // Once finished(): whether the server took the message, and if not, why in plain words.
     bool wasSent() const { return _sent; }
     QString problem() const { return _problem; }
+    // The server said no (to the message or the login), as against a session that broke.
+    bool wasRefused() const { return _refused; }
 
     // At quit: a session with nothing under way (the policy left it waiting) ends at once, and
     // so does one that comes to that point later; one that still works goes on.
@@ -65,6 +67,7 @@ private:
     bool _closeWhenIdle = false;
     bool _waitingForPassword = false;
     bool _sent = false;
+    bool _refused = false;
     QString _problem;
 };
 

@@ -14,6 +14,10 @@ class Workspace
 {
 public:
     virtual ~Workspace() = default;
+    // How each opening ended, told from the event loop: how it was opened ("document",
+    // "program", "application", "folder"), and why it failed (empty when it did not).
+    using Outcome = std::function<void(const QString &path, const QString &how, const QString &failure)>;
+    void setOutcomeHandler(Outcome handler) { m_outcome = std::move(handler); }
     // Open as a double click in the file manager would, without waiting for the program to
     // start. False when there is nothing to open; a program that fails to start is logged.
     virtual bool openFile(const QString &path) = 0;
@@ -28,6 +32,16 @@ public:
         Q_UNUSED(limit);
         done(0);
     }
+
+protected:
+    void reportOutcome(const QString &path, const QString &how, const QString &failure) const
+    {
+        if (m_outcome)
+            m_outcome(path, how, failure);
+    }
+
+private:
+    Outcome m_outcome;
 };
 
 } // namespace Quillon

@@ -321,22 +321,18 @@ void Schedule::startStopButtonClicked()
 
 void Schedule::launch(const TimerSlot &timer)
 {
+    // Told first: what the launcher reports about the opening belongs to this date.
+    Q_EMIT launched(timer->path(), timer->fireDate());
     if (m_launchItem)
         m_launchItem(timer->path());
-    Q_EMIT launched(timer->path(), timer->fireDate());
     const qsizetype k = slotOf(timer);
 
-    const int repeat = m_preferences.intValue(Keys::RepeatSeconds);
-    if (repeat == 0) {
+    const qint64 period = repeatMSecs();
+    if (period == 0) {
         --m_timersRemaining;
     } else {
-        // 32-bit unsigned on purpose: a negative count or a huge product wraps as the stored type does.
-        quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
-        // A product that wraps to exactly 0 would re-open the item without end.
-        if (period == 0)
-            period = 1;
         qint64 next = 0;
-        if (qAddOverflow(timer->fireMSecs(), qint64(period) * 1000, &next))
+        if (qAddOverflow(timer->fireMSecs(), period, &next))
             next = std::numeric_limits<qint64>::max();
         const qint64 nowMSecs = m_clock.nowMSecs();
         // A late item fires again at once, and from then on its series counts from the present.
@@ -415,8 +411,57 @@ void Schedule::datesChanged()
 
 void Schedule::afterWake()
 {
+    if (!m_timersRunning)
+        return;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    QList<int> passed;
+    for (qsizetype i = 0; i < m_timers.size(); ++i) {
+        if (m_timers.at(i) && m_timers.at(i)->isValid() && m_timers.at(i)->fireMSecs() <= nowMSecs) {
+            passed << int(i);
+            Q_EMIT missed(m_paths.at(i), m_timers.at(i)->fireDate());
+        }
+    }
+    // By default they are dropped, as they always were; opening them late is the user's choice.
+    if (!passed.isEmpty() && m_preferences.boolValue(Keys::OpenMissedItems))
+        catchUp(passed);
+    else
+        restartTimers();
+}
+
+void Schedule::catchUp(QList<int> rows)
+{
+    rows.removeIf([this](int row) { return row < 0 || row >= count() || row >= m_dates.size(); });
+    std::stable_sort(rows.begin(), rows.end(), [this](int a, int b) { return m_dates.at(a) < m_dates.at(b); });
+    QList<std::pair<QString, QDateTime>> due;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    const qint64 period = repeatMSecs();
+    for (int row : std::as_const(rows)) {
+        due.append({m_paths.at(row), m_dates.at(row)});
+        // Once, not once per period missed: the series goes on from its next time after now.
+        if (period > 0) {
+            const qint64 due = m_dates.at(row).toMSecsSinceEpoch();
+            const qint64 periods = nowMSecs >= due ? (nowMSecs - due) / period + 1 : 0;
+            m_dates[row] = QDateTime::fromMSecsSinceEpoch(due + periods * period);
+        }
+    }
     if (m_timersRunning)
         restartTimers();
+    for (const auto &[path, date] : std::as_const(due)) {
+        Q_EMIT caughtUp(path, date);
+        if (m_launchItem)
+            m_launchItem(path);
+    }
+}
+
+qint64 Schedule::repeatMSecs() const
+{
+    const int repeat = m_preferences.intValue(Keys::RepeatSeconds);
+    if (repeat == 0)
+        return 0;
+    // 32-bit unsigned on purpose: a negative count or a huge product wraps as the stored type does.
+    const quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
+    // A product that wraps to exactly 0 would re-open the item without end.
+    return qint64(period == 0 ? 1 : period) * 1000;
 }
 
 } // namespace Quillon

@@ -78,8 +78,12 @@ public:
     void scheduleWakeUp();
     // scheduleWakeUp() on the next event-loop turn, once however often it is asked for meanwhile.
     void scheduleWakeUpSoon();
-    // The machine came back from sleep.
+    // The machine came back from sleep: items whose time passed meanwhile are missed (and caught
+    // up when the preferences say so); the rest are armed again.
     void afterWake();
+    // Opens these rows' items now, in date order, once each, as items whose time passed unseen;
+    // a repeating one then follows its period from the present.
+    void catchUp(QList<int> rows);
 
 Q_SIGNALS:
     // Row changes, for the table model.
@@ -105,11 +109,17 @@ Q_SIGNALS:
     void stoppedByItself(const QString &text);
     // An item's time came and it was handed to the launcher; date is the time it was due.
     void launched(const QString &path, const QDateTime &date);
+    // An item's time passed while the computer slept (or Quillon was not running); date is when it was due.
+    void missed(const QString &path, const QDateTime &date);
+    // A missed item is opened now, late (told just before); date is when it was due.
+    void caughtUp(const QString &path, const QDateTime &date);
     // The user stopped a running schedule (not the last launch ending it).
     void stoppedByUser();
 
 private:
     void datesChanged();
+    // The repeat period in ms, 0 without repeat.
+    qint64 repeatMSecs() const;
     void showStopped();
     void showRunning();
     TimerSlot armTimer(const QString &path, qint64 fireMSecs);

@@ -58,6 +58,14 @@ MainWindow::MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspa
         if (running)
             statusBar()->clearMessage();
     });
+    m_problems = new QPushButton(statusBar());
+    m_problems->setObjectName(QStringLiteral("problemsButton"));
+    m_problems->setFlat(true);
+    m_problems->setToolTip(tr("Open the history."));
+    m_problems->hide();
+    connect(m_problems, &QPushButton::clicked, this, [this] { Q_EMIT historyRequested(); });
+    statusBar()->addPermanentWidget(m_problems);
+    setUnseenProblems(0);
 }
 
 MainWindow::~MainWindow() = default;
@@ -203,6 +211,9 @@ void MainWindow::buildMenus()
     m_startStopAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
     QAction *date = schedule->addAction(tr("&Date and Time…"), this, &MainWindow::dateTimeClicked);
     date->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    QAction *history = schedule->addAction(tr("&History"), this, [this] { Q_EMIT historyRequested(); });
+    history->setObjectName(QStringLiteral("historyAction"));
+    history->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
 
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     QAction *helpAction = help->addAction(tr("Quillon &Help"), this, [this] { Q_EMIT helpRequested(); });
@@ -403,6 +414,13 @@ void MainWindow::closeEvent(QCloseEvent *event)
     }
     event->ignore();
     showMinimized();
+}
+
+void MainWindow::setUnseenProblems(int count)
+{
+    m_problems->setText(tr("%n problem(s) since you last looked", nullptr, count));
+    m_problems->setAccessibleName(m_problems->text());
+    m_problems->setVisible(count > 0);
 }
 
 void MainWindow::saveWindowState()

@@ -64,12 +64,16 @@ public:
     // When the desktop has no tray to bring the window back from, closing only minimises it.
     void setCloseHides(bool hides) { m_closeHides = hides; }
     void saveWindowState();
+    // "2 problems since you last looked" in the status bar; none hides it.
+    void setUnseenProblems(int count);
+    QPushButton *problemsButton() const { return m_problems; }
 
 Q_SIGNALS:
     void launchAllNowRequested();
     void startStopRequested();
     void preferencesRequested();
     void helpRequested();
+    void historyRequested();
     void aboutRequested();
     void quitRequested();
     void doubleClicked();
@@ -93,6 +97,7 @@ private:
     QPushButton *m_stopStartButton = nullptr;
     QPushButton *m_clearButton = nullptr;
     QProgressBar *m_progress = nullptr;
+    QPushButton *m_problems = nullptr;
     ButtonRow *m_buttonRow = nullptr;
     QAction *m_startStopAction = nullptr;
     QAction *m_clearAction = nullptr;

@@ -157,6 +157,11 @@ QWidget *PreferencesDialog::buildGeneralPage()
     scriptLimit->setValue(p.contains(Keys::ScriptTimeLimit) ? p.intValue(Keys::ScriptTimeLimit) / 60 : 10);
     connect(scriptLimit, &QSpinBox::editingFinished, page, [&p, scriptLimit] { p.setValue(Keys::ScriptTimeLimit, scriptLimit->value() * 60); });
     form->addRow(tr("End a script after:"), scriptLimit);
+    // Off by default: items whose time passed unseen are recorded, not opened, unless asked.
+    form->addRow(boolControl(p, Keys::OpenMissedItems, tr("Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
+    form->addRow(boolControl(p, Keys::NotifyProblems, tr("Notify me about problems"),
+                             !p.contains(Keys::NotifyProblems) || p.boolValue(Keys::NotifyProblems), page));
+    form->addRow(boolControl(p, Keys::NotifyEveryLaunch, tr("Notify me about every launch"), p.boolValue(Keys::NotifyEveryLaunch), page));
 
     // Not a setting of the file: the session's autostart folder is the record.
     auto *login = new QCheckBox(tr("Start Quillon when I log in"), page);

@@ -40,4 +40,15 @@ void WindowState::setChooserFolder(const QString &folder)
     QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).setValue(Keys::ChooserFolder, folder);
 }
 
+qint64 WindowState::historySeen() const
+{
+    return QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::HistorySeen).toLongLong();
+}
+
+void WindowState::setHistorySeen(qint64 id)
+{
+    m_preferences.makeFolder();
+    QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).setValue(Keys::HistorySeen, id);
+}
+
 } // namespace Quillon

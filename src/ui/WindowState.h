@@ -25,6 +25,9 @@ public:
     QByteArray headerState() const;
     QString chooserFolder() const;
     void setChooserFolder(const QString &folder);
+    // The last history record the user has seen.
+    qint64 historySeen() const;
+    void setHistorySeen(qint64 id);
 
 private:
     Preferences &m_preferences;

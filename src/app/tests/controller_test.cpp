@@ -41,6 +41,7 @@ private Q_SLOTS:
     {
         m_config = std::make_unique<QTemporaryDir>();
         qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+        qputenv("XDG_STATE_HOME", m_config->filePath(QStringLiteral("state")).toUtf8());
         m_clock = std::make_unique<FakeClock>(Now);
         m_workspace = FakeWorkspace();
         m_power = std::make_unique<FakePowerService>();

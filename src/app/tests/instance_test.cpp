@@ -133,6 +133,7 @@ private:
         else
             env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
+        env.insert(QStringLiteral("XDG_STATE_HOME"), session.filePath(QStringLiteral("state")));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.remove(QStringLiteral("DISPLAY"));
         env.remove(QStringLiteral("WAYLAND_DISPLAY"));

@@ -78,6 +78,7 @@ private:
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_session.path());
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_session.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("XDG_STATE_HOME"), m_session.filePath(QStringLiteral("state")));
         env.insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("quillon-test"));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
         env.remove(QStringLiteral("DISPLAY"));

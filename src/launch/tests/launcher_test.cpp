@@ -80,7 +80,7 @@ private Q_SLOTS:
         QFETCH(bool, mailResults);
         QFETCH(QList<Mail>, mails);
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {loaded, result};
+        m_scripts.outcomes[path] = {loaded, result, {}, {}};
         // Launch notices are on, and must not matter for scripts.
         m_prefs->setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
         m_launcher->launchItem(path);
@@ -92,7 +92,7 @@ private Q_SLOTS:
     void scriptSettingIsReadFromTheFileAtEachRun()
     {
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x"))};
+        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}};
         m_launcher->launchItem(path);
         QVERIFY(m_mails.isEmpty());
         // Another writer (the preferences window of another instance) turns it on.
@@ -133,7 +133,7 @@ private Q_SLOTS:
     void launchAllNowGoesTopToBottom()
     {
         const QStringList paths = {QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c")};
-        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r"))};
+        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}};
         m_prefs->setValue(Keys::EmailScriptResults, true);
         m_prefs->setValue(Keys::SendEmail, true);
         m_launcher->launchAllNow(paths);

@@ -12,6 +12,7 @@ public:
     bool openFile(const QString &path) override
     {
         opened << path;
+        reportOutcome(path, QStringLiteral("document"), openSucceeds ? QString() : QStringLiteral("it could not be opened"));
         return openSucceeds;
     }
     void selectFile(const QString &path) override { selected << path; }

@@ -228,10 +228,10 @@ DesktopWorkspace::DesktopWorkspace()
 
 DesktopWorkspace::~DesktopWorkspace() = default; // the pool's own end waits for the opening under way
 
-void DesktopWorkspace::inBackground(std::function<QString()> job)
+void DesktopWorkspace::inBackground(std::function<QString()> job, const QString &item, const QString &how)
 {
     ++m_pending;
-    m_opener.start([this, job = std::move(job)] {
+    m_opener.start([this, job = std::move(job), item, how] {
         if (m_dropping) {
             ++m_dropped;
             --m_pending;
@@ -241,8 +241,16 @@ void DesktopWorkspace::inBackground(std::function<QString()> job)
         // A start can fail for a passing reason (no free process slot, a descriptor short).
         if (!error.isEmpty())
             error = job();
-        if (!error.isEmpty())
-            QMetaObject::invokeMethod(&m_logContext, [error] { systemLog(error); }, Qt::QueuedConnection);
+        if (!error.isEmpty() || !item.isEmpty()) {
+            QMetaObject::invokeMethod(&m_logContext, [this, error, item, how] {
+                if (!error.isEmpty())
+                    systemLog(error);
+                if (item.isEmpty())
+                    return;
+                const QString prefix = QStringLiteral("Could not open %1: ").arg(item);
+                reportOutcome(item, how, error.startsWith(prefix) ? error.mid(prefix.size()) : error);
+            }, Qt::QueuedConnection);
+        }
         --m_pending;
     });
 }
@@ -271,24 +279,25 @@ bool DesktopWorkspace::openFile(const QString &path)
     const QFileInfo info(path);
     if (!info.exists() && !info.isSymLink()) {
         systemLog(failure(path, nullptr, QStringLiteral("the file no longer exists")));
+        reportOutcome(path, QStringLiteral("document"), QStringLiteral("the file no longer exists"));
         return false;
     }
     const QFileInfo appRun(info.absoluteFilePath() + QStringLiteral("/AppRun"));
     if (info.isFile() && info.suffix() == QLatin1String("desktop")) {
-        inBackground([this, path] { return launchDesktopFile(path, m_reaper); });
+        inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, QStringLiteral("application"));
     } else if (info.isFile() && info.isExecutable() && isProgramByContent(path)) {
         inBackground([this, path, program = QFile::encodeName(info.absoluteFilePath()), folder = QFile::encodeName(info.absolutePath())] {
             return startProgram(path, program, folder, m_reaper);
-        });
+        }, path, QStringLiteral("program"));
     } else if (info.isDir() && appRun.isFile() && appRun.isExecutable()) {
         // An AppDir: its AppRun starts the application, from inside the folder.
         inBackground([this, path, program = QFile::encodeName(appRun.absoluteFilePath()), folder = QFile::encodeName(info.absoluteFilePath())] {
             return startProgram(path, program, folder, m_reaper);
-        });
+        }, path, QStringLiteral("program"));
     } else if (info.isDir()) {
-        inBackground([path, uri = uriOf(info.absoluteFilePath())] { return openWithDefaultHandler(uri, path); });
+        inBackground([path, uri = uriOf(info.absoluteFilePath())] { return openWithDefaultHandler(uri, path); }, path, QStringLiteral("folder"));
     } else {
-        inBackground([this, path = info.absoluteFilePath()] { return openLocalFile(path, m_reaper); });
+        inBackground([this, path = info.absoluteFilePath()] { return openLocalFile(path, m_reaper); }, path, QStringLiteral("document"));
     }
     return true;
 }

@@ -68,7 +68,8 @@ public:
 
 private:
     // The job returns an error text, empty when the program was started.
-    void inBackground(std::function<QString()> job);
+    // item: the path whose outcome is reported (none for the file manager and links).
+    void inBackground(std::function<QString()> job, const QString &item = {}, const QString &how = {});
 
     QMimeDatabase m_mimes;
     ChildReaper m_reaper;

@@ -1,0 +1,129 @@
+#include "ProblemNotifier.h"
+
+#include "DesktopNotifications.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+#include "WallClock.h"
+
+namespace Quillon {
+namespace {
+constexpr qint64 ReplaceWithinMSecs = 60'000;
+const QString ShowHistory = QStringLiteral("show-history");
+const QString OpenMissed = QStringLiteral("open-missed");
+} // namespace
+
+ProblemNotifier::ProblemNotifier(DesktopNotifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent)
+    : QObject(parent)
+    , m_notifications(notifications)
+    , m_preferences(preferences)
+    , m_clock(clock)
+{
+    connect(&notifications, &DesktopNotifications::actionInvoked, this, [this](uint id, const QString &key) {
+        if (key == ShowHistory || key == QLatin1String("default")) {
+            Q_EMIT historyRequested();
+            return;
+        }
+        const Shown missed = m_shown.value(Group::Missed);
+        if (key == OpenMissed && id == missed.id && id != 0)
+            Q_EMIT openNowRequested(missed.items);
+    });
+}
+
+std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kind)
+{
+    switch (kind) {
+    case History::Kind::OpenFailed:
+        return Group::OpenFailed;
+    case History::Kind::Missed:
+        return Group::Missed;
+    case History::Kind::ScriptFailed:
+        return Group::ScriptFailed;
+    case History::Kind::MailRefused:
+    case History::Kind::MailFailed:
+        return Group::Mail;
+    case History::Kind::Opened:
+    case History::Kind::OpenedLate:
+    case History::Kind::ScriptFinished:
+        return Group::Launch;
+    case History::Kind::ScriptEndedByQuit:
+    case History::Kind::MailSent:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+void ProblemNotifier::notice(const History::Record &record)
+{
+    const std::optional<Group> group = groupOf(record.kind);
+    if (!group)
+        return;
+    const bool problems = !m_preferences.contains(Keys::NotifyProblems) || m_preferences.boolValue(Keys::NotifyProblems);
+    if (*group == Group::Launch ? !m_preferences.boolValue(Keys::NotifyEveryLaunch) : !problems)
+        return;
+    Shown &shown = m_shown[*group];
+    const qint64 now = m_clock.nowMSecs();
+    if (shown.id == 0 || now - shown.lastMSecs > ReplaceWithinMSecs) {
+        shown.items.clear();
+        shown.id = 0;
+    }
+    shown.lastMSecs = now;
+    if (!record.path.isEmpty() && !shown.items.contains(record.path))
+        shown.items << record.path;
+    shown.reason = record.detail;
+    show(*group);
+}
+
+void ProblemNotifier::show(Group group)
+{
+    Shown &shown = m_shown[group];
+    // One call at a time per notification: until the server gave its id, a second would show a
+    // second notification instead of updating the first.
+    if (shown.waiting) {
+        shown.again = true;
+        return;
+    }
+    shown.waiting = true;
+    const int n = int(std::max<qsizetype>(shown.items.size(), 1));
+    QStringList names;
+    for (const QString &path : shown.items.mid(0, 5))
+        names << path.section(QLatin1Char('/'), -1);
+    if (shown.items.size() > 5)
+        names << tr("and %n more", nullptr, int(shown.items.size() - 5));
+    QString summary;
+    QString body = names.join(QLatin1Char('\n'));
+    QStringList actions;
+    switch (group) {
+    case Group::OpenFailed:
+        summary = tr("%n item(s) could not be opened", nullptr, n);
+        if (n == 1)
+            body += QLatin1String(": ") + shown.reason;
+        break;
+    case Group::Missed:
+        summary = shown.reason.contains(QLatin1String("not running")) ? tr("%n item(s) were missed while Quillon was not running", nullptr, n)
+                                                                      : tr("%n item(s) were missed while the computer slept", nullptr, n);
+        actions << OpenMissed << tr("Open Now");
+        break;
+    case Group::ScriptFailed:
+        summary = tr("A script failed");
+        body += QLatin1String(": ") + shown.reason;
+        break;
+    case Group::Mail:
+        summary = tr("Mail could not be sent");
+        body = shown.reason;
+        break;
+    case Group::Launch:
+        summary = tr("Quillon opened %n item(s)", nullptr, n);
+        break;
+    }
+    actions << ShowHistory << tr("Show History");
+    m_notifications.notify(shown.id, summary, body, actions, [this, group](uint id) {
+        Shown &now = m_shown[group];
+        now.waiting = false;
+        if (id != 0)
+            now.id = id;
+        if (std::exchange(now.again, false))
+            show(group);
+    });
+}
+
+} // namespace Quillon

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "History.h"
+
+#include <QHash>
+#include <QObject>
+
+namespace Quillon {
+
+class DesktopNotifications;
+class Preferences;
+class WallClock;
+
+// Turns what the history records into desktop notifications: one per kind of problem (and, when
+// asked for, per launch), grouped, and updated in place rather than piled up when the next one
+// of its kind comes within a minute.
+class ProblemNotifier final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ProblemNotifier)
+public:
+    ProblemNotifier(DesktopNotifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
+    void notice(const History::Record &record);
+
+Q_SIGNALS:
+    void historyRequested();
+    void openNowRequested(const QStringList &paths);
+
+private:
+    enum class Group { OpenFailed, Missed, ScriptFailed, Mail, Launch };
+    struct Shown
+    {
+        uint id = 0;
+        qint64 lastMSecs = 0;
+        QStringList items;
+        QString reason;
+        bool waiting = false;
+        bool again = false;
+    };
+    static std::optional<Group> groupOf(History::Kind kind);
+    void show(Group group);
+
+    DesktopNotifications &m_notifications;
+    Preferences &m_preferences;
+    WallClock &m_clock;
+    QHash<Group, Shown> m_shown;
+};
+
+} // namespace Quillon
