@@ -62,9 +62,10 @@ void ProblemNotifier::notice(const History::Record &record)
         return;
     Shown &shown = m_shown[*group];
     const qint64 now = m_clock.nowMSecs();
-    if (shown.id == 0 || now - shown.lastMSecs > ReplaceWithinMSecs) {
+    if (shown.items.isEmpty() || now - shown.lastMSecs > ReplaceWithinMSecs) {
         shown.items.clear();
         shown.id = 0;
+        ++shown.generation;
     }
     shown.lastMSecs = now;
     if (!record.path.isEmpty() && !shown.items.contains(record.path))
@@ -88,19 +89,21 @@ void ProblemNotifier::show(Group group)
     for (const QString &path : shown.items.mid(0, 5))
         names << path.section(QLatin1Char('/'), -1);
     if (shown.items.size() > 5)
-        names << tr("and %n more", nullptr, int(shown.items.size() - 5));
+        names << tr("and %1 more").arg(shown.items.size() - 5);
     QString summary;
     QString body = names.join(QLatin1Char('\n'));
     QStringList actions;
     switch (group) {
     case Group::OpenFailed:
-        summary = tr("%n item(s) could not be opened", nullptr, n);
+        summary = n == 1 ? tr("1 item could not be opened") : tr("%1 items could not be opened").arg(n);
         if (n == 1)
             body += QLatin1String(": ") + shown.reason;
         break;
     case Group::Missed:
-        summary = shown.reason.contains(QLatin1String("not running")) ? tr("%n item(s) were missed while Quillon was not running", nullptr, n)
-                                                                      : tr("%n item(s) were missed while the computer slept", nullptr, n);
+        if (shown.reason.contains(QLatin1String("not running")))
+            summary = n == 1 ? tr("1 item was missed while Quillon was not running") : tr("%1 items were missed while Quillon was not running").arg(n);
+        else
+            summary = n == 1 ? tr("1 item was missed while the computer slept") : tr("%1 items were missed while the computer slept").arg(n);
         actions << OpenMissed << tr("Open Now");
         break;
     case Group::ScriptFailed:
@@ -112,14 +115,15 @@ void ProblemNotifier::show(Group group)
         body = shown.reason;
         break;
     case Group::Launch:
-        summary = tr("Quillon opened %n item(s)", nullptr, n);
+        summary = n == 1 ? tr("Quillon opened 1 item") : tr("Quillon opened %1 items").arg(n);
         break;
     }
     actions << ShowHistory << tr("Show History");
-    m_notifications.notify(shown.id, summary, body, actions, [this, group](uint id) {
+    m_notifications.notify(shown.id, summary, body, actions, [this, group, generation = shown.generation](uint id) {
         Shown &now = m_shown[group];
         now.waiting = false;
-        if (id != 0)
+        // An answer for a notification that has since been left behind names no current one.
+        if (id != 0 && generation == now.generation)
             now.id = id;
         if (std::exchange(now.again, false))
             show(group);

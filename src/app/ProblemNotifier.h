@@ -34,6 +34,7 @@ private:
         qint64 lastMSecs = 0;
         QStringList items;
         QString reason;
+        int generation = 0;
         bool waiting = false;
         bool again = false;
     };

@@ -244,10 +244,9 @@ bool History::handled(const QString &path, const QDateTime &scheduled)
     if (m_connection.isEmpty())
         return false;
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    q.prepare(QStringLiteral("SELECT 1 FROM events WHERE path = ? AND scheduled = ? AND kind != ? LIMIT 1"));
+    q.prepare(QStringLiteral("SELECT 1 FROM events WHERE path = ? AND scheduled = ? LIMIT 1"));
     q.addBindValue(path);
     q.addBindValue(scheduled.toMSecsSinceEpoch());
-    q.addBindValue(int(Kind::Missed));
     return q.exec() && q.next();
 }
 

@@ -52,7 +52,7 @@ public:
     QString fileName() const { return m_fileName; }
     // The Qt SQL connection, for views on the same thread.
     QString connectionName() const { return m_connection; }
-    // Whether the item's time came and anything was done about it (opened, failed, ran, caught up).
+    // Whether anything is on record for the item at that time (opened, failed, ran, missed).
     bool handled(const QString &path, const QDateTime &scheduled);
     qint64 lastId();
     int problemsAfter(qint64 id);

@@ -416,11 +416,13 @@ void Schedule::afterWake()
     const qint64 nowMSecs = m_clock.nowMSecs();
     QList<int> passed;
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
-        if (m_timers.at(i) && m_timers.at(i)->isValid() && m_timers.at(i)->fireMSecs() <= nowMSecs) {
+        if (m_timers.at(i) && m_timers.at(i)->isValid() && m_timers.at(i)->fireMSecs() <= nowMSecs)
             passed << int(i);
-            Q_EMIT missed(m_paths.at(i), m_timers.at(i)->fireDate());
-        }
     }
+    // Told in the order they were due.
+    std::stable_sort(passed.begin(), passed.end(), [this](int a, int b) { return m_timers.at(a)->fireMSecs() < m_timers.at(b)->fireMSecs(); });
+    for (int row : std::as_const(passed))
+        Q_EMIT missed(m_paths.at(row), m_timers.at(row)->fireDate());
     // By default they are dropped, as they always were; opening them late is the user's choice.
     if (!passed.isEmpty() && m_preferences.boolValue(Keys::OpenMissedItems))
         catchUp(passed);

@@ -77,7 +77,8 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
         return {};
-    const auto field = [&](int f) { return QSqlQueryModel::data(this->index(index.row(), f), Qt::DisplayRole); };
+    // The query's own columns, past the four shown.
+    const auto field = [&](int f) { return QSqlQueryModel::data(createIndex(index.row(), f), Qt::DisplayRole); };
     const auto kind = History::Kind(field(Kind).toInt());
     if (role == Qt::ToolTipRole && index.column() == ItemColumn)
         return field(Path);

@@ -2,11 +2,14 @@
 #include "FakePowerService.h"
 #include "FakeScriptRunner.h"
 #include "FakeWorkspace.h"
+#include "History.h"
+#include "HistoryWindow.h"
 #include "ItemTableModel.h"
 #include "MailTestSupport.h"
 #include "PreferencesDialog.h"
 #include "Log.h"
 #include "ItemTableView.h"
+#include "WindowState.h"
 #include "MainWindow.h"
 #include "QuillonController.h"
 #include "ScriptingService.h"
@@ -75,6 +78,52 @@ private Q_SLOTS:
         // Refused as in the window, where Remove is off while the schedule runs.
         scripting.Remove({0});
         QCOMPARE(window->model()->rowCount(), 2);
+    }
+
+    // A schedule saved as running whose item's time passed while Quillon was off: recorded as
+    // missed once (not again at the next start), counted in the status bar until the history is
+    // looked at, and opened late when the user asked for that.
+    void itemMissedWhileOffIsRecordedOnce_data()
+    {
+        QTest::addColumn<bool>("catchUp");
+        QTest::newRow("recorded only") << false;
+        QTest::newRow("opened late") << true;
+    }
+    void itemMissedWhileOffIsRecordedOnce()
+    {
+        QFETCH(bool, catchUp);
+        QVERIFY(Test::writeFile(m_config->filePath(QStringLiteral("Grüße.txt"))));
+        const QString item = m_config->filePath(QStringLiteral("Grüße.txt"));
+        {
+            Preferences saved;
+            saved.setValues({{Keys::Items, QVariantList{item}}, {Keys::Dates, QVariantList{QDateTime::fromMSecsSinceEpoch(Now - 3600'000)}},
+                             {Keys::TimersRunning, true}, {Keys::OpenMissedItems, catchUp}});
+            // Qt keeps the first settings folder it saw for the whole program: the last row's
+            // "seen" mark must not count here.
+            WindowState(saved).setHistorySeen(0);
+        }
+        for (int start = 0; start < 2; ++start) {
+            this->start();
+            History &history = m_controller->history();
+            QCOMPARE(history.problemsAfter(0), 1);
+            QCOMPARE(m_workspace.opened, catchUp && start == 0 ? QStringList{item} : QStringList{});
+            QPushButton *problems = m_controller->fileListWindow()->problemsButton();
+            QCOMPARE(problems->isVisible(), start == 0);
+            if (start == 0) {
+                QCOMPARE(problems->text(), QStringLiteral("1 problem since you last looked"));
+                QTest::mouseClick(problems, Qt::LeftButton);
+                QVERIFY(m_controller->historyWindow()->isVisible());
+                QVERIFY(!problems->isVisible());
+                HistoryModel *model = m_controller->historyWindow()->model();
+                QCOMPARE(model->rowCount(), catchUp ? 2 : 1);
+                QCOMPARE(model->index(model->rowCount() - 1, HistoryModel::WhatColumn).data().toString(), QStringLiteral("Missed"));
+                if (catchUp)
+                    QVERIFY(model->index(0, HistoryModel::DetailColumn).data().toString().endsWith(QLatin1String("60 min late")));
+            }
+            m_controller->applicationWillTerminate();
+            m_controller.reset();
+            m_workspace.opened.clear();
+        }
     }
 
     void addDateStartCountdownStop()

@@ -48,12 +48,14 @@ public:
         m_now = ms;
         Q_EMIT clockChanged();
     }
-    // The machine sleeps for ms and wakes; the kernel timer notices the resume first.
-    void suspend(qint64 ms)
+    // The machine sleeps for ms and wakes; the kernel timer notices the resume first, unless
+    // something else (logind) is to tell.
+    void suspend(qint64 ms, bool noticed = true)
     {
         m_now += ms;
         m_sleptUnseen = true;
-        checkForResume();
+        if (noticed)
+            checkForResume();
     }
 
     bool isAimed() const { return m_aimed; }

@@ -4,6 +4,7 @@
 #include "LogindPowerService.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "SettingsKeys.h"
 #include "TestSupport.h"
 #include "WakeAlarms.h"
 
@@ -127,6 +128,46 @@ private Q_SLOTS:
         emitPrepareForSleep(true);
         QTRY_VERIFY(!power.holdsInhibitor());
         QCOMPARE(alarm->requests, requests);
+    }
+
+    // An item due while the machine slept is missed, and dropped as it always was; with the
+    // catch-up preference it opens once after the wake, and a daily one goes on from tomorrow.
+    void itemsDueDuringSleepAreMissed_data()
+    {
+        QTest::addColumn<bool>("catchUp");
+        QTest::newRow("dropped") << false;
+        QTest::newRow("caught up") << true;
+    }
+    void itemsDueDuringSleepAreMissed()
+    {
+        QFETCH(bool, catchUp);
+        Mock logind;
+        QVERIFY(logind.start({QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind")}, Logind, m_home.filePath(QStringLiteral("logind.log"))));
+        LogindPowerService power;
+        FakeClock clock(Test::Now);
+        connect(&power, &PowerService::didWake, &clock, &WallClock::checkForResume);
+        m_prefs->setValues({{Keys::OpenMissedItems, catchUp}, {Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
+        auto reset = qScopeGuard([this] { m_prefs->setValues({{Keys::OpenMissedItems, false}, {Keys::RepeatSeconds, 0}}); });
+        Schedule schedule(*m_prefs, clock);
+        QStringList opened;
+        schedule.setLauncher([&opened](const QString &path) { opened << path; });
+        QSignalSpy missed(&schedule, &Schedule::missed);
+        QVERIFY(power.registerForNotifications());
+        schedule.appendPaths({QStringLiteral("/tomorrow"), QStringLiteral("/daily-later"), QStringLiteral("/daily-first")});
+        schedule.setDateAt(0, at(86'400 + 600));
+        schedule.setDateAt(1, at(120));
+        schedule.setDateAt(2, at(60));
+        schedule.startStopButtonClicked();
+        emitPrepareForSleep(true);
+        clock.suspend(3600'000, false);
+        emitPrepareForSleep(false);
+        QTRY_COMPARE(missed.size(), 2);
+        QCOMPARE(missed.at(0).at(1).toDateTime(), at(60));
+        const QStringList expected = catchUp ? QStringList{QStringLiteral("/daily-first"), QStringLiteral("/daily-later")} : QStringList{};
+        QCOMPARE(opened, expected);
+        QCOMPARE(schedule.dates().at(2), catchUp ? at(60 + 86'400) : at(60));
+        QCOMPARE(schedule.timers().at(2) && schedule.timers().at(2)->isValid(), catchUp);
+        QVERIFY(schedule.timers().at(0)->isValid());
     }
 
     // Held while awake; let go only once the request is with the kernel or the daemon; taken again on wake.

@@ -1,0 +1,146 @@
+#include "DesktopNotifications.h"
+#include "FakeClock.h"
+#include "Preferences.h"
+#include "ProblemNotifier.h"
+#include "SettingsKeys.h"
+#include "TestSupport.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Quillon;
+using Kind = History::Kind;
+
+namespace {
+const QString Service = QStringLiteral("org.freedesktop.Notifications");
+const QString Path = QStringLiteral("/org/freedesktop/Notifications");
+
+struct Notify
+{
+    uint replaces = 0;
+    QString summary;
+    QString body;
+    QStringList actions;
+    QString desktopEntry;
+};
+} // namespace
+
+// What the notification server is told, as dbusmock's notification daemon received it on a
+// private session bus, and an action sent back from it.
+class NotificationsTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        QVERIFY(m_bus.waitForReadyRead(10'000));
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
+        m_mock.setStandardOutputFile(QProcess::nullDevice());
+        m_mock.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--template"), QStringLiteral("notification_daemon"),
+                                                          QStringLiteral("-p"), QStringLiteral("{\"capabilities\": \"body actions\"}")});
+        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(Service), 10'000);
+    }
+    void cleanupTestCase()
+    {
+        m_mock.terminate();
+        m_mock.waitForFinished(3000);
+        m_bus.kill();
+        m_bus.waitForFinished();
+    }
+
+    void problemsAreGroupedAndReplaced()
+    {
+        TestSettings settings;
+        Preferences preferences;
+        FakeClock clock(Test::Now);
+        DesktopNotifications notifications(QDBusConnection::sessionBus());
+        ProblemNotifier notifier(notifications, preferences, clock);
+        QTRY_VERIFY(notifications.supportsActions());
+
+        notifier.notice({clock.now(), QStringLiteral("/home/ann/a <1>.txt"), Test::at(-60), Kind::Missed, QStringLiteral("the computer was asleep")});
+        notifier.notice({clock.now(), QStringLiteral("/home/ann/b.txt"), Test::at(-30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        QTRY_COMPARE(calls().size(), 2);
+        const QList<Notify> first = calls();
+        QCOMPARE(first.at(0).replaces, 0u);
+        QCOMPARE(first.at(1).replaces, 1u); // the server's id for the first: updated, not a second one
+        QCOMPARE(first.at(1).summary, QStringLiteral("2 items were missed while the computer slept"));
+        QCOMPARE(first.at(1).body, QStringLiteral("a <1>.txt\nb.txt")); // no markup capability: as it is
+        QCOMPARE(first.at(1).actions, (QStringList{"open-missed", "Open Now", "show-history", "Show History"}));
+        QCOMPARE(first.at(1).desktopEntry, QStringLiteral("org.quillon.Quillon"));
+
+        // A minute later it is news of its own.
+        clock.advance(61'000);
+        notifier.notice({clock.now(), QStringLiteral("/home/ann/c.txt"), Test::at(30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        QTRY_COMPARE(calls().size(), 3);
+        QCOMPARE(calls().at(2).replaces, 0u);
+        QCOMPARE(calls().at(2).summary, QStringLiteral("1 item was missed while the computer slept"));
+
+        // Open Now, clicked on that notification, opens what it names.
+        QSignalSpy openNow(&notifier, &ProblemNotifier::openNowRequested);
+        QSignalSpy history(&notifier, &ProblemNotifier::historyRequested);
+        emitAction(2, QStringLiteral("open-missed"));
+        emitAction(2, QStringLiteral("show-history"));
+        QTRY_COMPARE(history.size(), 1);
+        QCOMPARE(openNow.size(), 1);
+        QCOMPARE(openNow.at(0).at(0).toStringList(), QStringList{QStringLiteral("/home/ann/c.txt")});
+
+        // Launches only when asked for; problems not when turned off.
+        notifier.notice({clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        preferences.setValue(Keys::NotifyProblems, false);
+        notifier.notice({clock.now(), QStringLiteral("/y"), Test::at(30), Kind::OpenFailed, QStringLiteral("gone")});
+        preferences.setValue(Keys::NotifyEveryLaunch, true);
+        notifier.notice({clock.now(), QStringLiteral("/z"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        QTRY_COMPARE(calls().size(), 4);
+        QTest::qWait(200);
+        QCOMPARE(calls().size(), 4);
+        QCOMPARE(calls().at(3).summary, QStringLiteral("Quillon opened 1 item"));
+    }
+
+private:
+    QList<Notify> calls()
+    {
+        QDBusMessage get = QDBusMessage::createMethodCall(Service, Path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("GetCalls"));
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(get);
+        const QDBusArgument list = reply.arguments().value(0).value<QDBusArgument>();
+        QList<Notify> out;
+        list.beginArray();
+        while (!list.atEnd()) {
+            quint64 time = 0;
+            QString method;
+            QVariantList args;
+            list.beginStructure();
+            list >> time >> method >> args;
+            list.endStructure();
+            if (method != QLatin1String("Notify"))
+                continue;
+            const auto value = [](const QVariant &v) { return v.canConvert<QDBusVariant>() ? v.value<QDBusVariant>().variant() : v; };
+            Notify n;
+            n.replaces = value(args.value(1)).toUInt();
+            n.summary = value(args.value(3)).toString();
+            n.body = value(args.value(4)).toString();
+            n.actions = qdbus_cast<QStringList>(value(args.value(5)));
+            n.desktopEntry = qdbus_cast<QVariantMap>(value(args.value(6))).value(QStringLiteral("desktop-entry")).toString();
+            out << n;
+        }
+        list.endArray();
+        return out;
+    }
+    void emitAction(uint id, const QString &key)
+    {
+        QDBusMessage emit = QDBusMessage::createMethodCall(Service, Path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"));
+        emit.setArguments({Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
+        QDBusConnection::sessionBus().call(emit);
+    }
+
+    QProcess m_bus;
+    QProcess m_mock;
+};
+
+QTEST_GUILESS_MAIN(NotificationsTest)
+#include "notifications_test.moc"
