@@ -9,6 +9,7 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <fcntl.h>
@@ -142,7 +143,9 @@ bool History::open()
 bool History::prepare()
 {
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    for (const char *statement : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL",
+    // Checkpoints (copying the log into the file, with an fsync) take milliseconds; they run on
+    // a thread of their own (checkpointSoon), never inside a write of the event loop's.
+    for (const char *statement : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", "PRAGMA wal_autocheckpoint=0",
                                   "CREATE TABLE IF NOT EXISTS events (id INTEGER PRIMARY KEY, at INTEGER NOT NULL, path TEXT NOT NULL,"
                                   " scheduled INTEGER, kind INTEGER NOT NULL, detail TEXT NOT NULL DEFAULT '')",
                                   "CREATE INDEX IF NOT EXISTS events_at ON events (at)",
@@ -213,8 +216,12 @@ void History::flush()
     }
     ok = ok && db.commit();
     if (ok) {
-        if ((m_sinceTrim += int(batch.size())) >= 1000)
-            trim();
+        m_sinceTrim += int(batch.size());
+        // Often and small: a hundred rows at a time cost a fraction of a millisecond.
+        if (m_sinceTrim >= 100)
+            QTimer::singleShot(0, this, &History::trim);
+        if ((m_sinceCheckpoint += int(batch.size())) >= 500)
+            checkpointSoon();
         return;
     }
     const QSqlError error = insert.lastError().isValid() ? insert.lastError() : db.lastError();
@@ -231,11 +238,39 @@ void History::flush()
 void History::trim()
 {
     m_sinceTrim = 0;
+    if (m_connection.isEmpty())
+        return;
+    // Two deletes that each follow an index (by time, by row id); one with OR would read every row.
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    q.prepare(QStringLiteral("DELETE FROM events WHERE at < ? OR id <= (SELECT MAX(id) FROM events) - ?"));
+    q.prepare(QStringLiteral("DELETE FROM events WHERE at < ?"));
     q.addBindValue(m_clock.now().addDays(-KeepDays).toMSecsSinceEpoch());
-    q.addBindValue(KeepRecords);
     q.exec();
+    if (q.exec(QStringLiteral("SELECT IFNULL(MAX(id), 0) FROM events")) && q.next()) {
+        const qint64 below = q.value(0).toLongLong() - KeepRecords;
+        q.prepare(QStringLiteral("DELETE FROM events WHERE id <= ?"));
+        q.addBindValue(below);
+        q.exec();
+    }
+}
+
+void History::checkpointSoon()
+{
+    m_sinceCheckpoint = 0;
+    if (m_checkpointing->exchange(true))
+        return;
+    // A connection of its own on a pool thread; PASSIVE never waits for, nor blocks, our writes.
+    QThreadPool::globalInstance()->start([busy = m_checkpointing, file = m_fileName] {
+        const QString name = QStringLiteral("quillon-history-checkpoint");
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(file);
+            db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+            if (db.open())
+                QSqlQuery(db).exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
+        }
+        QSqlDatabase::removeDatabase(name);
+        *busy = false;
+    });
 }
 
 bool History::handled(const QString &path, const QDateTime &scheduled)

@@ -5,6 +5,9 @@
 #include <QObject>
 #include <QString>
 
+#include <atomic>
+#include <memory>
+
 namespace Quillon {
 
 class WallClock;
@@ -67,6 +70,7 @@ private:
     void setAside(const QString &why);
     void close();
     void trim();
+    void checkpointSoon();
     bool isDamage(int sqliteCode) const;
 
     QString m_fileName;
@@ -75,6 +79,8 @@ private:
     QList<Record> m_pending;
     bool m_flushQueued = false;
     int m_sinceTrim = 0;
+    int m_sinceCheckpoint = 0;
+    std::shared_ptr<std::atomic<bool>> m_checkpointing = std::make_shared<std::atomic<bool>>(false);
 };
 
 } // namespace Quillon
