@@ -13,6 +13,7 @@
 #include <QSqlQuery>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <algorithm>
@@ -68,6 +69,7 @@ int main(int argc, char *argv[])
         history.record(History::Kind(1 + i % 10), QStringLiteral("/home/ann/Documents/file %1.txt").arg(i), clock.now(),
                        i % 10 == 1 ? QStringLiteral("the file no longer exists") : QStringLiteral("document"));
     history.flush();
+    QThreadPool::globalInstance()->waitForDone(); // the history's own checkpoint, if one runs
     {
         // Measured once the log is folded into the file, as it is after a checkpoint.
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("size"));
@@ -76,7 +78,8 @@ int main(int argc, char *argv[])
             QSqlQuery(db).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
     }
     QSqlDatabase::removeDatabase(QStringLiteral("size"));
-    std::printf("history file with %d records: %.1f MB\n", History::KeepRecords, double(QFileInfo(file).size() + QFileInfo(file + QStringLiteral("-wal")).size()) / 1e6);
+    std::printf("history file with %d records: %.1f MB (its write-ahead log now: %.1f MB)\n", History::KeepRecords,
+                double(QFileInfo(file).size()) / 1e6, double(QFileInfo(file + QStringLiteral("-wal")).size()) / 1e6);
 
     FakeWorkspace workspace;
     QElapsedTimer opening;
