@@ -3,6 +3,7 @@
 <context>
     <name>CommandLine</name>
     <message>
+        <location filename="../../src/app/CommandLine.cpp" line="39" />
         <source>quillon %1: %2 (try quillon --help)</source>
         <translation>quillon %1: %2 (siehe quillon --help)</translation>
     </message>
@@ -93,13 +94,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <location filename="../../src/app/CommandLine.cpp" line="231" />
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
-            <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform><numerusform>es gibt keine Zeile %1; die Liste hat %n Zeilen</numerusform></translation>
+            <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform>
+            <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeilen</numerusform>
+        </translation>
     </message>
     <message numerus="yes">
         <location filename="../../src/app/CommandLine.cpp" line="240" />
         <source>%n item(s) added.</source>
         <translation>
-            <numerusform>%n Objekt hinzugefügt.</numerusform><numerusform>%n Objekte hinzugefügt.</numerusform></translation>
+            <numerusform>%n Objekt hinzugefügt.</numerusform>
+            <numerusform>%n Objekte hinzugefügt.</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -191,6 +196,136 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
 </context>
 <context>
+    <name>Quillon::History</name>
+    <message>
+        <location filename="../../src/history/History.cpp" line="72" />
+        <source>Opened</source>
+        <translation>Geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="74" />
+        <source>Could not be opened</source>
+        <translation>Konnte nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="76" />
+        <source>Script finished</source>
+        <translation>Skript beendet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="78" />
+        <source>Script failed</source>
+        <translation>Skript fehlgeschlagen</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="80" />
+        <source>Script ended by quitting</source>
+        <translation>Skript beim Beenden abgebrochen</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="82" />
+        <source>Missed</source>
+        <translation>Verpasst</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="84" />
+        <source>Opened late</source>
+        <translation>Verspätet geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="86" />
+        <source>Mail sent</source>
+        <translation>E-Mail gesendet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="88" />
+        <source>Mail refused</source>
+        <translation>E-Mail abgelehnt</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="90" />
+        <source>Mail failed</source>
+        <translation>E-Mail fehlgeschlagen</translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::HistoryModel</name>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="94" />
+        <source>(mail)</source>
+        <translation>(E-Mail)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="110" />
+        <source>When</source>
+        <translation>Wann</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="112" />
+        <source>Item</source>
+        <translation>Objekt</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="114" />
+        <source>What</source>
+        <translation>Was</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="116" />
+        <source>Detail</source>
+        <translation>Einzelheiten</translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::HistoryWindow</name>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="128" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="146" />
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="133" />
+        <source>Filter by item or detail</source>
+        <translation>Nach Objekt oder Einzelheiten filtern</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="134" />
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="138" />
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="139" />
+        <source>Everything</source>
+        <translation>Alles</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="139" />
+        <source>Problems only</source>
+        <translation>Nur Probleme</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="195" />
+        <source>&amp;Open Now</source>
+        <translation>Jetzt ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="196" />
+        <source>Show in &amp;File Manager</source>
+        <translation>Im &amp;Dateimanager zeigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="200" />
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+</context>
+<context>
     <name>Quillon::ItemTableModel</name>
     <message>
         <location filename="../../src/ui/ItemTableModel.cpp" line="35" />
@@ -254,8 +389,13 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 </context>
 <context>
     <name>Quillon::MainWindow</name>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="64" />
+        <source>Open the history.</source>
+        <translation>Den Verlauf öffnen.</translation>
+    </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="72" />
+        <location filename="../../src/ui/MainWindow.cpp" line="80" />
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -263,12 +403,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="79" />
+        <location filename="../../src/ui/MainWindow.cpp" line="87" />
         <source>Launch All Now</source>
         <translation>Alle jetzt öffnen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="79" />
+        <location filename="../../src/ui/MainWindow.cpp" line="87" />
         <source>Open all %n items now?</source>
         <translation>
             <numerusform>Den einen Eintrag jetzt öffnen?</numerusform>
@@ -276,217 +416,232 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="81" />
+        <location filename="../../src/ui/MainWindow.cpp" line="89" />
         <source>Every item opens, every script runs and every notice is mailed, at once.</source>
         <translation>Alle Einträge werden sofort geöffnet, alle Skripte ausgeführt und alle Benachrichtigungen verschickt.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="82" />
+        <location filename="../../src/ui/MainWindow.cpp" line="90" />
         <source>Open All</source>
         <translation>Alle öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="84" />
+        <location filename="../../src/ui/MainWindow.cpp" line="92" />
         <source>Don't ask again</source>
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122" />
+        <location filename="../../src/ui/MainWindow.cpp" line="130" />
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122" />
+        <location filename="../../src/ui/MainWindow.cpp" line="130" />
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123" />
+        <location filename="../../src/ui/MainWindow.cpp" line="131" />
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123" />
+        <location filename="../../src/ui/MainWindow.cpp" line="131" />
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126" />
+        <location filename="../../src/ui/MainWindow.cpp" line="134" />
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126" />
+        <location filename="../../src/ui/MainWindow.cpp" line="134" />
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="127" />
+        <location filename="../../src/ui/MainWindow.cpp" line="135" />
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="127" />
+        <location filename="../../src/ui/MainWindow.cpp" line="135" />
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128" />
+        <location filename="../../src/ui/MainWindow.cpp" line="136" />
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128" />
+        <location filename="../../src/ui/MainWindow.cpp" line="136" />
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130" />
-        <location filename="../../src/ui/MainWindow.cpp" line="158" />
+        <location filename="../../src/ui/MainWindow.cpp" line="138" />
+        <location filename="../../src/ui/MainWindow.cpp" line="166" />
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130" />
+        <location filename="../../src/ui/MainWindow.cpp" line="138" />
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="132" />
-        <location filename="../../src/ui/MainWindow.cpp" line="349" />
+        <location filename="../../src/ui/MainWindow.cpp" line="140" />
+        <location filename="../../src/ui/MainWindow.cpp" line="360" />
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="132" />
+        <location filename="../../src/ui/MainWindow.cpp" line="140" />
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="136" />
+        <location filename="../../src/ui/MainWindow.cpp" line="144" />
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="155" />
+        <location filename="../../src/ui/MainWindow.cpp" line="163" />
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156" />
+        <location filename="../../src/ui/MainWindow.cpp" line="164" />
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="160" />
+        <location filename="../../src/ui/MainWindow.cpp" line="168" />
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="164" />
+        <location filename="../../src/ui/MainWindow.cpp" line="172" />
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="165" />
+        <location filename="../../src/ui/MainWindow.cpp" line="173" />
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="168" />
+        <location filename="../../src/ui/MainWindow.cpp" line="176" />
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="181" />
+        <location filename="../../src/ui/MainWindow.cpp" line="189" />
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183" />
+        <location filename="../../src/ui/MainWindow.cpp" line="191" />
         <source>Move &amp;Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="186" />
+        <location filename="../../src/ui/MainWindow.cpp" line="194" />
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="189" />
+        <location filename="../../src/ui/MainWindow.cpp" line="197" />
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="191" />
+        <location filename="../../src/ui/MainWindow.cpp" line="199" />
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="193" />
+        <location filename="../../src/ui/MainWindow.cpp" line="201" />
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="195" />
+        <location filename="../../src/ui/MainWindow.cpp" line="203" />
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="197" />
+        <location filename="../../src/ui/MainWindow.cpp" line="205" />
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="201" />
+        <location filename="../../src/ui/MainWindow.cpp" line="209" />
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="202" />
-        <location filename="../../src/ui/MainWindow.cpp" line="235" />
+        <location filename="../../src/ui/MainWindow.cpp" line="210" />
+        <location filename="../../src/ui/MainWindow.cpp" line="246" />
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="204" />
+        <location filename="../../src/ui/MainWindow.cpp" line="212" />
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="207" />
+        <location filename="../../src/ui/MainWindow.cpp" line="214" />
+        <source>&amp;History</source>
+        <translation>&amp;Verlauf</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="218" />
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="208" />
+        <location filename="../../src/ui/MainWindow.cpp" line="219" />
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="210" />
+        <location filename="../../src/ui/MainWindow.cpp" line="221" />
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="235" />
+        <location filename="../../src/ui/MainWindow.cpp" line="246" />
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="342" />
+        <location filename="../../src/ui/MainWindow.cpp" line="353" />
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="348" />
+        <location filename="../../src/ui/MainWindow.cpp" line="359" />
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="351" />
+        <location filename="../../src/ui/MainWindow.cpp" line="362" />
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="421" />
+        <source>1 problem since you last looked</source>
+        <translation>1 Problem seit Ihrem letzten Blick</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="421" />
+        <source>%1 problems since you last looked</source>
+        <translation>%1 Probleme seit Ihrem letzten Blick</translation>
     </message>
 </context>
 <context>
@@ -578,130 +733,213 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Skript beenden nach:</translation>
     </message>
     <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="161" />
+        <source>Open items missed while the computer was asleep or off</source>
+        <translation>Objekte öffnen, die verpasst wurden, während der Rechner schlief oder aus war</translation>
+    </message>
+    <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="162" />
+        <source>Notify me about problems</source>
+        <translation>Bei Problemen benachrichtigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="164" />
+        <source>Notify me about every launch</source>
+        <translation>Bei jedem Öffnen benachrichtigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="167" />
         <source>Start Quillon when I log in</source>
         <translation>Quillon bei der Anmeldung starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="192" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="197" />
         <source>This address cannot be used for mail: %1. It was not saved.</source>
         <translation>Diese Adresse kann nicht für E-Mails verwendet werden: %1. Sie wurde nicht gespeichert.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="207" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="212" />
         <source>Send a message for each opened item</source>
         <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="208" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="213" />
         <source>Send the result of each script</source>
         <translation>Das Ergebnis jedes Skripts senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="209" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="214" />
         <source>Recipient address:</source>
         <translation>Empfängeradresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="211" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="216" />
         <source>Recipient name:</source>
         <translation>Empfängername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="213" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="218" />
         <source>Outgoing server</source>
         <translation>Postausgangsserver</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="216" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="221" />
         <source>Address:</source>
         <translation>Adresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="221" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="226" />
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="224" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="229" />
         <source>Port:</source>
         <translation>Port:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="225" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="230" />
         <source>Use a secure connection (TLS)</source>
         <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="229" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="234" />
         <source>Login</source>
         <translation>Anmeldung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="230" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="235" />
         <source>Login:</source>
         <translation>Anmeldung:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="227" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="232" />
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="232" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="237" />
         <source>Username:</source>
         <translation>Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="248" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="253" />
         <source>Password:</source>
         <translation>Passwort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="252" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="257" />
         <source>Without TLS the password is sent unencrypted.</source>
         <translation>Ohne TLS wird das Passwort unverschlüsselt gesendet.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="265" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="270" />
         <source>Send Test Message</source>
         <translation>Testnachricht senden</translation>
     </message>
 </context>
 <context>
+    <name>Quillon::ProblemNotifier</name>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="92" />
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="98" />
+        <source>1 item could not be opened</source>
+        <translation>1 Objekt konnte nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="98" />
+        <source>%1 items could not be opened</source>
+        <translation>%1 Objekte konnten nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="104" />
+        <source>1 item was missed while Quillon was not running</source>
+        <translation>1 Objekt wurde verpasst, während Quillon nicht lief</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="104" />
+        <source>%1 items were missed while Quillon was not running</source>
+        <translation>%1 Objekte wurden verpasst, während Quillon nicht lief</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="106" />
+        <source>1 item was missed while the computer slept</source>
+        <translation>1 Objekt wurde verpasst, während der Rechner schlief</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="106" />
+        <source>%1 items were missed while the computer slept</source>
+        <translation>%1 Objekte wurden verpasst, während der Rechner schlief</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="107" />
+        <source>Open Now</source>
+        <translation>Jetzt öffnen</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="110" />
+        <source>A script failed</source>
+        <translation>Ein Skript ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="114" />
+        <source>Mail could not be sent</source>
+        <translation>E-Mail konnte nicht gesendet werden</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="118" />
+        <source>Quillon opened 1 item</source>
+        <translation>Quillon hat 1 Objekt geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="118" />
+        <source>Quillon opened %1 items</source>
+        <translation>Quillon hat %1 Objekte geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="121" />
+        <source>Show History</source>
+        <translation>Verlauf zeigen</translation>
+    </message>
+</context>
+<context>
     <name>Quillon::QuillonController</name>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="177" />
+        <location filename="../../src/app/QuillonController.cpp" line="298" />
         <source>About Quillon</source>
         <translation>Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="178" />
+        <location filename="../../src/app/QuillonController.cpp" line="299" />
         <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
         <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="197" />
+        <location filename="../../src/app/QuillonController.cpp" line="318" />
         <source>Show Quillon</source>
         <translation>Quillon anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="198" />
+        <location filename="../../src/app/QuillonController.cpp" line="319" />
         <source>Quit</source>
         <translation>Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="263" />
+        <location filename="../../src/app/QuillonController.cpp" line="384" />
         <source>Sending…</source>
         <translation>Wird gesendet …</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="269" />
+        <location filename="../../src/app/QuillonController.cpp" line="390" />
         <source>Sent to %1</source>
         <translation>Gesendet an %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="270" />
+        <location filename="../../src/app/QuillonController.cpp" line="391" />
         <source>Not sent: %1</source>
         <translation>Nicht gesendet: %1</translation>
     </message>
@@ -742,38 +980,40 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ScriptingService</name>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="84" />
+        <location filename="../../src/app/ScriptingService.cpp" line="86" />
         <source>The date %1 is out of range: Unix seconds from 0 to %2.</source>
         <translation>Das Datum %1 liegt außerhalb des Bereichs: Unix-Sekunden von 0 bis %2.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="90" />
+        <location filename="../../src/app/ScriptingService.cpp" line="92" />
         <source>%1 needs at least one row.</source>
         <translation>%1 braucht mindestens eine Zeile.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="94" />
+        <location filename="../../src/app/ScriptingService.cpp" line="96" />
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
-            <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform><numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeilen, gezählt ab 0.</numerusform></translation>
+            <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform>
+            <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeilen, gezählt ab 0.</numerusform>
+        </translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="102" />
+        <location filename="../../src/app/ScriptingService.cpp" line="118" />
         <source>Add needs at least one path.</source>
         <translation>Add braucht mindestens einen Pfad.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="109" />
+        <location filename="../../src/app/ScriptingService.cpp" line="107" />
         <source>Not an absolute path: "%1".</source>
         <translation>Kein absoluter Pfad: „%1“.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="110" />
+        <location filename="../../src/app/ScriptingService.cpp" line="109" />
         <source>No such file or folder: %1</source>
         <translation>Keine solche Datei und kein solcher Ordner: %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="140" />
+        <location filename="../../src/app/ScriptingService.cpp" line="187" />
         <source>The schedule is running; stop it before removing items.</source>
         <translation>Der Zeitplan läuft; halten Sie ihn an, bevor Sie Objekte entfernen.</translation>
     </message>
@@ -796,17 +1036,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>der Server hat die Anmeldung abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="172" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="173" />
         <source>the server refused the message: %1</source>
         <translation>der Server hat die Nachricht abgelehnt: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="182" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="184" />
         <source>Message not sent. Server response: %1</source>
         <translation>Nachricht nicht gesendet. Antwort des Servers: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="200" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="202" />
         <source>the session ended before the message was sent</source>
         <translation>die Verbindung endete, bevor die Nachricht gesendet war</translation>
     </message>
