@@ -16,8 +16,17 @@ void installTranslations(QCoreApplication &app)
     auto *own = new QTranslator(&app);
     const QString appDir = QCoreApplication::applicationDirPath();
     // Beside the build, then where the package puts them.
-    for (const QString &dir : {appDir + QStringLiteral("/../share/quillon/translations"), QStringLiteral(QUILLON_DATA_DIR "/translations")}) {
+    const QStringList dirs{appDir + QStringLiteral("/../share/quillon/translations"), QStringLiteral(QUILLON_DATA_DIR "/translations")};
+    for (const QString &dir : dirs) {
         if (own->load(locale, QStringLiteral("quillon"), QStringLiteral("_"), dir)) {
+            QCoreApplication::installTranslator(own);
+            return;
+        }
+    }
+    // A language we have no catalogue for, or the C locale, reads the source's English: with
+    // its plurals ("1 item", "2 items") from the English catalogue.
+    for (const QString &dir : dirs) {
+        if (own->load(QStringLiteral("quillon_en"), dir)) {
             QCoreApplication::installTranslator(own);
             return;
         }

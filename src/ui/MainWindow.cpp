@@ -5,6 +5,7 @@
 #include "ButtonRow.h"
 #include "ItemTableModel.h"
 #include "ItemTableView.h"
+#include "LaunchAllConfirmation.h"
 #include "Preferences.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
@@ -14,7 +15,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QCheckBox>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
 #include <QHeaderView>
@@ -23,7 +23,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -75,31 +74,10 @@ MainWindow::~MainWindow() = default;
 void MainWindow::launchAllClicked()
 {
     const int count = m_schedule.count();
-    const auto launch = [this, count] {
+    confirmLaunchAll(this, m_preferences, count, [this, count] {
         Q_EMIT launchAllNowRequested();
         statusBar()->showMessage(tr("Launch All Now opened %n item(s).", nullptr, count));
-    };
-    const bool ask = !m_preferences.contains(Keys::ConfirmLaunchAll) || m_preferences.boolValue(Keys::ConfirmLaunchAll);
-    if (count <= 1 || !ask) {
-        launch();
-        return;
-    }
-    auto *box = new QMessageBox(QMessageBox::Question, tr("Launch All Now"), tr("Open all %n items now?", nullptr, count), QMessageBox::Cancel, this);
-    box->setObjectName(QStringLiteral("confirmLaunchAll"));
-    box->setInformativeText(tr("Every item opens, every script runs and every notice is mailed, at once."));
-    QPushButton *openAll = box->addButton(tr("Open All"), QMessageBox::AcceptRole);
-    box->setDefaultButton(openAll);
-    box->setCheckBox(new QCheckBox(tr("Don't ask again"), box));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(box, &QMessageBox::buttonClicked, this, [this, box, openAll, launch](QAbstractButton *clicked) {
-        if (clicked != openAll)
-            return;
-        if (box->checkBox()->isChecked())
-            m_preferences.setValue(Keys::ConfirmLaunchAll, false);
-        launch();
     });
-    // Never a nested event loop: the timers go on while it is asked.
-    box->open();
 }
 
 QWidget *MainWindow::calendarClockWindow() const

@@ -200,20 +200,6 @@ private Q_SLOTS:
         QVERIFY(!m_schedule->timers().at(1));
     }
 
-    void dropOntoARowIsRefused()
-    {
-        m_schedule->appendPaths({"/x"});
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile("/A")});
-        const QModelIndex onRow = m_model->index(0, 1);
-        QVERIFY(!m_model->canDropMimeData(&data, Qt::CopyAction, -1, -1, onRow));
-        QVERIFY(!m_model->dropMimeData(&data, Qt::CopyAction, -1, -1, onRow));
-        QCOMPARE(m_schedule->count(), 1);
-        QMimeData empty;
-        empty.setUrls({});
-        QVERIFY(!m_model->dropMimeData(&empty, Qt::CopyAction, 0, 0, {}));
-    }
-
     void droppedFolders_data()
     {
         QTest::addColumn<bool>("folderFiles");

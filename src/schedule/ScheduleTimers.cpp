@@ -1,0 +1,263 @@
+// The timer side of the schedule: arming, firing and repeating items, stopping, asking for a
+// wake before sleep, and what becomes of items whose time passed while the machine slept.
+#include "Schedule.h"
+
+#include "Log.h"
+#include "PowerService.h"
+#include "Preferences.h"
+#include "SettingsKeys.h"
+#include "Texts.h"
+#include "TimerQueue.h"
+#include "WallClock.h"
+
+#include <QTimer>
+
+#include <QtNumeric>
+
+#include <algorithm>
+#include <limits>
+
+namespace Quillon {
+namespace {
+constexpr quint32 WakeLeadSeconds = 15;
+
+quint32 unitFactor(int unit)
+{
+    switch (unit) {
+    case 1:
+        return 60;
+    case 2:
+        return 3600;
+    case 3:
+        return 86400;
+    default:
+        return 1;
+    }
+}
+} // namespace
+
+TimerSlot Schedule::armTimer(const QString &path, qint64 fireMSecs)
+{
+    return m_queue->schedule(path, fireMSecs);
+}
+
+void Schedule::showStopped()
+{
+    m_timersRunning = false;
+    Q_EMIT runningStateChanged(false);
+    Q_EMIT reloadTable();
+}
+
+void Schedule::showRunning()
+{
+    m_timersRunning = true;
+    Q_EMIT runningStateChanged(true);
+    Q_EMIT reloadTable();
+}
+
+void Schedule::startTimers(bool quiet)
+{
+    m_timersRemaining = 0;
+    m_slotIndexStale = true;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    for (qsizetype i = 0; i < m_timers.size(); ++i) {
+        if (i >= m_dates.size())
+            continue;
+        // Compared, not subtracted: a hand-edited date near the limits must not wrap into the past.
+        if (m_dates.at(i).toMSecsSinceEpoch() > nowMSecs) {
+            m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
+            ++m_timersRemaining;
+        } else {
+            m_timers[i] = TimerSlot();
+        }
+    }
+    if (m_timersRemaining < 1) {
+        showStopped();
+        if (!quiet)
+            Q_EMIT alertRequested(Texts::tr(Texts::NoItemsScheduled), Texts::tr(Texts::NoItemsScheduledInfo));
+        return;
+    }
+    showRunning();
+}
+
+void Schedule::invalidateTimers(bool keepSlots)
+{
+    m_slotIndexStale = true;
+    for (TimerSlot &slot : m_timers) {
+        if (!slot)
+            continue;
+        slot->invalidate();
+        if (!keepSlots)
+            slot = TimerSlot();
+    }
+    showStopped();
+}
+
+void Schedule::restartTimers()
+{
+    const bool wasRunning = m_timersRunning;
+    invalidateTimers(false);
+    startTimers(true);
+    if (wasRunning && !m_timersRunning)
+        Q_EMIT stoppedByItself(Texts::tr(Texts::StoppedNoFuture));
+}
+
+void Schedule::startStopButtonClicked()
+{
+    if (!m_timersRunning) {
+        invalidateTimers(true);
+        startTimers(false);
+    } else {
+        invalidateTimers(false);
+        Q_EMIT stoppedByUser();
+    }
+}
+
+void Schedule::launch(const TimerSlot &timer)
+{
+    // Told first: what the launcher reports about the opening belongs to this date.
+    Q_EMIT launched(timer->path(), timer->fireDate());
+    if (m_launchItem)
+        m_launchItem(timer->path());
+    const qsizetype k = slotOf(timer);
+
+    const qint64 period = repeatMSecs();
+    if (period == 0) {
+        --m_timersRemaining;
+    } else {
+        qint64 next = 0;
+        if (qAddOverflow(timer->fireMSecs(), period, &next))
+            next = std::numeric_limits<qint64>::max();
+        const qint64 nowMSecs = m_clock.nowMSecs();
+        // A late item fires again at once, and from then on its series counts from the present.
+        const qint64 fireAt = next > nowMSecs ? next : nowMSecs;
+        if (k < 0) {
+            systemLog(QStringLiteral("A repeating item fired after its row was removed; it is not re-armed."));
+        } else {
+            m_slotIndex.remove(timer.get());
+            m_timers[k] = armTimer(timer->path(), fireAt);
+            m_slotIndex.insert(m_timers[k].get(), k);
+            if (k < m_dates.size())
+                m_dates[k] = QDateTime::fromMSecsSinceEpoch(next);
+            scheduleWakeUpSoon();
+        }
+    }
+    timer->invalidate();
+    // Only this row: a burst of thousands of firings must not redraw the whole table each time.
+    if (k >= 0)
+        Q_EMIT rowChanged(int(k));
+
+    if (m_timersRemaining == 0) {
+        m_timersRunning = false;
+        invalidateTimers(true);
+        showStopped();
+        Q_EMIT stoppedByItself(Texts::tr(Texts::StoppedLastOpened));
+        if (m_preferences.boolValue(Keys::QuitWhenDone))
+            Q_EMIT quitRequested();
+    }
+}
+
+// The slot of a timer, found by identity. Firing 30,000 repeating items in a second would make a
+// search per firing quadratic; the map is rebuilt only after rows or slots changed.
+qsizetype Schedule::slotOf(const TimerSlot &timer)
+{
+    if (m_slotIndexStale) {
+        m_slotIndex.clear();
+        m_slotIndex.reserve(m_timers.size());
+        for (qsizetype i = 0; i < m_timers.size(); ++i) {
+            if (m_timers.at(i))
+                m_slotIndex.insert(m_timers.at(i).get(), i);
+        }
+        m_slotIndexStale = false;
+    }
+    return m_slotIndex.value(timer.get(), -1);
+}
+
+void Schedule::scheduleWakeUpSoon()
+{
+    // Each repeat asks again; one request per event-loop turn is enough.
+    if (std::exchange(m_wakeUpQueued, true))
+        return;
+    QTimer::singleShot(0, this, [this] {
+        m_wakeUpQueued = false;
+        scheduleWakeUp();
+    });
+}
+
+void Schedule::scheduleWakeUp()
+{
+    if (m_timers.isEmpty() || !m_power)
+        return;
+    // Every armed timer is in the queue, which keeps them in order; a timer of a removed row has
+    // no owner left there and does not count.
+    const std::optional<qint64> earliest = m_queue->earliestLiveAfter(m_clock.nowMSecs());
+    if (earliest)
+        m_power->schedulePowerWake(QDateTime::fromMSecsSinceEpoch(*earliest), WakeLeadSeconds);
+}
+
+void Schedule::datesChanged()
+{
+    // A running schedule follows a date change at once: the new dates are armed, and a
+    // schedule left with nothing in the future stops (and says so).
+    if (m_timersRunning)
+        restartTimers();
+}
+
+void Schedule::afterWake()
+{
+    if (!m_timersRunning)
+        return;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    QList<int> passed;
+    for (qsizetype i = 0; i < m_timers.size(); ++i) {
+        if (m_timers.at(i) && m_timers.at(i)->isValid() && m_timers.at(i)->fireMSecs() <= nowMSecs)
+            passed << int(i);
+    }
+    // Told in the order they were due.
+    std::stable_sort(passed.begin(), passed.end(), [this](int a, int b) { return m_timers.at(a)->fireMSecs() < m_timers.at(b)->fireMSecs(); });
+    for (int row : std::as_const(passed))
+        Q_EMIT missed(m_paths.at(row), m_timers.at(row)->fireDate());
+    // By default they are dropped, as they always were; opening them late is the user's choice.
+    if (!passed.isEmpty() && m_preferences.boolValue(Keys::OpenMissedItems))
+        catchUp(passed);
+    else
+        restartTimers();
+}
+
+void Schedule::catchUp(QList<int> rows)
+{
+    rows.removeIf([this](int row) { return row < 0 || row >= count() || row >= m_dates.size(); });
+    std::stable_sort(rows.begin(), rows.end(), [this](int a, int b) { return m_dates.at(a) < m_dates.at(b); });
+    QList<std::pair<QString, QDateTime>> due;
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    const qint64 period = repeatMSecs();
+    for (int row : std::as_const(rows)) {
+        due.append({m_paths.at(row), m_dates.at(row)});
+        // Once, not once per period missed: the series goes on from its next time after now.
+        if (period > 0) {
+            const qint64 due = m_dates.at(row).toMSecsSinceEpoch();
+            const qint64 periods = nowMSecs >= due ? (nowMSecs - due) / period + 1 : 0;
+            m_dates[row] = QDateTime::fromMSecsSinceEpoch(due + periods * period);
+        }
+    }
+    if (m_timersRunning)
+        restartTimers();
+    for (const auto &[path, date] : std::as_const(due)) {
+        Q_EMIT caughtUp(path, date);
+        if (m_launchItem)
+            m_launchItem(path);
+    }
+}
+
+qint64 Schedule::repeatMSecs() const
+{
+    const int repeat = m_preferences.intValue(Keys::RepeatSeconds);
+    if (repeat == 0)
+        return 0;
+    // 32-bit unsigned on purpose: a negative count or a huge product wraps as the stored type does.
+    const quint32 period = quint32(repeat) * unitFactor(m_preferences.intValue(Keys::TimeUnit));
+    // A product that wraps to exactly 0 would re-open the item without end.
+    return qint64(period == 0 ? 1 : period) * 1000;
+}
+
+} // namespace Quillon
