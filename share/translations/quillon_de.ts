@@ -156,27 +156,64 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::DateWindow</name>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="18" />
+        <location filename="../../src/ui/DateWindow.cpp" line="32" />
+        <location filename="../../src/ui/DateWindow.cpp" line="33" />
         <source>Date &amp; Time</source>
         <translation>Datum &amp; Uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="39" />
+        <location filename="../../src/ui/DateWindow.cpp" line="48" />
+        <source>Calenda&amp;r…</source>
+        <translation>&amp;Kalender …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="50" />
+        <source>Calendar</source>
+        <translation>Kalender</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="53" />
+        <source>&amp;Now</source>
+        <translation>J&amp;etzt</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="55" />
+        <source>Now</source>
+        <translation>Jetzt</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="56" />
+        <source>Set the date and time to this moment.</source>
+        <translation>Datum und Uhrzeit auf diesen Augenblick setzen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="64" />
+        <location filename="../../src/ui/DateWindow.cpp" line="65" />
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="80" />
+        <source>Launch date</source>
+        <translation>Startdatum</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="111" />
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="61" />
+        <location filename="../../src/ui/DateWindow.cpp" line="133" />
         <source>No item is selected: a date set here changes nothing.</source>
         <translation>Kein Eintrag ist ausgewählt: Ein hier gesetztes Datum ändert nichts.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="63" />
+        <location filename="../../src/ui/DateWindow.cpp" line="135" />
         <source>Launch date and time of the selected item:</source>
         <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="65" />
+        <location filename="../../src/ui/DateWindow.cpp" line="137" />
         <source>Launch date and time of %1 selected items:</source>
         <translation>Startdatum und -uhrzeit von %1 ausgewählten Einträgen:</translation>
     </message>
@@ -390,12 +427,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="64" />
+        <location filename="../../src/ui/MainWindow.cpp" line="69" />
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="80" />
+        <location filename="../../src/ui/MainWindow.cpp" line="85" />
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -403,12 +440,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="87" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="21" />
         <source>Launch All Now</source>
         <translation>Alle jetzt öffnen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="87" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="22" />
         <source>Open all %n items now?</source>
         <translation>
             <numerusform>Den einen Eintrag jetzt öffnen?</numerusform>
@@ -416,230 +453,230 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="89" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="24" />
         <source>Every item opens, every script runs and every notice is mailed, at once.</source>
         <translation>Alle Einträge werden sofort geöffnet, alle Skripte ausgeführt und alle Benachrichtigungen verschickt.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="90" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="25" />
         <source>Open All</source>
         <translation>Alle öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="92" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="27" />
         <source>Don't ask again</source>
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130" />
+        <location filename="../../src/ui/MainWindow.cpp" line="114" />
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="130" />
+        <location filename="../../src/ui/MainWindow.cpp" line="114" />
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="131" />
+        <location filename="../../src/ui/MainWindow.cpp" line="115" />
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="131" />
+        <location filename="../../src/ui/MainWindow.cpp" line="115" />
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="134" />
+        <location filename="../../src/ui/MainWindow.cpp" line="118" />
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="134" />
+        <location filename="../../src/ui/MainWindow.cpp" line="118" />
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="135" />
+        <location filename="../../src/ui/MainWindow.cpp" line="119" />
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="135" />
+        <location filename="../../src/ui/MainWindow.cpp" line="119" />
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="136" />
+        <location filename="../../src/ui/MainWindow.cpp" line="120" />
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="136" />
+        <location filename="../../src/ui/MainWindow.cpp" line="120" />
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="138" />
-        <location filename="../../src/ui/MainWindow.cpp" line="166" />
+        <location filename="../../src/ui/MainWindow.cpp" line="122" />
+        <location filename="../../src/ui/MainWindow.cpp" line="150" />
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="138" />
+        <location filename="../../src/ui/MainWindow.cpp" line="122" />
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="140" />
-        <location filename="../../src/ui/MainWindow.cpp" line="360" />
+        <location filename="../../src/ui/MainWindow.cpp" line="124" />
+        <location filename="../../src/ui/MainWindow.cpp" line="344" />
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="140" />
+        <location filename="../../src/ui/MainWindow.cpp" line="124" />
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="144" />
+        <location filename="../../src/ui/MainWindow.cpp" line="128" />
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="163" />
+        <location filename="../../src/ui/MainWindow.cpp" line="147" />
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="164" />
+        <location filename="../../src/ui/MainWindow.cpp" line="148" />
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="168" />
+        <location filename="../../src/ui/MainWindow.cpp" line="152" />
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="172" />
+        <location filename="../../src/ui/MainWindow.cpp" line="156" />
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="173" />
+        <location filename="../../src/ui/MainWindow.cpp" line="157" />
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="176" />
+        <location filename="../../src/ui/MainWindow.cpp" line="160" />
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="189" />
+        <location filename="../../src/ui/MainWindow.cpp" line="173" />
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="191" />
+        <location filename="../../src/ui/MainWindow.cpp" line="175" />
         <source>Move &amp;Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="194" />
+        <location filename="../../src/ui/MainWindow.cpp" line="178" />
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="197" />
+        <location filename="../../src/ui/MainWindow.cpp" line="181" />
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="199" />
+        <location filename="../../src/ui/MainWindow.cpp" line="183" />
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="201" />
+        <location filename="../../src/ui/MainWindow.cpp" line="185" />
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="203" />
+        <location filename="../../src/ui/MainWindow.cpp" line="187" />
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="205" />
+        <location filename="../../src/ui/MainWindow.cpp" line="189" />
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="209" />
+        <location filename="../../src/ui/MainWindow.cpp" line="193" />
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="210" />
-        <location filename="../../src/ui/MainWindow.cpp" line="246" />
+        <location filename="../../src/ui/MainWindow.cpp" line="194" />
+        <location filename="../../src/ui/MainWindow.cpp" line="230" />
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="212" />
+        <location filename="../../src/ui/MainWindow.cpp" line="196" />
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="214" />
+        <location filename="../../src/ui/MainWindow.cpp" line="198" />
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="218" />
+        <location filename="../../src/ui/MainWindow.cpp" line="202" />
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="219" />
+        <location filename="../../src/ui/MainWindow.cpp" line="203" />
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="221" />
+        <location filename="../../src/ui/MainWindow.cpp" line="205" />
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="246" />
+        <location filename="../../src/ui/MainWindow.cpp" line="230" />
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="353" />
+        <location filename="../../src/ui/MainWindow.cpp" line="337" />
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="359" />
+        <location filename="../../src/ui/MainWindow.cpp" line="343" />
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="362" />
+        <location filename="../../src/ui/MainWindow.cpp" line="346" />
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="421" />
+        <location filename="../../src/ui/MainWindow.cpp" line="405" />
         <source>1 problem since you last looked</source>
         <translation>1 Problem seit Ihrem letzten Blick</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="421" />
+        <location filename="../../src/ui/MainWindow.cpp" line="405" />
         <source>%1 problems since you last looked</source>
         <translation>%1 Probleme seit Ihrem letzten Blick</translation>
     </message>

@@ -1,8 +1,9 @@
 #include "DateWindow.h"
 
-#include "ClockView.h"
 
-#include <QDateTimeEdit>
+#include <QCalendarWidget>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QHBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
@@ -11,11 +12,25 @@
 
 namespace Quillon {
 
+void LaunchDateEdit::keyPressEvent(QKeyEvent *event)
+{
+    const QString text = event->text();
+    const bool separator = text.size() == 1 && !text.at(0).isLetterOrNumber() && !text.at(0).isSpace() && event->modifiers() == Qt::NoModifier;
+    if (separator && std::exchange(m_movedOn, false)) {
+        event->accept();
+        return;
+    }
+    const Section before = currentSection();
+    QDateTimeEdit::keyPressEvent(event);
+    m_movedOn = text.size() == 1 && text.at(0).isDigit() && currentSection() != before;
+}
+
 DateWindow::DateWindow(QWidget *parent)
     : QWidget(parent, Qt::Tool) // a tool window of its parent: above the list window, not above every other application
 {
     setObjectName(QStringLiteral("calendarClockWindow"));
     setWindowTitle(tr("Date & Time"));
+    setAccessibleName(tr("Date & Time"));
     auto *layout = new QVBoxLayout(this);
     m_label = new QLabel(this);
     m_label->setObjectName(QStringLiteral("selectionLabel"));
@@ -23,18 +38,75 @@ DateWindow::DateWindow(QWidget *parent)
     setSelectionCount(0);
     auto *close = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     connect(close, &QShortcut::activated, this, &QWidget::close);
+
+    auto *pickerRow = new QHBoxLayout;
     m_placeholder = new QWidget(this);
     m_placeholder->setObjectName(QStringLiteral("datePickerPlaceHolder"));
     auto *pickerLayout = new QHBoxLayout(m_placeholder);
     pickerLayout->setContentsMargins(1, 0, 0, 0);
-    layout->addWidget(m_placeholder);
-    layout->addWidget(new ClockView(this));
+    pickerRow->addWidget(m_placeholder, 1);
+    m_calendarButton = new QPushButton(tr("Calenda&r…"), this);
+    m_calendarButton->setObjectName(QStringLiteral("calendarButton"));
+    m_calendarButton->setAccessibleName(tr("Calendar"));
+    connect(m_calendarButton, &QPushButton::clicked, this, &DateWindow::showCalendar);
+    pickerRow->addWidget(m_calendarButton);
+    auto *now = new QPushButton(tr("&Now"), this);
+    now->setObjectName(QStringLiteral("nowButton"));
+    now->setAccessibleName(tr("Now"));
+    now->setToolTip(tr("Set the date and time to this moment."));
+    connect(now, &QPushButton::clicked, this, &DateWindow::nowRequested);
+    pickerRow->addWidget(now);
+    layout->addLayout(pickerRow);
     m_label->setBuddy(m_placeholder);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    auto *closeButton = new QPushButton(tr("Close"), this);
+    closeButton->setAccessibleName(tr("Close"));
+    closeButton->setObjectName(QStringLiteral("closeButton"));
+    connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    buttons->addWidget(closeButton);
+    layout->addLayout(buttons);
+    // Only as tall as what it holds.
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+
+    // A pop-up of its own, shown and hidden, never a nested event loop.
+    m_popup = new QWidget(this, Qt::Popup);
+    m_popup->setObjectName(QStringLiteral("calendarPopup"));
+    auto *popupLayout = new QVBoxLayout(m_popup);
+    popupLayout->setContentsMargins(0, 0, 0, 0);
+    m_calendar = new QCalendarWidget(m_popup);
+    m_calendar->setObjectName(QStringLiteral("calendar"));
+    m_calendar->setAccessibleName(tr("Launch date"));
+    popupLayout->addWidget(m_calendar);
+    const auto pick = [this](QDate date) {
+        m_popup->hide();
+        if (!m_picker || !date.isValid())
+            return;
+        // The day changes; the time of day stays.
+        m_picker->setDate(date);
+        m_picker->setFocus();
+    };
+    connect(m_calendar, &QCalendarWidget::clicked, this, pick);
+    connect(m_calendar, &QCalendarWidget::activated, this, pick);
+}
+
+void DateWindow::showCalendar()
+{
+    if (m_picker) {
+        m_calendar->setLocale(m_picker->locale());
+        m_calendar->setSelectedDate(m_picker->date());
+    }
+    m_popup->adjustSize();
+    m_popup->move(m_calendarButton->mapToGlobal(QPoint(0, m_calendarButton->height())));
+    m_popup->show();
+    m_calendar->setFocus();
 }
 
 QDateTimeEdit *DateWindow::makePicker(const QDateTime &value)
 {
-    auto *picker = new QDateTimeEdit(m_placeholder);
+    auto *picker = new LaunchDateEdit(m_placeholder);
+    m_picker = picker;
     picker->setObjectName(QStringLiteral("datePicker"));
     picker->setAccessibleName(tr("Launch date and time"));
     picker->setCalendarPopup(false);

@@ -44,6 +44,12 @@ MainWindow::MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspa
     m_model = new ItemTableModel(m_schedule, workspace, preferences, this);
     m_model->setEditor(&editor);
     m_dateWindow = new DateWindow(this);
+    connect(m_dateWindow, &DateWindow::nowRequested, this, [this] {
+        if (!m_datePicker)
+            return;
+        const QDateTime now = m_schedule.now();
+        m_datePicker->setDateTime(now.addMSecs(-now.time().msec()));
+    });
     buildTable();
     buildControls();
     buildMenus();

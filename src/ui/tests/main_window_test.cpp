@@ -27,6 +27,7 @@
 #include <QStatusBar>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QCalendarWidget>
 #include <QTest>
 #include <QUndoStack>
 
@@ -101,6 +102,55 @@ private Q_SLOTS:
         m_window->datePicker()->setDateTime(QDateTime(QDate(2027, 1, 15), QTime(7, 30, 5)));
         const QString shown = m_window->datePicker()->text();
         QVERIFY2(shown.startsWith(date) && shown.contains(QLatin1String(":30:05")), qPrintable(shown));
+    }
+
+    // Typed as people type dates and times: a separator after a filled-up field does not skip the next.
+    void typingFillsEachField_data()
+    {
+        QTest::addColumn<int>("section");
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<QDateTime>("expected");
+        QTest::newRow("time with colons") << int(QDateTimeEdit::HourSection) << "13:45:10" << QDateTime(QDate(2027, 1, 15), QTime(13, 45, 10));
+        QTest::newRow("date with dots") << int(QDateTimeEdit::DaySection) << "01.12.2026" << QDateTime(QDate(2026, 12, 1), QTime(7, 30, 5));
+        QTest::newRow("digits only") << int(QDateTimeEdit::HourSection) << "134510" << QDateTime(QDate(2027, 1, 15), QTime(13, 45, 10));
+    }
+    void typingFillsEachField()
+    {
+        QFETCH(int, section);
+        QFETCH(QString, keys);
+        QFETCH(QDateTime, expected);
+        const QLocale previous;
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        auto restore = qScopeGuard([previous] { QLocale::setDefault(previous); });
+        m_window->dateTimeClicked();
+        QDateTimeEdit *picker = m_window->datePicker();
+        picker->setDateTime(QDateTime(QDate(2027, 1, 15), QTime(7, 30, 5)));
+        QVERIFY(QTest::qWaitForWindowExposed(m_window->calendarClockWindow()));
+        picker->setFocus();
+        picker->setSelectedSection(QDateTimeEdit::Section(section)); // as Tab into the field selects it
+        QTest::keyClicks(picker, keys);
+        QCOMPARE(picker->dateTime(), expected);
+    }
+
+    // Now sets the schedule's present; the calendar picks a day and keeps the time of day.
+    void nowAndCalendarSetTheSelectedRows()
+    {
+        select({1});
+        m_window->dateTimeClicked();
+        QWidget *dateWindow = m_window->calendarClockWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(dateWindow));
+        m_clock->advance(1'500);
+        QTest::mouseClick(dateWindow->findChild<QPushButton *>(QStringLiteral("nowButton")), Qt::LeftButton);
+        QCOMPARE(m_schedule->dates().at(1), at(1)); // whole seconds
+        QTest::mouseClick(dateWindow->findChild<QPushButton *>(QStringLiteral("calendarButton")), Qt::LeftButton);
+        QWidget *popup = dateWindow->findChild<QWidget *>(QStringLiteral("calendarPopup"));
+        QVERIFY(popup->isVisible());
+        auto *calendar = popup->findChild<QCalendarWidget *>(QStringLiteral("calendar"));
+        QTest::keyClick(calendar->focusWidget() ? calendar->focusWidget() : calendar, Qt::Key_Right);
+        QTest::keyClick(calendar->focusWidget() ? calendar->focusWidget() : calendar, Qt::Key_Return);
+        QVERIFY(!popup->isVisible());
+        QCOMPARE(m_schedule->dates().at(1), at(1).addDays(1));
+        QCOMPARE(m_schedule->dates().at(0), at(100));
     }
 
     void pickedDateGoesToEverySelectedRow_data()
