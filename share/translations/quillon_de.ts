@@ -1,97 +1,98 @@
-<?xml version='1.0' encoding='utf-8'?>
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
     <name>CommandLine</name>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="39" />
+        <location filename="../../src/app/CommandLine.cpp" line="39"/>
         <source>quillon %1: %2 (try quillon --help)</source>
         <translation>quillon %1: %2 (siehe quillon --help)</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="107" />
+        <location filename="../../src/app/CommandLine.cpp" line="107"/>
         <source>The list is empty.</source>
         <translation>Die Liste ist leer.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="115" />
+        <location filename="../../src/app/CommandLine.cpp" line="115"/>
         <source>opened</source>
         <translation>geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="147" />
+        <location filename="../../src/app/CommandLine.cpp" line="147"/>
         <source>Commands (each talks to the running Quillon; add and start start one when none runs):
-  add FILE… --at TIME   Schedule files or folders.      quillon add ~/notes.txt --at "tomorrow 07:00"
+  add FILE… --at TIME   Schedule files or folders.      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot;
   list [--json]         Show the list, rows from 1.     quillon list --json
   remove ROW…           Remove rows as list shows them. quillon remove 2 3
   start                 Start the schedule.             quillon start
   stop                  Stop the schedule.              quillon stop
   launch-all            Open every item now.            quillon launch-all
-TIME: "2026-12-01 07:00" (local time), ISO 8601 with an offset, +10m, +2h, +1d, 07:00, tomorrow 07:00.
+TIME: &quot;2026-12-01 07:00&quot; (local time), ISO 8601 with an offset, +10m, +2h, +1d, 07:00, tomorrow 07:00.
 Exit status: 0 done, 1 refused (the reason is on standard error), 2 wrong use.
 </source>
         <translation>Befehle (jeder spricht mit dem laufenden Quillon; add und start starten eines, wenn keines läuft):
-  add DATEI… --at ZEIT  Dateien oder Ordner planen.         quillon add ~/notizen.txt --at "tomorrow 07:00"
+  add DATEI… --at ZEIT  Dateien oder Ordner planen.         quillon add ~/notizen.txt --at &quot;tomorrow 07:00&quot;
   list [--json]         Die Liste zeigen, Zeilen ab 1.      quillon list --json
   remove ZEILE…         Zeilen entfernen, wie list sie zeigt. quillon remove 2 3
   start                 Den Zeitplan starten.               quillon start
   stop                  Den Zeitplan anhalten.              quillon stop
   launch-all            Alle Objekte jetzt öffnen.          quillon launch-all
-ZEIT: "2026-12-01 07:00" (Ortszeit), ISO 8601 mit Zeitzone, +10m, +2h, +1d, 07:00, tomorrow 07:00.
+ZEIT: &quot;2026-12-01 07:00&quot; (Ortszeit), ISO 8601 mit Zeitzone, +10m, +2h, +1d, 07:00, tomorrow 07:00.
 Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausgabe), 2 falscher Aufruf.
 </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="162" />
+        <location filename="../../src/app/CommandLine.cpp" line="162"/>
         <source>When to open the files.</source>
         <translation>Wann die Dateien geöffnet werden.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="163" />
+        <location filename="../../src/app/CommandLine.cpp" line="163"/>
         <source>Print the list as JSON.</source>
         <translation>Die Liste als JSON ausgeben.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="172" />
-        <source>unexpected argument '%1'</source>
+        <location filename="../../src/app/CommandLine.cpp" line="172"/>
+        <source>unexpected argument &apos;%1&apos;</source>
         <translation>unerwartetes Argument „%1“</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="183" />
+        <location filename="../../src/app/CommandLine.cpp" line="183"/>
         <source>no file given</source>
         <translation>keine Datei angegeben</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="185" />
+        <location filename="../../src/app/CommandLine.cpp" line="185"/>
         <source>--at TIME is needed</source>
         <translation>--at ZEIT fehlt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="188" />
-        <source>cannot read the time '%1'</source>
+        <location filename="../../src/app/CommandLine.cpp" line="188"/>
+        <source>cannot read the time &apos;%1&apos;</source>
         <translation>die Zeit „%1“ ist nicht lesbar</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="197" />
+        <location filename="../../src/app/CommandLine.cpp" line="197"/>
         <source>give the rows to remove as numbers from 1, as list shows them</source>
         <translation>die zu entfernenden Zeilen als Zahlen ab 1 angeben, wie list sie zeigt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="218" />
+        <location filename="../../src/app/CommandLine.cpp" line="218"/>
         <source>there is no session bus to reach Quillon on</source>
         <translation>es gibt keinen Sitzungsbus, über den Quillon erreichbar wäre</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="220" />
+        <location filename="../../src/app/CommandLine.cpp" line="220"/>
         <source>Quillon is not running</source>
         <translation>Quillon läuft nicht</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="222" />
+        <location filename="../../src/app/CommandLine.cpp" line="222"/>
         <source>Quillon could not be started</source>
         <translation>Quillon konnte nicht gestartet werden</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="231" />
+        <location filename="../../src/app/CommandLine.cpp" line="231"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform>
@@ -99,7 +100,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="240" />
+        <location filename="../../src/app/CommandLine.cpp" line="240"/>
         <source>%n item(s) added.</source>
         <translation>
             <numerusform>%n Objekt hinzugefügt.</numerusform>
@@ -110,45 +111,45 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>LocalizedStrings</name>
     <message>
-        <location filename="../../src/mail/MailSettings.cpp" line="52" />
-        <source>The outgoing SMTP server 'Address:' preference value has not been specified.</source>
+        <location filename="../../src/mail/MailSettings.cpp" line="52"/>
+        <source>The outgoing SMTP server &apos;Address:&apos; preference value has not been specified.</source>
         <translation>Die Einstellung „Adresse:“ des Postausgangsservers (SMTP) ist nicht angegeben.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailSettings.cpp" line="61" />
-        <source>The outgoing SMTP server 'Port:' preference value is out of range.</source>
+        <location filename="../../src/mail/MailSettings.cpp" line="61"/>
+        <source>The outgoing SMTP server &apos;Port:&apos; preference value is out of range.</source>
         <translation>Die Einstellung „Port:“ des Postausgangsservers (SMTP) liegt außerhalb des gültigen Bereichs.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailSettings.cpp" line="80" />
-        <source>The outgoing SMTP server 'Username:' preference value has not been specified.</source>
+        <location filename="../../src/mail/MailSettings.cpp" line="80"/>
+        <source>The outgoing SMTP server &apos;Username:&apos; preference value has not been specified.</source>
         <translation>Die Einstellung „Benutzername:“ des Postausgangsservers (SMTP) ist nicht angegeben.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailSettings.cpp" line="84" />
-        <source>The outgoing SMTP server 'Password:' preference value has not been specified.</source>
+        <location filename="../../src/mail/MailSettings.cpp" line="84"/>
+        <source>The outgoing SMTP server &apos;Password:&apos; preference value has not been specified.</source>
         <translation>Die Einstellung „Passwort:“ des Postausgangsservers (SMTP) ist nicht angegeben.</translation>
     </message>
 </context>
 <context>
     <name>MailAddress</name>
     <message>
-        <location filename="../../src/mail/MailAddress.cpp" line="12" />
+        <location filename="../../src/mail/MailAddress.cpp" line="12"/>
         <source>it holds a control character (a line break pasted with it?)</source>
         <translation>sie enthält ein Steuerzeichen (mit eingefügter Zeilenumbruch?)</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailAddress.cpp" line="14" />
+        <location filename="../../src/mail/MailAddress.cpp" line="14"/>
         <source>it holds a space</source>
         <translation>sie enthält ein Leerzeichen</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailAddress.cpp" line="16" />
+        <location filename="../../src/mail/MailAddress.cpp" line="16"/>
         <source>it holds an angle bracket</source>
         <translation>sie enthält eine spitze Klammer</translation>
     </message>
     <message>
-        <location filename="../../src/mail/MailAddress.cpp" line="18" />
+        <location filename="../../src/mail/MailAddress.cpp" line="18"/>
         <source>it holds an invisible formatting character</source>
         <translation>sie enthält ein unsichtbares Formatierungszeichen</translation>
     </message>
@@ -156,64 +157,64 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::DateWindow</name>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="32" />
-        <location filename="../../src/ui/DateWindow.cpp" line="33" />
+        <location filename="../../src/ui/DateWindow.cpp" line="32"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="33"/>
         <source>Date &amp; Time</source>
         <translation>Datum &amp; Uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="48" />
+        <location filename="../../src/ui/DateWindow.cpp" line="48"/>
         <source>Calenda&amp;r…</source>
         <translation>&amp;Kalender …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="50" />
+        <location filename="../../src/ui/DateWindow.cpp" line="50"/>
         <source>Calendar</source>
         <translation>Kalender</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="53" />
+        <location filename="../../src/ui/DateWindow.cpp" line="53"/>
         <source>&amp;Now</source>
         <translation>J&amp;etzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="55" />
+        <location filename="../../src/ui/DateWindow.cpp" line="55"/>
         <source>Now</source>
         <translation>Jetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="56" />
+        <location filename="../../src/ui/DateWindow.cpp" line="56"/>
         <source>Set the date and time to this moment.</source>
         <translation>Datum und Uhrzeit auf diesen Augenblick setzen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="64" />
-        <location filename="../../src/ui/DateWindow.cpp" line="65" />
+        <location filename="../../src/ui/DateWindow.cpp" line="64"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="65"/>
         <source>Close</source>
         <translation>Schließen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="80" />
+        <location filename="../../src/ui/DateWindow.cpp" line="80"/>
         <source>Launch date</source>
         <translation>Startdatum</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="111" />
+        <location filename="../../src/ui/DateWindow.cpp" line="111"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="133" />
+        <location filename="../../src/ui/DateWindow.cpp" line="133"/>
         <source>No item is selected: a date set here changes nothing.</source>
         <translation>Kein Eintrag ist ausgewählt: Ein hier gesetztes Datum ändert nichts.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="135" />
+        <location filename="../../src/ui/DateWindow.cpp" line="135"/>
         <source>Launch date and time of the selected item:</source>
         <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="137" />
+        <location filename="../../src/ui/DateWindow.cpp" line="137"/>
         <source>Launch date and time of %1 selected items:</source>
         <translation>Startdatum und -uhrzeit von %1 ausgewählten Einträgen:</translation>
     </message>
@@ -221,13 +222,13 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::FileAndFolderChooser</name>
     <message>
-        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="17" />
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="17"/>
         <source>Choose Files and Folders</source>
         <translation>Dateien und Ordner auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="21" />
-        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="44" />
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="21"/>
+        <location filename="../../src/ui/FileAndFolderChooser.cpp" line="44"/>
         <source>Choose</source>
         <translation>Auswählen</translation>
     </message>
@@ -235,52 +236,52 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::History</name>
     <message>
-        <location filename="../../src/history/History.cpp" line="72" />
+        <location filename="../../src/history/History.cpp" line="72"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="74" />
+        <location filename="../../src/history/History.cpp" line="74"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="76" />
+        <location filename="../../src/history/History.cpp" line="76"/>
         <source>Script finished</source>
         <translation>Skript beendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="78" />
+        <location filename="../../src/history/History.cpp" line="78"/>
         <source>Script failed</source>
         <translation>Skript fehlgeschlagen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="80" />
+        <location filename="../../src/history/History.cpp" line="80"/>
         <source>Script ended by quitting</source>
         <translation>Skript beim Beenden abgebrochen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="82" />
+        <location filename="../../src/history/History.cpp" line="82"/>
         <source>Missed</source>
         <translation>Verpasst</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="84" />
+        <location filename="../../src/history/History.cpp" line="84"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="86" />
+        <location filename="../../src/history/History.cpp" line="86"/>
         <source>Mail sent</source>
         <translation>E-Mail gesendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="88" />
+        <location filename="../../src/history/History.cpp" line="88"/>
         <source>Mail refused</source>
         <translation>E-Mail abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="90" />
+        <location filename="../../src/history/History.cpp" line="90"/>
         <source>Mail failed</source>
         <translation>E-Mail fehlgeschlagen</translation>
     </message>
@@ -288,27 +289,27 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::HistoryModel</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="94" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="94"/>
         <source>(mail)</source>
         <translation>(E-Mail)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="110" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="110"/>
         <source>When</source>
         <translation>Wann</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="112" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="112"/>
         <source>Item</source>
         <translation>Objekt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="114" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="114"/>
         <source>What</source>
         <translation>Was</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="116" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="116"/>
         <source>Detail</source>
         <translation>Einzelheiten</translation>
     </message>
@@ -316,48 +317,48 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::HistoryWindow</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="128" />
-        <location filename="../../src/ui/HistoryWindow.cpp" line="146" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="128"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="146"/>
         <source>History</source>
         <translation>Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="133" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="133"/>
         <source>Filter by item or detail</source>
         <translation>Nach Objekt oder Einzelheiten filtern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="134" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="134"/>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="138" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="138"/>
         <source>Show</source>
         <translation>Anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="139" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="139"/>
         <source>Everything</source>
         <translation>Alles</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="139" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="139"/>
         <source>Problems only</source>
         <translation>Nur Probleme</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="195" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="195"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="196" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="196"/>
         <source>Show in &amp;File Manager</source>
         <translation>Im &amp;Dateimanager zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="200" />
+        <location filename="../../src/ui/HistoryWindow.cpp" line="200"/>
         <source>&amp;Copy</source>
         <translation>&amp;Kopieren</translation>
     </message>
@@ -365,48 +366,48 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="142" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="142"/>
         <source>Opens %1 (in %2 days)</source>
         <translation>Öffnet %1 (in %2 Tagen)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="142" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="142"/>
         <source>Opens %1</source>
         <translation>Öffnet %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="148" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="148"/>
         <source>Opened at %1</source>
         <translation>Geöffnet um %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="150" />
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="150"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="192" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="192"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="194" />
+        <location filename="../../src/ui/ItemTableModel.cpp" line="194"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -414,12 +415,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableView</name>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="19" />
+        <location filename="../../src/ui/ItemTableView.cpp" line="19"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="55" />
+        <location filename="../../src/ui/ItemTableView.cpp" line="55"/>
         <source>Drop files here or choose Add…</source>
         <translation>Dateien hier ablegen oder „Hinzufügen …“ wählen</translation>
     </message>
@@ -427,12 +428,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="69" />
+        <location filename="../../src/ui/MainWindow.cpp" line="69"/>
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="85" />
+        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -440,12 +441,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="21" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="21"/>
         <source>Launch All Now</source>
         <translation>Alle jetzt öffnen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="22" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="22"/>
         <source>Open all %n items now?</source>
         <translation>
             <numerusform>Den einen Eintrag jetzt öffnen?</numerusform>
@@ -453,230 +454,230 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="24" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="24"/>
         <source>Every item opens, every script runs and every notice is mailed, at once.</source>
         <translation>Alle Einträge werden sofort geöffnet, alle Skripte ausgeführt und alle Benachrichtigungen verschickt.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="25" />
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="25"/>
         <source>Open All</source>
         <translation>Alle öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="27" />
-        <source>Don't ask again</source>
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="27"/>
+        <source>Don&apos;t ask again</source>
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114" />
+        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114" />
+        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115" />
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115" />
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118" />
+        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118" />
+        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119" />
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119" />
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120" />
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120" />
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122" />
-        <location filename="../../src/ui/MainWindow.cpp" line="150" />
+        <location filename="../../src/ui/MainWindow.cpp" line="122"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="150"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122" />
+        <location filename="../../src/ui/MainWindow.cpp" line="122"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124" />
-        <location filename="../../src/ui/MainWindow.cpp" line="344" />
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124" />
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128" />
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="147" />
+        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="148" />
+        <location filename="../../src/ui/MainWindow.cpp" line="148"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="152" />
+        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156" />
+        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="157" />
+        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="160" />
+        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="173" />
+        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
         <source>&amp;Remove Selected Items</source>
         <translation>Ausgewählte Einträge &amp;entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="175" />
+        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
         <source>Move &amp;Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="178" />
+        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="181" />
+        <location filename="../../src/ui/MainWindow.cpp" line="181"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183" />
+        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="185" />
+        <location filename="../../src/ui/MainWindow.cpp" line="185"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="187" />
+        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl &amp;umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="189" />
+        <location filename="../../src/ui/MainWindow.cpp" line="189"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="193" />
+        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="194" />
-        <location filename="../../src/ui/MainWindow.cpp" line="230" />
+        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="196" />
+        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="198" />
+        <location filename="../../src/ui/MainWindow.cpp" line="198"/>
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="202" />
+        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="203" />
+        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="205" />
+        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="230" />
+        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="337" />
+        <location filename="../../src/ui/MainWindow.cpp" line="337"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="343" />
+        <location filename="../../src/ui/MainWindow.cpp" line="343"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="346" />
+        <location filename="../../src/ui/MainWindow.cpp" line="346"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="405" />
+        <location filename="../../src/ui/MainWindow.cpp" line="405"/>
         <source>1 problem since you last looked</source>
         <translation>1 Problem seit Ihrem letzten Blick</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="405" />
+        <location filename="../../src/ui/MainWindow.cpp" line="405"/>
         <source>%1 problems since you last looked</source>
         <translation>%1 Probleme seit Ihrem letzten Blick</translation>
     </message>
@@ -684,193 +685,194 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::PreferencesDialog</name>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="69" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="69"/>
         <source>Quillon Preferences</source>
         <translation>Quillon-Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="71" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="71"/>
         <source>General</source>
         <translation>Allgemein</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="72" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="72"/>
         <source>Mail</source>
         <translation>E-Mail</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="121" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="121"/>
         <source>Remember the list between sessions</source>
         <translation>Die Liste zwischen Sitzungen behalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="122" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="122"/>
         <source>A dropped folder adds the files inside it</source>
         <translation>Ein abgelegter Ordner fügt die Dateien darin hinzu</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="123" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="123"/>
         <source>…and the files in its subfolders</source>
         <translation>… und die Dateien in seinen Unterordnern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="133" />
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="156" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="133"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="163"/>
         <source>Never</source>
         <translation>Nie</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="135" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
         <source>Repeat every</source>
         <translation>Wiederholen alle</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
         <source>seconds</source>
         <translation>Sekunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
         <source>minutes</source>
         <translation>Minuten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
         <source>hours</source>
         <translation>Stunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
         <source>days</source>
         <translation>Tage</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="139" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="139"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="142"/>
         <source>Repeat unit</source>
         <translation>Wiederholungseinheit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="150" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="155"/>
         <source>Repeat every:</source>
         <translation>Wiederholen alle:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="151" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="158"/>
         <source>Quit after the last item has been opened</source>
         <translation>Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="155" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="162"/>
         <source> min</source>
         <translation> Min.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="159" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="166"/>
         <source>End a script after:</source>
         <translation>Skript beenden nach:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="161" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="168"/>
         <source>Open items missed while the computer was asleep or off</source>
         <translation>Objekte öffnen, die verpasst wurden, während der Rechner schlief oder aus war</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="162" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="169"/>
         <source>Notify me about problems</source>
         <translation>Bei Problemen benachrichtigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="164" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="171"/>
         <source>Notify me about every launch</source>
         <translation>Bei jedem Öffnen benachrichtigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="167" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="174"/>
         <source>Start Quillon when I log in</source>
         <translation>Quillon bei der Anmeldung starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="197" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="204"/>
         <source>This address cannot be used for mail: %1. It was not saved.</source>
         <translation>Diese Adresse kann nicht für E-Mails verwendet werden: %1. Sie wurde nicht gespeichert.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="212" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="219"/>
         <source>Send a message for each opened item</source>
         <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="213" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="220"/>
         <source>Send the result of each script</source>
         <translation>Das Ergebnis jedes Skripts senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="214" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="221"/>
         <source>Recipient address:</source>
         <translation>Empfängeradresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="216" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="223"/>
         <source>Recipient name:</source>
         <translation>Empfängername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="218" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="225"/>
         <source>Outgoing server</source>
         <translation>Postausgangsserver</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="221" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="228"/>
         <source>Address:</source>
         <translation>Adresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="226" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="233"/>
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="229" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="236"/>
         <source>Port:</source>
         <translation>Port:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="230" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="237"/>
         <source>Use a secure connection (TLS)</source>
         <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="234" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="241"/>
         <source>Login</source>
         <translation>Anmeldung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="235" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="242"/>
         <source>Login:</source>
         <translation>Anmeldung:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="232" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="239"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="237" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="244"/>
         <source>Username:</source>
         <translation>Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="253" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="260"/>
         <source>Password:</source>
         <translation>Passwort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="257" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="264"/>
         <source>Without TLS the password is sent unencrypted.</source>
         <translation>Ohne TLS wird das Passwort unverschlüsselt gesendet.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="270" />
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="277"/>
         <source>Send Test Message</source>
         <translation>Testnachricht senden</translation>
     </message>
@@ -878,67 +880,67 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ProblemNotifier</name>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="92" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="92"/>
         <source>and %1 more</source>
         <translation>und %1 weitere</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="98" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="98"/>
         <source>1 item could not be opened</source>
         <translation>1 Objekt konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="98" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="98"/>
         <source>%1 items could not be opened</source>
         <translation>%1 Objekte konnten nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="104" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="104"/>
         <source>1 item was missed while Quillon was not running</source>
         <translation>1 Objekt wurde verpasst, während Quillon nicht lief</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="104" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="104"/>
         <source>%1 items were missed while Quillon was not running</source>
         <translation>%1 Objekte wurden verpasst, während Quillon nicht lief</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="106" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="106"/>
         <source>1 item was missed while the computer slept</source>
         <translation>1 Objekt wurde verpasst, während der Rechner schlief</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="106" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="106"/>
         <source>%1 items were missed while the computer slept</source>
         <translation>%1 Objekte wurden verpasst, während der Rechner schlief</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="107" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="107"/>
         <source>Open Now</source>
         <translation>Jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="110" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="110"/>
         <source>A script failed</source>
         <translation>Ein Skript ist fehlgeschlagen</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="114" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="114"/>
         <source>Mail could not be sent</source>
         <translation>E-Mail konnte nicht gesendet werden</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="118" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="118"/>
         <source>Quillon opened 1 item</source>
         <translation>Quillon hat 1 Objekt geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="118" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="118"/>
         <source>Quillon opened %1 items</source>
         <translation>Quillon hat %1 Objekte geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="121" />
+        <location filename="../../src/app/ProblemNotifier.cpp" line="121"/>
         <source>Show History</source>
         <translation>Verlauf zeigen</translation>
     </message>
@@ -946,37 +948,37 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::QuillonController</name>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="298" />
+        <location filename="../../src/app/QuillonController.cpp" line="298"/>
         <source>About Quillon</source>
         <translation>Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="299" />
+        <location filename="../../src/app/QuillonController.cpp" line="299"/>
         <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
         <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="318" />
+        <location filename="../../src/app/QuillonController.cpp" line="318"/>
         <source>Show Quillon</source>
         <translation>Quillon anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="319" />
+        <location filename="../../src/app/QuillonController.cpp" line="319"/>
         <source>Quit</source>
         <translation>Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="384" />
+        <location filename="../../src/app/QuillonController.cpp" line="384"/>
         <source>Sending…</source>
         <translation>Wird gesendet …</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="390" />
+        <location filename="../../src/app/QuillonController.cpp" line="390"/>
         <source>Sent to %1</source>
         <translation>Gesendet an %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="391" />
+        <location filename="../../src/app/QuillonController.cpp" line="391"/>
         <source>Not sent: %1</source>
         <translation>Nicht gesendet: %1</translation>
     </message>
@@ -984,32 +986,32 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ScheduleEditor</name>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="67" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="67"/>
         <source>Add</source>
         <translation>Hinzufügen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="69" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="69"/>
         <source>Drop</source>
         <translation>Ablegen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="71" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="71"/>
         <source>Move</source>
         <translation>Verschieben</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="73" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="73"/>
         <source>Clear</source>
         <translation>Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="75" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="75"/>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="77" />
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="77"/>
         <source>Date Change</source>
         <translation>Datumsänderung</translation>
     </message>
@@ -1017,17 +1019,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ScriptingService</name>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="86" />
+        <location filename="../../src/app/ScriptingService.cpp" line="86"/>
         <source>The date %1 is out of range: Unix seconds from 0 to %2.</source>
         <translation>Das Datum %1 liegt außerhalb des Bereichs: Unix-Sekunden von 0 bis %2.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="92" />
+        <location filename="../../src/app/ScriptingService.cpp" line="92"/>
         <source>%1 needs at least one row.</source>
         <translation>%1 braucht mindestens eine Zeile.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="96" />
+        <location filename="../../src/app/ScriptingService.cpp" line="96"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform>
@@ -1035,22 +1037,22 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="118" />
+        <location filename="../../src/app/ScriptingService.cpp" line="118"/>
         <source>Add needs at least one path.</source>
         <translation>Add braucht mindestens einen Pfad.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="107" />
-        <source>Not an absolute path: "%1".</source>
+        <location filename="../../src/app/ScriptingService.cpp" line="107"/>
+        <source>Not an absolute path: &quot;%1&quot;.</source>
         <translation>Kein absoluter Pfad: „%1“.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="109" />
+        <location filename="../../src/app/ScriptingService.cpp" line="109"/>
         <source>No such file or folder: %1</source>
         <translation>Keine solche Datei und kein solcher Ordner: %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="187" />
+        <location filename="../../src/app/ScriptingService.cpp" line="187"/>
         <source>The schedule is running; stop it before removing items.</source>
         <translation>Der Zeitplan läuft; halten Sie ihn an, bevor Sie Objekte entfernen.</translation>
     </message>
@@ -1058,32 +1060,32 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::SimpleSMTP</name>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="44" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="44"/>
         <source>The recipient address cannot be used: %1.</source>
         <translation>Die Empfängeradresse kann nicht verwendet werden: %1.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="66" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="66"/>
         <source>An error occurred when sending email.</source>
         <translation>Beim Senden der E-Mail ist ein Fehler aufgetreten.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="154" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="154"/>
         <source>the server refused the login</source>
         <translation>der Server hat die Anmeldung abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="173" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="173"/>
         <source>the server refused the message: %1</source>
         <translation>der Server hat die Nachricht abgelehnt: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="184" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="184"/>
         <source>Message not sent. Server response: %1</source>
         <translation>Nachricht nicht gesendet. Antwort des Servers: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="202" />
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="202"/>
         <source>the session ended before the message was sent</source>
         <translation>die Verbindung endete, bevor die Nachricht gesendet war</translation>
     </message>
@@ -1091,52 +1093,52 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Texts</name>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="15" />
+        <location filename="../../src/schedule/Texts.h" line="15"/>
         <source>No items were scheduled to run.</source>
         <translation>Es wurden keine Einträge zum Öffnen eingeplant.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="16" />
+        <location filename="../../src/schedule/Texts.h" line="16"/>
         <source>Make sure that at least one item has a scheduled run time in the future.</source>
         <translation>Stellen Sie sicher, dass mindestens ein Eintrag eine Startzeit in der Zukunft hat.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="17" />
+        <location filename="../../src/schedule/Texts.h" line="17"/>
         <source>Start</source>
         <translation>Starten</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="18" />
+        <location filename="../../src/schedule/Texts.h" line="18"/>
         <source>Stop</source>
         <translation>Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="19" />
+        <location filename="../../src/schedule/Texts.h" line="19"/>
         <source>Run the schedule.</source>
         <translation>Den Zeitplan ausführen.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="20" />
+        <location filename="../../src/schedule/Texts.h" line="20"/>
         <source>Cancel the schedule.</source>
         <translation>Den Zeitplan abbrechen.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="21" />
+        <location filename="../../src/schedule/Texts.h" line="21"/>
         <source>No item has a launch time in the future; the schedule stopped.</source>
         <translation>Kein Eintrag hat eine Startzeit in der Zukunft; der Zeitplan wurde angehalten.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="22" />
+        <location filename="../../src/schedule/Texts.h" line="22"/>
         <source>The last item was opened; the schedule stopped.</source>
         <translation>Der letzte Eintrag wurde geöffnet; der Zeitplan wurde angehalten.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="23" />
+        <location filename="../../src/schedule/Texts.h" line="23"/>
         <source>Location</source>
         <translation>Ort</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="24" />
+        <location filename="../../src/schedule/Texts.h" line="24"/>
         <source>Time to Launch</source>
         <translation>Zeit bis zum Start</translation>
     </message>

@@ -26,7 +26,7 @@ void LaunchDateEdit::keyPressEvent(QKeyEvent *event)
 }
 
 DateWindow::DateWindow(QWidget *parent)
-    : QWidget(parent, Qt::Tool) // a tool window of its parent: above the list window, not above every other application
+    : QDialog(parent, Qt::Tool) // a tool window of its parent: above the list window, not above every other application
 {
     setObjectName(QStringLiteral("calendarClockWindow"));
     setWindowTitle(tr("Date & Time"));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QDateTimeEdit>
+#include <QDialog>
 #include <QPointer>
-#include <QWidget>
 
 class QCalendarWidget;
 class QLabel;
@@ -28,7 +28,8 @@ private:
 
 // The floating window that holds the date picker; it stays above the list window only, and says
 // how many items a change will touch. A calendar to pick a day from, Now, and Close.
-class DateWindow final : public QWidget
+// A dialog, not a plain widget, so that a screen reader announces it as a window.
+class DateWindow final : public QDialog
 {
     Q_OBJECT
 public:

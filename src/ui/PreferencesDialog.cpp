@@ -137,6 +137,9 @@ QWidget *PreferencesDialog::buildGeneralPage()
     repeatRow->addWidget(count);
     QComboBox *unit = choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page);
     unit->setAccessibleName(tr("Repeat unit"));
+    // On Linux a combo box is announced by its value, with its label from a "labelled by"
+    // relation or its description: this one has no label of its own.
+    unit->setAccessibleDescription(tr("Repeat unit"));
     repeatRow->addWidget(unit);
     // The period is kept in 32 bits of seconds: 49,710 days at most.
     const auto limitCount = [count, unit] {
@@ -147,7 +150,11 @@ QWidget *PreferencesDialog::buildGeneralPage()
     limitCount();
     connect(unit, &QComboBox::activated, page, limitCount);
     connect(count, &QSpinBox::valueChanged, page, limitCount);
-    form->addRow(tr("Repeat every:"), repeatRow);
+    // Spelled out, not addRow(text, layout): a label for a layout is nobody's buddy, and a screen
+    // reader would not tie it to the count.
+    auto *repeatLabel = new QLabel(tr("Repeat every:"), page);
+    repeatLabel->setBuddy(count);
+    form->addRow(repeatLabel, repeatRow);
     form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
     auto *scriptLimit = new QSpinBox(page);
     scriptLimit->setObjectName(QString(Keys::ScriptTimeLimit));
