@@ -23,6 +23,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStatusBar>
+#include <QSystemTrayIcon>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QLabel>
@@ -124,6 +125,26 @@ private Q_SLOTS:
             m_controller.reset();
             m_workspace.opened.clear();
         }
+    }
+
+    // GNOME has no tray: a start at login shows the window minimised and closing minimises it, so
+    // that a running Quillon is never left where the user cannot see or reach it. The suite runs
+    // this offscreen, under X11 and as a Wayland client.
+    void withoutATrayTheWindowStaysReachable()
+    {
+        if (QSystemTrayIcon::isSystemTrayAvailable())
+            QSKIP("This session has a system tray.");
+        m_controller = std::make_unique<QuillonController>(Platform{*m_clock, *m_power, m_workspace, m_scripts});
+        m_controller->awakeFromNib();
+        m_controller->startHidden();
+        MainWindow *window = m_controller->fileListWindow();
+        QTRY_VERIFY(window->isVisible());
+        QVERIFY(window->windowState() & Qt::WindowMinimized);
+        m_controller->showMainWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QVERIFY(!window->close());
+        QVERIFY(window->isVisible());
+        QVERIFY(window->windowState() & Qt::WindowMinimized);
     }
 
     void addDateStartCountdownStop()
