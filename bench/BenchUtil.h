@@ -4,10 +4,18 @@
 #include <QObject>
 #include <QTimer>
 #include <QString>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+
+// Settings and history of the benchmark's own, in home: the user's are never touched.
+inline void useHome(const QTemporaryDir &home)
+{
+    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
+    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
+}
 
 inline qint64 realtimeNs()
 {

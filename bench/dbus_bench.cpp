@@ -51,21 +51,19 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
-    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
+    useHome(home);
     QStringList paths;
     for (int i = 0; i < Items; ++i) {
         paths << home.filePath(QStringLiteral("files/f%1.txt").arg(i));
         Test::writeFile(paths.back());
     }
 
-    QProcess daemon;
-    daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-    if (!daemon.waitForReadyRead(10'000)) {
+    Test::PrivateBus daemon;
+    if (!daemon.start()) {
         std::puts("dbus-daemon did not start");
         return 1;
     }
-    const QString address = QString::fromUtf8(daemon.readLine().trimmed());
+    const QString address = daemon.address();
     const QDBusConnection serverBus = QDBusConnection::connectToBus(address, QStringLiteral("app"));
     const QDBusConnection clientBus = QDBusConnection::connectToBus(address, QStringLiteral("script"));
 
@@ -99,7 +97,5 @@ int main(int argc, char *argv[])
     std::printf("longest event-loop block meanwhile: %.1f ms (target <= 50 ms)\n", meter.longestMs());
     const double listMs = roundTrip(clientBus, QStringLiteral("List"), {}, &reply);
     std::printf("List with %d rows: %.0f ms round trip\n", controller.schedule().count(), listMs);
-    daemon.terminate();
-    daemon.waitForFinished(5000);
     return 0;
 }

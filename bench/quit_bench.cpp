@@ -20,8 +20,7 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
-    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
+    useHome(home);
     QTcpServer silent; // accepts, never says a word
     silent.listen(QHostAddress::LocalHost);
 

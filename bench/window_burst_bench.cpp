@@ -38,8 +38,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
-    qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
+    useHome(home);
     const QStringList programs = makePrograms(home);
     const qint64 dueMSecs = (QDateTime::currentMSecsSinceEpoch() / 1000 + 3) * 1000;
 

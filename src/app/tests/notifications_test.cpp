@@ -38,9 +38,8 @@ class NotificationsTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_bus.waitForReadyRead(10'000));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
+        QVERIFY(m_bus.start());
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
         m_mock.setStandardOutputFile(QProcess::nullDevice());
         m_mock.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--template"), QStringLiteral("notification_daemon"),
                                                           QStringLiteral("-p"), QStringLiteral("{\"capabilities\": \"body actions\"}")});
@@ -50,8 +49,6 @@ private Q_SLOTS:
     {
         m_mock.terminate();
         m_mock.waitForFinished(3000);
-        m_bus.kill();
-        m_bus.waitForFinished();
     }
 
     void problemsAreGroupedAndReplaced()
@@ -138,7 +135,7 @@ private:
         QDBusConnection::sessionBus().call(emit);
     }
 
-    QProcess m_bus;
+    Test::PrivateBus m_bus;
     QProcess m_mock;
 };
 

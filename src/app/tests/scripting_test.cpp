@@ -37,9 +37,8 @@ private Q_SLOTS:
     {
         qDBusRegisterMetaType<ListedItem>();
         qDBusRegisterMetaType<ListedItems>();
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_daemon.waitForReadyRead(10'000));
-        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
+        QVERIFY(m_daemon.start());
+        m_address = m_daemon.address();
         m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_address, QStringLiteral("test")));
         QVERIFY(m_bus->isConnected());
         for (const char *name : {"a.txt", "b.txt", "Grüße/c.txt"})
@@ -48,8 +47,6 @@ private Q_SLOTS:
     void cleanupTestCase()
     {
         stopInstance();
-        m_daemon.terminate();
-        m_daemon.waitForFinished(5000);
     }
 
     // The command line with no instance: list reads the saved list, add starts one in the
@@ -277,7 +274,7 @@ private:
     }
 
     QTemporaryDir m_home;
-    QProcess m_daemon;
+    Test::PrivateBus m_daemon;
     QString m_address;
     std::unique_ptr<QDBusConnection> m_bus;
 };

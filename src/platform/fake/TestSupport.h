@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -32,6 +33,29 @@ inline QString readFile(const QString &path)
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
 }
+// A dbus-daemon of the test's own, ended with it.
+class PrivateBus
+{
+public:
+    bool start()
+    {
+        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        if (!m_daemon.waitForReadyRead(10'000))
+            return false;
+        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
+        return !m_address.isEmpty();
+    }
+    ~PrivateBus()
+    {
+        m_daemon.kill();
+        m_daemon.waitForFinished();
+    }
+    QString address() const { return m_address; }
+
+private:
+    QProcess m_daemon;
+    QString m_address;
+};
 } // namespace Quillon::Test
 
 // Points the settings file at a fresh folder; call before the first Preferences is made.

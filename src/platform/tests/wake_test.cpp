@@ -70,9 +70,8 @@ class WakeTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        QVERIFY(m_bus.waitForReadyRead(10'000));
-        const QByteArray address = m_bus.readLine().trimmed();
+        QVERIFY(m_bus.start());
+        const QByteArray address = m_bus.address().toUtf8();
         // One private bus stands in for both; set before Qt connects to either.
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
         qputenv("DBUS_SESSION_BUS_ADDRESS", address);
@@ -80,11 +79,6 @@ private Q_SLOTS:
         m_settings = std::make_unique<TestSettings>();
         m_prefs = std::make_unique<Preferences>();
         setLogSink([this](const QString &line) { m_log << line; });
-    }
-    void cleanupTestCase()
-    {
-        m_bus.kill();
-        m_bus.waitForFinished();
     }
     void init() { m_log.clear(); }
 
@@ -340,7 +334,7 @@ private:
         return n;
     }
 
-    QProcess m_bus;
+    Test::PrivateBus m_bus;
     QTemporaryDir m_home;
     std::unique_ptr<TestSettings> m_settings;
     std::unique_ptr<Preferences> m_prefs;
