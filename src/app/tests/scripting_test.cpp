@@ -175,6 +175,17 @@ private Q_SLOTS:
             QVERIFY(after.at(i).path == before.at(i).path && after.at(i).date == before.at(i).date);
     }
 
+    // launch-all opens every item now, whatever its date: a program by content leaves its mark.
+    void launchAllOpensEveryItem()
+    {
+        ensureInstance();
+        const QString marker = m_home.filePath(QStringLiteral("launched"));
+        QVERIFY(Test::writeFile(m_home.filePath(QStringLiteral("mark.sh")), "#!/bin/sh\ntouch '" + marker.toUtf8() + "'\n", true));
+        QCOMPARE(cli({QStringLiteral("add"), file("mark.sh"), QStringLiteral("--at"), QStringLiteral("+1d")}).first, 0);
+        QCOMPARE(cli({QStringLiteral("launch-all")}).first, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(marker), 10'000);
+    }
+
     // The interface the package installs is the one the program exports.
     void installedInterfaceMatchesTheExportedOne()
     {
