@@ -218,9 +218,11 @@ void Preferences::makeFolder() const
     ::mkdir(QFile::encodeName(dir).constData(), 0700);
 }
 
-QString Preferences::windowStateFileName() const
+QString Preferences::windowStateFileName(bool forWriting) const
 {
     const QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+    if (!forWriting)
+        return name;
     setAsideIfNotRegular(name);
     // As for the settings: QSaveFile would make a new file with the umask's mode.
     const int fd = ::open(QFile::encodeName(name).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

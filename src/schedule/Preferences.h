@@ -42,7 +42,8 @@ public:
 
     // The window's own state lives beside the settings, in a file of its own, so that
     // Quillon.conf holds the schedule and the settings alone.
-    QString windowStateFileName() const;
+    // forWriting: made first (private), as the settings file is; a read leaves the folder as it is.
+    QString windowStateFileName(bool forWriting = true) const;
     // Our folder, created private when it does not exist yet.
     void makeFolder() const;
 

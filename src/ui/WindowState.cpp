@@ -20,17 +20,17 @@ void WindowState::save(const QWidget &window, const QHeaderView &header)
 
 bool WindowState::restoreGeometry(QWidget &window) const
 {
-    return window.restoreGeometry(QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::WindowGeometry).toByteArray());
+    return window.restoreGeometry(QSettings(m_preferences.windowStateFileName(false), QSettings::IniFormat).value(Keys::WindowGeometry).toByteArray());
 }
 
 QByteArray WindowState::headerState() const
 {
-    return QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::TableHeader).toByteArray();
+    return QSettings(m_preferences.windowStateFileName(false), QSettings::IniFormat).value(Keys::TableHeader).toByteArray();
 }
 
 QString WindowState::chooserFolder() const
 {
-    const QString folder = QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::ChooserFolder).toString();
+    const QString folder = QSettings(m_preferences.windowStateFileName(false), QSettings::IniFormat).value(Keys::ChooserFolder).toString();
     return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QString();
 }
 
@@ -42,7 +42,7 @@ void WindowState::setChooserFolder(const QString &folder)
 
 qint64 WindowState::historySeen() const
 {
-    return QSettings(m_preferences.windowStateFileName(), QSettings::IniFormat).value(Keys::HistorySeen).toLongLong();
+    return QSettings(m_preferences.windowStateFileName(false), QSettings::IniFormat).value(Keys::HistorySeen).toLongLong();
 }
 
 void WindowState::setHistorySeen(qint64 id)
