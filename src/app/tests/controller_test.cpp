@@ -31,6 +31,7 @@
 #include <QTcpServer>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 using namespace Quillon;
 
@@ -145,6 +146,28 @@ private Q_SLOTS:
         QVERIFY(!window->close());
         QVERIFY(window->isVisible());
         QVERIFY(window->windowState() & Qt::WindowMinimized);
+    }
+
+    // Alerts are modal to the list window; Preferences and Date & Time belong to it, so that they
+    // stay above it (and only it) on X11 and on Wayland alike.
+    void dialogsBelongToTheListWindow()
+    {
+        start();
+        MainWindow *window = m_controller->fileListWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        m_controller->doAlert(QStringLiteral("Something"));
+        QMessageBox *alert = m_controller->currentAlert();
+        QVERIFY(QTest::qWaitForWindowExposed(alert));
+        QCOMPARE(alert->windowModality(), Qt::WindowModal);
+        QCOMPARE(alert->windowHandle()->transientParent(), window->windowHandle());
+        alert->close();
+        m_controller->showPreferences();
+        window->dateTimeClicked();
+        for (QWidget *own : {static_cast<QWidget *>(window->findChild<PreferencesDialog *>()), window->calendarClockWindow()}) {
+            QVERIFY(QTest::qWaitForWindowExposed(own));
+            QCOMPARE(own->windowHandle()->transientParent(), window->windowHandle());
+            QVERIFY(!(own->windowFlags() & Qt::WindowStaysOnTopHint));
+        }
     }
 
     void addDateStartCountdownStop()
