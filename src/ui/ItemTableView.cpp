@@ -55,7 +55,14 @@ ItemTableView::ItemTableView(ItemTableModel *model, Schedule &schedule, QWidget 
     auto *hint = new QLabel(tr("Drop files here or choose Add…"), viewport());
     hint->setObjectName(QStringLiteral("emptyHint"));
     hint->setAlignment(Qt::AlignCenter);
-    hint->setEnabled(false);
+    // Readable, yet plainly not an item: the text colour at 60 %. (A disabled label was too faint
+    // to see, and the theme's placeholder colour is full black on some.)
+    QPalette hintColours = hint->palette();
+    QColor hintText = hintColours.color(QPalette::WindowText);
+    hintText.setAlphaF(0.6f);
+    hintColours.setColor(QPalette::WindowText, hintText);
+    hintColours.setColor(QPalette::Text, hintText); // a label in a view's viewport paints in the view's text role
+    hint->setPalette(hintColours);
     hint->setAttribute(Qt::WA_TransparentForMouseEvents);
     auto *hintLayout = new QVBoxLayout(viewport());
     hintLayout->addWidget(hint);
