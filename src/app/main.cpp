@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "DesktopNotifications.h"
 #include "DesktopWorkspace.h"
+#include "FocusRingStyle.h"
 #include "KeychainSecretStore.h"
 #include "Log.h"
 #include "LogindPowerService.h"
@@ -64,6 +65,7 @@ int main(int argc, char *argv[])
     if (CommandLine::isVerb(arguments.value(1))) {
         QCoreApplication app(argc, argv);
         installTranslations(app);
+    QApplication::setStyle(new FocusRingStyle);
         return CommandLine::run(arguments);
     }
     QCommandLineParser parser;

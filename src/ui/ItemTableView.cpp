@@ -6,9 +6,28 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace Quillon {
+
+namespace {
+// The view draws one focus ring around the current row; a ring per cell would outline one cell.
+class RowDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~QStyle::State_HasFocus;
+    }
+};
+} // namespace
 
 ItemTableView::ItemTableView(ItemTableModel *model, Schedule &schedule, QWidget *parent)
     : QTableView(parent)
@@ -18,6 +37,7 @@ ItemTableView::ItemTableView(ItemTableModel *model, Schedule &schedule, QWidget 
     setObjectName(QStringLiteral("fileTable"));
     setAccessibleName(tr("Scheduled items"));
     setModel(m_model);
+    setItemDelegate(new RowDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setDragEnabled(true);
@@ -150,6 +170,39 @@ QList<int> ItemTableView::selectedRows() const
         rows << index.row();
     std::sort(rows.begin(), rows.end());
     return rows;
+}
+
+void ItemTableView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    const QModelIndex current = currentIndex();
+    QStyleOptionFocusRect ring;
+    ring.initFrom(this);
+    if (!current.isValid() || !(ring.state & QStyle::State_HasFocus) || !(ring.state & QStyle::State_KeyboardFocusChange))
+        return;
+    ring.rect = QRect(-horizontalOffset(), rowViewportPosition(current.row()), horizontalHeader()->length(), rowHeight(current.row()));
+    ring.backgroundColor = palette().color(selectionModel()->isRowSelected(current.row()) ? QPalette::Highlight : QPalette::Base);
+    QPainter painter(viewport());
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &ring, &painter, this);
+}
+
+void ItemTableView::focusInEvent(QFocusEvent *event)
+{
+    QTableView::focusInEvent(event);
+    viewport()->update();
+}
+
+void ItemTableView::focusOutEvent(QFocusEvent *event)
+{
+    QTableView::focusOutEvent(event);
+    viewport()->update();
+}
+
+void ItemTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTableView::currentChanged(current, previous);
+    if (current.row() != previous.row())
+        viewport()->update();
 }
 
 } // namespace Quillon

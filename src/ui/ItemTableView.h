@@ -8,7 +8,8 @@ class ItemTableModel;
 class Schedule;
 
 // The list's table: rows selected whole, drops between rows, an empty-list hint, a launch time
-// column fitted to its text until the user sizes it, and a selection that survives an undo.
+// column fitted to its text until the user sizes it, a selection that survives an undo, and keyboard
+// focus shown around the whole current row.
 class ItemTableView final : public QTableView
 {
     Q_OBJECT
@@ -25,6 +26,10 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:
     // Fits the launch time column to its text on the next turn, unless the user sized it.

@@ -1,5 +1,7 @@
 #include "FakeClock.h"
 #include "FakeWorkspace.h"
+#include "FocusCheck.h"
+#include "FocusRingStyle.h"
 #include "ItemTableModel.h"
 #include "ItemTableView.h"
 #include "MainWindow.h"
@@ -44,6 +46,7 @@ private Q_SLOTS:
     {
         qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
         m_prefs = std::make_unique<Preferences>();
+        QApplication::setStyle(new FocusRingStyle);
     }
     void init()
     {
@@ -375,6 +378,15 @@ private Q_SLOTS:
         for (auto *b : m_window->findChildren<QPushButton *>())
             QVERIFY2(!b->accessibleName().isEmpty(), qPrintable(b->objectName()));
         QCOMPARE(m_window->findChild<QPushButton *>(QStringLiteral("dateTimeButton"))->accessibleName(), QStringLiteral("Date & Time"));
+    }
+
+    // The default button looked the same focused or not, and the list outlined one cell's text.
+    // Also run at 150 %.
+    void focusIsVisibleOnEveryControl()
+    {
+        m_window->resize(800, 420);
+        m_window->fileTable()->setFocus();
+        QCOMPARE(Test::controlsWithoutVisibleFocus(m_window.get()), QStringList());
     }
 
     void clearRemovesSelectionOrEverything()

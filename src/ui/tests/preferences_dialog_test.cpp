@@ -1,9 +1,12 @@
 #include "Preferences.h"
 #include "Autostart.h"
+#include "FocusCheck.h"
+#include "FocusRingStyle.h"
 #include "PreferencesDialog.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -32,6 +35,17 @@ private Q_SLOTS:
     {
         qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
         m_prefs = std::make_unique<Preferences>();
+        QApplication::setStyle(new FocusRingStyle);
+    }
+
+    void focusIsVisibleOnEveryControl()
+    {
+        PreferencesDialog dialog(*m_prefs);
+        auto *pages = dialog.findChild<QTabWidget *>();
+        for (int page = 0; page < pages->count(); ++page) {
+            pages->setCurrentIndex(page);
+            QCOMPARE(Test::controlsWithoutVisibleFocus(&dialog), QStringList());
+        }
     }
 
     void freshUserSeesTheAbsentKeyDefaults()
