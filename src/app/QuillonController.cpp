@@ -277,13 +277,30 @@ void QuillonController::applicationWillTerminate()
         m_historyWindow->hide();
 }
 
-void QuillonController::showMainWindow()
+void QuillonController::showMainWindow(const QByteArray &activationToken)
 {
-    if (m_window->isMinimized())
-        m_window->showNormal();
-    m_window->show();
-    m_window->raise();
-    m_window->activateWindow();
+    const auto present = [this] {
+        if (m_window->isMinimized())
+            m_window->showNormal();
+        m_window->show();
+        m_window->raise();
+        m_window->activateWindow();
+    };
+    if (activationToken.isEmpty()) {
+        present();
+        return;
+    }
+    // Qt's Wayland plugin takes the token from the environment when the window asks to be
+    // activated, and no public call hands it over. The variable lives only through this call
+    // (where the compositor offers no activation Qt leaves it set), and is set only while no
+    // opening starts a program that would inherit it; scripts start on this thread.
+    const bool presented = m_platform.workspace.whileNoProgramStarts([&] {
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+        present();
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+    });
+    if (!presented)
+        QTimer::singleShot(20, this, [this, activationToken] { showMainWindow(activationToken); });
 }
 
 void QuillonController::startHidden()
@@ -315,7 +332,7 @@ void QuillonController::setUpTray()
     m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
     m_tray->setToolTip(QStringLiteral("Quillon"));
     auto *menu = new QMenu(m_window.get());
-    menu->addAction(tr("Show Quillon"), this, &QuillonController::showMainWindow);
+    menu->addAction(tr("Show Quillon"), this, [this] { showMainWindow(); });
     menu->addAction(tr("Quit"), this, &QuillonController::terminate);
     m_tray->setContextMenu(menu);
     connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -81,7 +81,9 @@ public:
     SimpleSMTP *sendMail(const QString &body, const QString &subject);
     void testEmail();
     void showPreferences();
-    void showMainWindow();
+    // activationToken: what the launcher gave the start that asked for the window; on Wayland a
+    // window takes the focus only with it.
+    void showMainWindow(const QByteArray &activationToken = {});
     // A start at login: the schedule runs, the window stays in the tray (minimised without one).
     void startHidden();
     void showAbout();

@@ -17,6 +17,21 @@
 
 namespace Quillon {
 namespace {
+// "show", or "show <token>", and a line end.
+constexpr qint64 maxRequest = 1100;
+
+// A token is opaque to us but goes into the environment and the compositor: printable ASCII, of
+// a sane length, or nothing.
+QByteArray validToken(const QByteArray &token)
+{
+    if (token.isEmpty() || token.size() > 1024)
+        return {};
+    for (char c : token)
+        if (c < 0x21 || c > 0x7e)
+            return {};
+    return token;
+}
+
 bool isPrivateFolder(const QString &path)
 {
     struct stat st{};
@@ -66,8 +81,11 @@ SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *peer = m_server.nextPendingConnection()) {
             connect(peer, &QLocalSocket::readyRead, peer, [this, peer] {
-                if (peer->readAll().contains("show"))
-                    Q_EMIT activationRequested();
+                if (!peer->canReadLine() && peer->bytesAvailable() < maxRequest)
+                    return;
+                const QByteArray request = peer->readLine(maxRequest).trimmed();
+                if (request == "show" || request.startsWith("show "))
+                    Q_EMIT activationRequested(validToken(request.mid(5)));
                 peer->disconnectFromServer();
             });
             connect(peer, &QLocalSocket::disconnected, peer, &QObject::deleteLater);
@@ -75,7 +93,7 @@ SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
     });
 }
 
-SingleInstance::Claim SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim(const QByteArray &activationToken)
 {
     if (!m_lock)
         return Claim::Impossible;
@@ -92,14 +110,15 @@ SingleInstance::Claim SingleInstance::claim()
         systemLog(QStringLiteral("Cannot create the instance lock %1.lock.").arg(m_base));
         return Claim::Impossible;
     }
-    return handOver() ? Claim::HandedOver : Claim::Ours;
+    return handOver(validToken(activationToken)) ? Claim::HandedOver : Claim::Ours;
 }
 
 namespace {
 // Asks the running one to show its window: connect, say "show", wait until it hangs up. Plain
 // sockets with bounded polls: this runs before there is an event loop to wait in.
-bool askToShow(const QByteArray &socketPath)
+bool askToShow(const QByteArray &socketPath, const QByteArray &activationToken)
 {
+    const QByteArray request = activationToken.isEmpty() ? QByteArrayLiteral("show\n") : "show " + activationToken + '\n';
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (socketPath.size() >= qsizetype(sizeof address.sun_path))
@@ -109,7 +128,7 @@ bool askToShow(const QByteArray &socketPath)
     if (fd < 0)
         return false;
     bool told = false;
-    if (::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 && ::write(fd, "show\n", 5) == 5) {
+    if (::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 && ::write(fd, request.constData(), size_t(request.size())) == request.size()) {
         told = true;
         pollfd hangUp{fd, POLLIN, 0};
         ::poll(&hangUp, 1, 1000);
@@ -120,12 +139,12 @@ bool askToShow(const QByteArray &socketPath)
 } // namespace
 
 // The one that holds the lock may still be starting; give it a few seconds to listen.
-bool SingleInstance::handOver()
+bool SingleInstance::handOver(const QByteArray &activationToken)
 {
     const QString socket = m_base + QStringLiteral(".socket");
     QDeadlineTimer deadline(5000);
     while (!deadline.hasExpired()) {
-        if (askToShow(QFile::encodeName(socket)))
+        if (askToShow(QFile::encodeName(socket), activationToken))
             return true;
         // The lock may have been let go meanwhile (the other one quit): then we are the one.
         if (m_lock->tryLock(0)) {

@@ -23,14 +23,15 @@ public:
     enum class Claim { Ours, HandedOver, Impossible };
     // Ours: this process is the one. HandedOver: another one runs and was asked to show its window.
     // Impossible: no private place for the lock (said in the log).
-    Claim claim();
+    // activationToken: what this start's launcher gave it for raising a window, passed on.
+    Claim claim(const QByteArray &activationToken = {});
 
 Q_SIGNALS:
-    // Another start asked for the window.
-    void activationRequested();
+    // Another start asked for the window; the token is empty when it had none (or a malformed one).
+    void activationRequested(const QByteArray &activationToken);
 
 private:
-    bool handOver();
+    bool handOver(const QByteArray &activationToken);
     static QString privateFolder(const QString &settingsFile);
 
     QString m_base;

@@ -98,11 +98,13 @@ int main(int argc, char *argv[])
         return 1;
     }
 
+    // Read before Qt starts: the Wayland plugin takes it for a window of its own.
+    const QByteArray activationToken = qgetenv("XDG_ACTIVATION_TOKEN");
     QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral(QUILLON_APP_ID));
     // A second start hands over to the running one before it reads or writes the settings.
     SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/Quillon.conf"));
-    switch (instance.claim()) {
+    switch (instance.claim(activationToken)) {
     case SingleInstance::Claim::Ours:
         break;
     case SingleInstance::Claim::HandedOver:
@@ -143,9 +145,10 @@ int main(int argc, char *argv[])
     // Scripts in the session reach the list through the bus; without one Quillon works on alone.
     ScriptingService scripting(controller);
     scripting.registerOn(QDBusConnection::sessionBus());
-    QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller] {
-        systemLog(QStringLiteral("Another start asked for the window."));
-        controller.showMainWindow();
+    QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller](const QByteArray &token) {
+        systemLog(token.isEmpty() ? QStringLiteral("Another start asked for the window.")
+                                  : QStringLiteral("Another start asked for the window, with an activation token."));
+        controller.showMainWindow(token);
     });
 
     controller.awakeFromNib();

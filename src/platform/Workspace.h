@@ -32,6 +32,14 @@ public:
         Q_UNUSED(limit);
         done(0);
     }
+    // Runs use now, on this thread, unless an opening is starting a program on another thread:
+    // then nothing runs and the answer is false. For changing the environment those programs
+    // would inherit, which is never safe while one starts.
+    virtual bool whileNoProgramStarts(const std::function<void()> &use)
+    {
+        use();
+        return true;
+    }
 
 protected:
     void reportOutcome(const QString &path, const QString &how, const QString &failure) const

@@ -38,6 +38,30 @@ using namespace Quillon;
 using Test::Now;
 
 // The real window, driven offscreen through the controller, on fake desktop services.
+namespace {
+// Calls back when the watched object gets an event of one type.
+class EventWatch final : public QObject
+{
+public:
+    EventWatch(QObject *watched, QEvent::Type type, std::function<void()> then)
+        : m_type(type)
+        , m_then(std::move(then))
+    {
+        watched->installEventFilter(this);
+    }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == m_type)
+            m_then();
+        return false;
+    }
+
+private:
+    QEvent::Type m_type;
+    std::function<void()> m_then;
+};
+} // namespace
+
 class ControllerTest : public QObject
 {
     Q_OBJECT
@@ -146,6 +170,25 @@ private Q_SLOTS:
         QVERIFY(!window->close());
         QVERIFY(window->isVisible());
         QVERIFY(window->windowState() & Qt::WindowMinimized);
+    }
+
+    // The launcher's token goes to Qt through the environment, so it is set only while no opening
+    // starts a program on another thread (which would inherit it), and only for the raise.
+    void activationTokenIsGivenOnlyWhileNoProgramStarts()
+    {
+        start();
+        MainWindow *window = m_controller->fileListWindow();
+        window->hide();
+        QByteArray seenAtShow = "(not shown)";
+        EventWatch watch(window, QEvent::Show, [&] { seenAtShow = qgetenv("XDG_ACTIVATION_TOKEN"); });
+        m_workspace.programStarting = true;
+        m_controller->showMainWindow("kwin-8c1e");
+        QTest::qWait(60);
+        QVERIFY(!window->isVisible());
+        m_workspace.programStarting = false;
+        QTRY_VERIFY(window->isVisible());
+        QCOMPARE(seenAtShow, QByteArray("kwin-8c1e"));
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
     }
 
     // Alerts are modal to the list window; Preferences and Date & Time belong to it, so that they

@@ -17,14 +17,21 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("runtime");
         QTest::addColumn<QString>("lockFolder");
-        QTest::newRow("private runtime folder") << "runtime" << "runtime";
-        QTest::newRow("runtime folder open to all") << "shared" << "config/Quillon";
-        QTest::newRow("runtime folder unset") << "" << "config/Quillon";
+        // The launcher's token (for raising the window on Wayland) goes along; a malformed one not.
+        QTest::addColumn<QByteArray>("token");
+        QTest::addColumn<QByteArray>("said");
+        const QByteArray plain = "Another start asked for the window.";
+        const QByteArray withToken = "Another start asked for the window, with an activation token.";
+        QTest::newRow("private runtime folder") << "runtime" << "runtime" << QByteArray("kwin-8c1e_4f:20") << withToken;
+        QTest::newRow("runtime folder open to all") << "shared" << "config/Quillon" << QByteArray() << plain;
+        QTest::newRow("runtime folder unset") << "" << "config/Quillon" << QByteArray("two words") << plain;
     }
     void secondStartHandsOverAndLeavesTheSettingsAlone()
     {
         QFETCH(QString, runtime);
         QFETCH(QString, lockFolder);
+        QFETCH(QByteArray, token);
+        QFETCH(QByteArray, said);
         QTemporaryDir session;
         QDir().mkpath(session.filePath(QStringLiteral("shared")));
         QFile::setPermissions(session.filePath(QStringLiteral("shared")), QFileDevice::Permissions(0x7777));
@@ -40,13 +47,13 @@ private Q_SLOTS:
             QTest::qWait(300);
         }
         QProcess second;
-        start(second, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-2"));
+        start(second, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-2"), token);
         QVERIFY(second.waitForFinished(10'000));
         QCOMPARE(second.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.exitCode(), 0);
         QCOMPARE(QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files), settingsBefore);
         QByteArray log;
-        QTRY_VERIFY((log += first.readAllStandardError()).contains("Another start asked for the window."));
+        QTRY_VERIFY((log += first.readAllStandardError()).contains(said));
         QCOMPARE(log.contains("the instance lock is kept in"), lockFolder != runtime);
         QCOMPARE(first.state(), QProcess::Running);
         stop(first);
@@ -125,7 +132,7 @@ private Q_SLOTS:
 
 private:
     static void start(QProcess &p, const QTemporaryDir &session, const QString &config, const QString &runtime = QStringLiteral("runtime"),
-                      const QString &display = {})
+                      const QString &display = {}, const QByteArray &token = {})
     {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         if (runtime.isEmpty())
@@ -139,6 +146,9 @@ private:
         env.remove(QStringLiteral("WAYLAND_DISPLAY"));
         if (!display.isEmpty())
             env.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
+        env.remove(QStringLiteral("XDG_ACTIVATION_TOKEN"));
+        if (!token.isEmpty())
+            env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(token));
         QDir().mkpath(session.filePath(QStringLiteral("runtime")));
         QFile::setPermissions(session.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         p.setProcessEnvironment(env);

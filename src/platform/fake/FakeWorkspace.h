@@ -27,7 +27,16 @@ public:
         return true;
     }
 
+    bool whileNoProgramStarts(const std::function<void()> &use) override
+    {
+        if (programStarting)
+            return false;
+        use();
+        return true;
+    }
+
     bool openSucceeds = true;
+    bool programStarting = false;
     QStringList opened;
     QStringList selected;
     QStringList iconPaths;

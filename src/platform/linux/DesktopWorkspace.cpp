@@ -237,10 +237,14 @@ void DesktopWorkspace::inBackground(std::function<QString()> job, const QString 
             --m_pending;
             return;
         }
-        QString error = job();
-        // A start can fail for a passing reason (no free process slot, a descriptor short).
-        if (!error.isEmpty())
+        QString error;
+        {
+            const std::lock_guard starting(m_starting);
             error = job();
+            // A start can fail for a passing reason (no free process slot, a descriptor short).
+            if (!error.isEmpty())
+                error = job();
+        }
         if (!error.isEmpty() || !item.isEmpty()) {
             QMetaObject::invokeMethod(&m_logContext, [this, error, item, how] {
                 if (!error.isEmpty())
@@ -272,6 +276,15 @@ void DesktopWorkspace::finishOpenings(std::chrono::milliseconds limit, std::func
         done(dropped);
     });
     watch->start(10);
+}
+
+bool DesktopWorkspace::whileNoProgramStarts(const std::function<void()> &use)
+{
+    const std::unique_lock starting(m_starting, std::try_to_lock);
+    if (!starting.owns_lock())
+        return false;
+    use();
+    return true;
 }
 
 bool DesktopWorkspace::openFile(const QString &path)

@@ -61,6 +61,7 @@ public:
     bool openUrl(const QUrl &url) override;
 
     void finishOpenings(std::chrono::milliseconds limit, std::function<void(int dropped)> done) override;
+    bool whileNoProgramStarts(const std::function<void()> &use) override;
 
     // Whether an opening is queued or under way.
     bool isBusy() const { return m_pending > 0; }
@@ -78,6 +79,8 @@ private:
     std::atomic<int> m_pending = 0;
     std::atomic<bool> m_dropping = false;
     std::atomic<int> m_dropped = 0;
+    // Held by the opener thread while it starts a program.
+    std::mutex m_starting;
     // Failures found on the opener thread are logged from the event loop through this.
     QObject m_logContext;
     QThreadPool m_opener;
