@@ -65,7 +65,6 @@ int main(int argc, char *argv[])
     if (CommandLine::isVerb(arguments.value(1))) {
         QCoreApplication app(argc, argv);
         installTranslations(app);
-    QApplication::setStyle(new FocusRingStyle);
         return CommandLine::run(arguments);
     }
     QCommandLineParser parser;
@@ -115,6 +114,7 @@ int main(int argc, char *argv[])
     }
 
     installTranslations(app);
+    QApplication::setStyle(new FocusRingStyle);
     trustCertificatesFromEnvironment();
     // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
