@@ -1,5 +1,6 @@
 #include "SavedList.h"
 
+#include "FileName.h"
 #include "FileReference.h"
 #include "Log.h"
 #include "Preferences.h"
@@ -41,7 +42,7 @@ void SavedList::write(Preferences &preferences, const QStringList &paths, const 
     for (const QString &path : paths) {
         const QByteArray reference = FileReference::make(path);
         if (reference.isEmpty()) {
-            systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(path));
+            systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(FileName::display(path)));
             continue;
         }
         items.append(reference);

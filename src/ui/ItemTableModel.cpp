@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include "Countdown.h"
+#include "FileName.h"
 #include "FolderExpansion.h"
 #include "MediumDateFormat.h"
 #include "Preferences.h"
@@ -117,14 +118,14 @@ QVariant ItemTableModel::cellValue(Column column, int row) const
     }
     case FileColumn: {
         if (!m_schedule.timersRunning())
-            return path;
+            return FileName::display(path);
         const TimerSlot &slot = m_schedule.timers().at(row);
         if (!slot || !slot->isValid())
             return {};
         return countdownText(double(slot->fireMSecs() - m_schedule.clock().nowMSecs()) / 1000.0);
     }
     case NameColumn:
-        return path.section(QLatin1Char('/'), -1);
+        return FileName::display(path.section(QLatin1Char('/'), -1));
     case ColumnCount:
         break;
     }
@@ -142,7 +143,7 @@ QVariant ItemTableModel::toolTip(int column, int row) const
         return days >= 1 ? tr("Opens %1 (in %2 days)").arg(when).arg(days) : tr("Opens %1").arg(when);
     }
     if (column == FileColumn || column == NameColumn)
-        return m_schedule.paths().at(row);
+        return FileName::display(m_schedule.paths().at(row));
     if (column == CheckColumn && slot) {
         if (!slot->isValid())
             return tr("Opened at %1").arg(QLocale().toString(slot->fireDate().time(), QStringLiteral("HH:mm:ss")));
@@ -300,7 +301,7 @@ bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
     QStringList paths;
     for (const QUrl &url : urls) {
         if (url.isLocalFile())
-            paths << url.toLocalFile();
+            paths << FileName::fromUrl(url);
     }
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
     QStringList handled = FolderExpansion().expandDropped(paths, m_preferences.addFolderFiles(), m_preferences.addFolderFilesRecursively());

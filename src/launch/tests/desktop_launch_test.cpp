@@ -1,4 +1,5 @@
 #include "DesktopWorkspace.h"
+#include "FileName.h"
 #include "Launcher.h"
 #include "Log.h"
 #include "Preferences.h"
@@ -8,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -225,6 +227,10 @@ private Q_SLOTS:
             << "notes.txt" << QByteArray("echo ran-as-shell >> MARKER\n") << true << "handler %1\n";
         QTest::newRow("#! program runs in its folder") << "job" << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
         QTest::newRow("AppDir runs its AppRun inside it") << "Tool.AppDir/AppRun" << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
+        // Names from a Latin-1 system are not UTF-8: opened by their bytes all the same.
+        QTest::newRow("Latin-1 document") << FileName::decode("r\xe9sum\xe9.txt") << QByteArray("x\n") << false << "handler %1\n";
+        QTest::newRow("Latin-1 program") << FileName::decode("caf\xe9") << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
+        QTest::newRow("Latin-1 script") << FileName::decode("gr\xfc\xdf.scpt") << QByteArray("#!/bin/sh\necho \"$0\" >> MARKER\n") << false << "%1\n";
     }
     void openedAsTheDesktopWould()
     {
@@ -234,9 +240,12 @@ private Q_SLOTS:
         QFETCH(QString, expected);
         const QString file = m_home.filePath(QStringLiteral("kinds/") + name);
         QVERIFY(Test::writeFile(file, contents.replace("MARKER", "'" + m_marker.toUtf8() + "'"), executable));
+        // QTemporaryDir cannot see a name that is not UTF-8 to remove it.
+        const auto remove = qScopeGuard([&] { ::unlink(FileName::encode(file).constData()); });
         const QString item = name.contains(QLatin1String(".AppDir")) ? QFileInfo(file).absolutePath() : file;
         m_launcher->launchItem(item);
-        QTRY_COMPARE(readFile(m_marker), expected.replace(QLatin1String("%1"), item).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
+        // What the programs wrote is read as UTF-8, a kept byte as U+FFFD.
+        QTRY_COMPARE(readFile(m_marker), expected.replace(QLatin1String("%1"), FileName::display(item)).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
     }
 
     // Children are reaped off the event loop: a loop held up (a long alert, a slow disk) must not

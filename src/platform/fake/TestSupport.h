@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileName.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -7,6 +9,10 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 // What the tests share: a fixed "now", dates relative to it, files on disk, a private settings file.
 namespace Quillon::Test {
@@ -20,12 +26,15 @@ inline QDateTime at(double offsetSecs)
 inline bool writeFile(const QString &path, const QByteArray &text = {}, bool executable = false)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    // By its bytes, so that a test can make a file whose name is not UTF-8.
+    const int fd = ::open(FileName::encode(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0)
         return false;
-    f.write(text);
-    f.close();
-    return !executable || f.setPermissions(f.permissions() | QFile::ExeOwner | QFile::ExeUser);
+    struct stat st{};
+    bool ok = ::write(fd, text.constData(), size_t(text.size())) == text.size();
+    if (executable)
+        ok = ok && ::fstat(fd, &st) == 0 && ::fchmod(fd, st.st_mode | S_IXUSR) == 0;
+    return ::close(fd) == 0 && ok;
 }
 
 inline QString readFile(const QString &path)

@@ -1,15 +1,19 @@
 #include "DesktopWorkspace.h"
 
+#include "FileName.h"
 #include "Log.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFileInfo>
 #include <QTimer>
 
+#include <fcntl.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <poll.h>
@@ -48,9 +52,13 @@ bool launchApp(GAppInfo *app, GList *uris, ChildReaper &reaper, GError **error)
                                                      reapWhenDone, &reaper, error);
 }
 
-QByteArray uriOf(const QString &path)
+// GLib percent-encodes the name's bytes as they are.
+QByteArray uriOf(const QByteArray &file)
 {
-    return QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded).toUtf8();
+    gchar *uri = g_filename_to_uri(file.constData(), nullptr, nullptr);
+    const QByteArray out(uri);
+    g_free(uri);
+    return out;
 }
 
 // reason: what went wrong when GLib gave no error of its own.
@@ -59,7 +67,7 @@ QString failure(const QString &path, GError *error, const QString &reason = QStr
     const QString why = error ? QString::fromUtf8(error->message) : reason;
     if (error)
         g_error_free(error);
-    return QStringLiteral("Could not open %1: %2").arg(path, why);
+    return QStringLiteral("Could not open %1: %2").arg(FileName::display(path), why);
 }
 
 // Started in its own folder and reaped by the reaper, so it never lingers as a zombie.
@@ -76,7 +84,7 @@ QString startProgram(const QString &path, const QByteArray &program, const QByte
 
 QString launchDesktopFile(const QString &path, ChildReaper &reaper)
 {
-    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
+    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(FileName::encode(path).constData()));
     if (!info)
         return failure(path, nullptr, QStringLiteral("it is not a valid desktop entry, or the program it names is not installed"));
     GError *error = nullptr;
@@ -97,11 +105,12 @@ QString openWithDefaultHandler(const QByteArray &uri, const QString &what)
 // certain (no extension, say) falls back to GIO's content sniffing.
 QString openLocalFile(const QString &path, ChildReaper &reaper)
 {
+    const QByteArray file = FileName::encode(path);
     gboolean uncertain = FALSE;
-    gchar *type = g_content_type_guess(QFile::encodeName(path).constData(), nullptr, 0, &uncertain);
+    gchar *type = g_content_type_guess(file.constData(), nullptr, 0, &uncertain);
     GAppInfo *app = uncertain ? nullptr : g_app_info_get_default_for_type(type, FALSE);
     g_free(type);
-    const QByteArray uri = uriOf(path);
+    const QByteArray uri = uriOf(file);
     if (!app)
         return openWithDefaultHandler(uri, path);
     GList uris{const_cast<char *>(uri.constData()), nullptr, nullptr};
@@ -113,7 +122,7 @@ QString openLocalFile(const QString &path, ChildReaper &reaper)
 
 QIcon desktopFileIcon(const QString &path)
 {
-    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
+    GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(FileName::encode(path).constData()));
     if (!info)
         return {};
     GIcon *icon = g_app_info_get_icon(G_APP_INFO(info.get()));
@@ -134,13 +143,21 @@ QIcon desktopFileIcon(const QString &path)
 
 // A file is a program only by its content: the run bit alone is set on every file of a FAT, NTFS
 // or SMB mount, and GLib would run such a document with /bin/sh.
-bool isProgramByContent(const QString &path)
+bool isProgramByContent(const QByteArray &file)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    const int fd = ::open(file.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
         return false;
-    const QByteArray head = file.read(4);
-    return head == QByteArrayLiteral("\x7f" "ELF") || head.startsWith("#!");
+    char head[4] = {};
+    const ssize_t got = ::read(fd, head, sizeof head);
+    ::close(fd);
+    return (got == 4 && QByteArray(head, 4) == QByteArrayLiteral("\x7f" "ELF")) || (got >= 2 && head[0] == '#' && head[1] == '!');
+}
+
+bool isExecutableFile(const QByteArray &file)
+{
+    struct stat st{};
+    return ::stat(file.constData(), &st) == 0 && S_ISREG(st.st_mode) && ::access(file.constData(), X_OK) == 0;
 }
 
 } // namespace
@@ -289,28 +306,30 @@ bool DesktopWorkspace::whileNoProgramStarts(const std::function<void()> &use)
 
 bool DesktopWorkspace::openFile(const QString &path)
 {
-    const QFileInfo info(path);
-    if (!info.exists() && !info.isSymLink()) {
+    // Looked at by its bytes: Qt's file classes cannot name a file whose name is not UTF-8.
+    const QByteArray file = FileName::encode(QDir::isAbsolutePath(path) ? path : QDir::current().absoluteFilePath(path));
+    struct stat st{};
+    const bool exists = ::stat(file.constData(), &st) == 0;
+    if (!exists && ::lstat(file.constData(), &st) != 0) {
         systemLog(failure(path, nullptr, QStringLiteral("the file no longer exists")));
         reportOutcome(path, QStringLiteral("document"), QStringLiteral("the file no longer exists"));
         return false;
     }
-    const QFileInfo appRun(info.absoluteFilePath() + QStringLiteral("/AppRun"));
-    if (info.isFile() && info.suffix() == QLatin1String("desktop")) {
+    const bool isFile = exists && S_ISREG(st.st_mode);
+    const bool isDir = exists && S_ISDIR(st.st_mode);
+    const QByteArray folder = file.left(qMax(1, int(file.lastIndexOf('/'))));
+    const QByteArray appRun = file + "/AppRun";
+    if (isFile && file.endsWith(".desktop")) {
         inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, QStringLiteral("application"));
-    } else if (info.isFile() && info.isExecutable() && isProgramByContent(path)) {
-        inBackground([this, path, program = QFile::encodeName(info.absoluteFilePath()), folder = QFile::encodeName(info.absolutePath())] {
-            return startProgram(path, program, folder, m_reaper);
-        }, path, QStringLiteral("program"));
-    } else if (info.isDir() && appRun.isFile() && appRun.isExecutable()) {
+    } else if (isFile && ::access(file.constData(), X_OK) == 0 && isProgramByContent(file)) {
+        inBackground([this, path, file, folder] { return startProgram(path, file, folder, m_reaper); }, path, QStringLiteral("program"));
+    } else if (isDir && isExecutableFile(appRun)) {
         // An AppDir: its AppRun starts the application, from inside the folder.
-        inBackground([this, path, program = QFile::encodeName(appRun.absoluteFilePath()), folder = QFile::encodeName(info.absoluteFilePath())] {
-            return startProgram(path, program, folder, m_reaper);
-        }, path, QStringLiteral("program"));
-    } else if (info.isDir()) {
-        inBackground([path, uri = uriOf(info.absoluteFilePath())] { return openWithDefaultHandler(uri, path); }, path, QStringLiteral("folder"));
+        inBackground([this, path, appRun, file] { return startProgram(path, appRun, file, m_reaper); }, path, QStringLiteral("program"));
+    } else if (isDir) {
+        inBackground([path, uri = uriOf(file)] { return openWithDefaultHandler(uri, path); }, path, QStringLiteral("folder"));
     } else {
-        inBackground([this, path = info.absoluteFilePath()] { return openLocalFile(path, m_reaper); }, path, QStringLiteral("document"));
+        inBackground([this, path, file] { return openLocalFile(FileName::decode(file), m_reaper); }, path, QStringLiteral("document"));
     }
     return true;
 }
@@ -328,7 +347,8 @@ void DesktopWorkspace::selectFile(const QString &path)
         if (!w->isError())
             return;
         // No file manager on the bus: show the folder that holds it instead.
-        inBackground([path, uri = uriOf(QFileInfo(path).absolutePath())] { return openWithDefaultHandler(uri, path); });
+        const QByteArray file = FileName::encode(path);
+        inBackground([path, uri = uriOf(file.left(qMax(1, int(file.lastIndexOf('/')))))] { return openWithDefaultHandler(uri, path); });
     });
 }
 

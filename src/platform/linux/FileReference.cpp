@@ -1,11 +1,12 @@
 #include "FileReference.h"
 
+#include "FileName.h"
+
 #include <QDataStream>
 #include <QDir>
 #include <QIODevice>
 #include <QHash>
 #include <QSet>
-#include <QStringDecoder>
 
 #include <algorithm>
 
@@ -90,15 +91,6 @@ bool sameFile(const Identity &saved, const QByteArray &savedPath, const Identity
     // No birth time on this filesystem (ext2/3, ext4 with small inodes): a freed inode is soon
     // given to a new file, so the record must agree on more than the number.
     return (saved.size == found.size && saved.mtimeSec == found.mtimeSec) || nameOf(savedPath) == nameOf(foundPath);
-}
-
-std::optional<QString> validUtf8(const QByteArray &bytes)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError())
-        return std::nullopt;
-    return text;
 }
 
 struct Decoded
@@ -222,7 +214,7 @@ private:
 
 QByteArray make(const QString &path)
 {
-    const QByteArray bytes = path.toUtf8();
+    const QByteArray bytes = FileName::encode(path);
     if (bytes.isEmpty() || bytes.size() > MaxPathBytes || !bytes.startsWith('/'))
         return {};
     const auto id = identityOf(bytes);
@@ -251,13 +243,13 @@ QList<std::optional<QString>> resolveAll(const QList<QByteArray> &references)
             continue;
         // Still there, or replaced in place by an editor's atomic save: the path is the answer.
         if (identityOf(d->path))
-            out[i] = validUtf8(d->path);
+            out[i] = FileName::decode(d->path);
         else if (!d->plain)
             search.want(i, d->path, d->identity);
     }
     const QHash<qsizetype, QByteArray> moved = search.run();
     for (auto it = moved.begin(); it != moved.end(); ++it)
-        out[it.key()] = validUtf8(it.value());
+        out[it.key()] = FileName::decode(it.value());
     return out;
 }
 

@@ -1,7 +1,9 @@
 #include "ShebangScriptRunner.h"
 
+#include "FileName.h"
 #include "Log.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -10,6 +12,8 @@
 
 #include <csignal>
 #include <memory>
+#include <vector>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,15 +22,18 @@ namespace {
 constexpr int StopGraceMSecs = 5000;
 
 // As the kernel reads a #! line: the interpreter, then at most one argument holding the rest.
-bool interpreterOf(const QString &path, QString &interpreter, QStringList &arguments)
+bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &arguments)
 {
     // Only a regular file: a FIFO or a link to /dev/zero would block or never end the read.
+    const int fd = ::open(script.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return false;
     struct stat st{};
-    if (::stat(QFile::encodeName(path).constData(), &st) != 0 || !S_ISREG(st.st_mode))
+    QFile file;
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
         return false;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
+    }
     const QByteArray firstLine = file.readLine(4096).trimmed();
     interpreter = QStringLiteral("/bin/sh");
     if (firstLine.startsWith("#!")) {
@@ -57,7 +64,8 @@ void ShebangScriptRunner::start(const QString &path, Done done)
 {
     QString interpreter;
     QStringList arguments;
-    if (m_process || !interpreterOf(path, interpreter, arguments)) {
+    const QByteArray script = FileName::encode(QDir::isAbsolutePath(path) ? path : QDir::current().absoluteFilePath(path));
+    if (m_process || !interpreterOf(script, interpreter, arguments)) {
         // Reported from the event loop, as a script that ran would be.
         QTimer::singleShot(0, this, [done = std::move(done)] { done({}); });
         return;
@@ -67,15 +75,35 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     m_output.clear();
     m_outputCut = false;
 
-    const QFileInfo script(path);
+    // QProcess would pass the script's name and folder through Qt's encoder, which cannot write a
+    // name that is not UTF-8: the child starts the interpreter itself, with the bytes. All is made
+    // ready here, since between fork and exec only async-signal-safe calls may run.
+    struct ChildStart
+    {
+        QList<QByteArray> arguments;
+        std::vector<char *> argv;
+        QByteArray folder;
+    };
+    auto child = std::make_shared<ChildStart>();
+    child->arguments << QFile::encodeName(interpreter);
+    for (const QString &argument : std::as_const(arguments))
+        child->arguments << argument.toLocal8Bit();
+    child->arguments << script;
+    for (QByteArray &argument : child->arguments)
+        child->argv.push_back(argument.data());
+    child->argv.push_back(nullptr);
+    child->folder = script.left(qMax(1, int(script.lastIndexOf('/'))));
+
     m_process = new QProcess(this);
     m_process->setProgram(interpreter);
-    m_process->setArguments(arguments << script.absoluteFilePath());
-    m_process->setWorkingDirectory(script.absolutePath());
-    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process->setStandardInputFile(QProcess::nullDevice());
-    // A group of its own, so that quitting ends whatever the script started too.
-    m_process->setChildProcessModifier([] { ::setpgid(0, 0); });
+    m_process->setArguments(arguments << FileName::display(path));
+    m_process->setChildProcessModifier([child] {
+        // A group of its own, so that quitting ends whatever the script started too.
+        ::setpgid(0, 0);
+        if (::chdir(child->folder.constData()) == 0)
+            ::execv(child->argv.front(), child->argv.data());
+        ::_exit(127);
+    });
     connect(m_process, &QProcess::readyReadStandardOutput, this, &ShebangScriptRunner::readOutput);
     connect(m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit && code == 0,

@@ -1,5 +1,6 @@
 #include "FakeClock.h"
 #include "FakeWorkspace.h"
+#include "FileName.h"
 #include "ItemTableModel.h"
 #include "MediumDateFormat.h"
 #include "Preferences.h"
@@ -194,9 +195,10 @@ private Q_SLOTS:
     {
         m_schedule->appendPaths({"/old1", "/old2"});
         QMimeData data;
-        data.setUrls({QUrl::fromLocalFile("/A"), QUrl::fromLocalFile("/B"), QUrl::fromLocalFile("/C")});
+        // As a file manager sends it: a name that is not UTF-8 stays percent-encoded, and is kept.
+        data.setUrls({QUrl::fromLocalFile("/A"), QUrl::fromEncoded("file:///r%E9sum%E9"), QUrl::fromLocalFile("/C")});
         QVERIFY(m_model->dropMimeData(&data, Qt::CopyAction, 1, 0, {}));
-        QCOMPARE(m_schedule->paths(), (QStringList{"/old1", "/C", "/B", "/A", "/old2"}));
+        QCOMPARE(m_schedule->paths(), (QStringList{"/old1", "/C", FileName::decode("/r\xe9sum\xe9"), "/A", "/old2"}));
         QVERIFY(!m_schedule->timers().at(1));
     }
 
