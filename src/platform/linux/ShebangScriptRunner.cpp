@@ -77,7 +77,8 @@ void ShebangScriptRunner::start(const QString &path, Done done)
 
     // QProcess would pass the script's name and folder through Qt's encoder, which cannot write a
     // name that is not UTF-8: the child starts the interpreter itself, with the bytes. All is made
-    // ready here, since between fork and exec only async-signal-safe calls may run.
+    // ready here: between fork and exec only async-signal-safe calls may run, and Qt may start the
+    // child sharing our memory (vfork), so it must touch nothing but what it is given.
     struct ChildStart
     {
         QList<QByteArray> arguments;
@@ -97,11 +98,12 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     m_process = new QProcess(this);
     m_process->setProgram(interpreter);
     m_process->setArguments(arguments << FileName::display(path));
-    m_process->setChildProcessModifier([child] {
+    m_childStart = child;
+    m_process->setChildProcessModifier([argv = child->argv.data(), folder = child->folder.constData()] {
         // A group of its own, so that quitting ends whatever the script started too.
         ::setpgid(0, 0);
-        if (::chdir(child->folder.constData()) == 0)
-            ::execv(child->argv.front(), child->argv.data());
+        if (::chdir(folder) == 0)
+            ::execv(argv[0], argv);
         ::_exit(127);
     });
     connect(m_process, &QProcess::readyReadStandardOutput, this, &ShebangScriptRunner::readOutput);

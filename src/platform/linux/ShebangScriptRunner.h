@@ -6,6 +6,8 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <memory>
+
 class QProcess;
 
 namespace Quillon {
@@ -33,6 +35,8 @@ private:
     void finish(bool succeeded, const QString &problem = {});
 
     QProcess *m_process = nullptr;
+    // What the child execs with; kept for as long as the process may start.
+    std::shared_ptr<const void> m_childStart;
     QString m_path;
     Done m_done;
     QByteArray m_output;
