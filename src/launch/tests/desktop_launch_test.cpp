@@ -246,12 +246,15 @@ private Q_SLOTS:
         m_launcher->launchItem(item);
         // What the programs wrote is read as UTF-8, a kept byte as U+FFFD.
         QTRY_COMPARE(readFile(m_marker), expected.replace(QLatin1String("%1"), FileName::display(item)).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
+        // A script is reaped from the event loop: the next test holds the loop up and counts zombies.
+        waitForScript();
     }
 
     // Children are reaped off the event loop: a loop held up (a long alert, a slow disk) must not
     // leave them holding descriptors until spawning fails.
     void programsStartWhileTheEventLoopIsHeldUp()
     {
+        QTRY_COMPARE(zombieChildren(), 0);
         rlimit saved{};
         ::getrlimit(RLIMIT_NOFILE, &saved);
         rlimit tight = saved;
