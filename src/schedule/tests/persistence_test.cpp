@@ -36,34 +36,52 @@ private Q_SLOTS:
         m_files = std::make_unique<QTemporaryDir>();
     }
 
-    void firstStartIsEmptyAndStopped()
+    // Read back by a new schedule: order, dates and the running flag. A deleted item drops out and,
+    // "Dates" being written whole, the items after it take the dates before them; a running list
+    // whose dates all passed comes back stopped, without an alert.
+    void savedListComesBack_data()
     {
-        auto s = makeSchedule();
-        s->restoreItems();
-        QCOMPARE(s->count(), 0);
-        QVERIFY(!s->timersRunning());
+        QTest::addColumn<bool>("deleteMiddle");
+        QTest::addColumn<int>("hoursLater");
+        QTest::addColumn<QList<int>>("rows");
+        QTest::addColumn<int>("armed");
+        QTest::newRow("as saved") << false << 0 << QList<int>{0, 1, 2} << 2;
+        QTest::newRow("middle file deleted") << true << 0 << QList<int>{0, 2} << 2;
+        QTest::newRow("every date passed") << false << 1 << QList<int>{0, 1, 2} << 0;
     }
-
-    void roundTripKeepsOrderDatesAndRunningFlag()
+    void savedListComesBack()
     {
+        QFETCH(bool, deleteMiddle);
+        QFETCH(int, hoursLater);
+        QFETCH(QList<int>, rows);
+        QFETCH(int, armed);
         const QStringList paths = {file("a.txt"), file("b.txt"), file("c.txt")};
+        const QList<QDateTime> dates{at(100), at(200), at(-300)};
         {
             auto s = makeSchedule();
-            for (int i = 0; i < paths.size(); ++i)
-                s->addPath(paths[i], i);
-            s->setDate({0}, at(100));
-            s->setDate({1}, at(200));
-            s->setDate({2}, at(-300));
+            s->appendPaths(paths);
+            for (int i = 0; i < 3; ++i)
+                s->setDate({i}, dates[i]);
             s->startTimers(true);
-            QVERIFY(s->timersRunning());
+            if (deleteMiddle)
+                QVERIFY(QFile::remove(paths[1]));
             s->saveItems();
         }
+        m_clock.advance(hoursLater * 3600'000);
+        auto resetClock = qScopeGuard([this] { m_clock.setClock(Now); });
         auto s = makeSchedule();
+        QSignalSpy alerts(s.get(), &Schedule::alertRequested);
+        QSignalSpy running(s.get(), &Schedule::runningStateChanged);
         s->restoreItems();
-        QCOMPARE(s->paths(), paths);
-        QCOMPARE(s->dates(), (QList<QDateTime>{at(100), at(200), at(-300)}));
-        QVERIFY(s->timersRunning());
-        QCOMPARE(s->timersRemaining(), 2);
+        QStringList kept;
+        for (int r : rows)
+            kept << paths[r];
+        QCOMPARE(s->paths(), kept);
+        QCOMPARE(s->dates(), dates);
+        QCOMPARE(s->timersRemaining(), armed);
+        QCOMPARE(s->timersRunning(), armed > 0);
+        QCOMPARE(running.last().first().toBool(), armed > 0);
+        QCOMPARE(alerts.count(), 0);
     }
 
     // A list cleared by the user stays cleared: QSettings writes it as "@Invalid()", which the
@@ -148,24 +166,6 @@ private Q_SLOTS:
         QCOMPARE(FileReference::make(m_files->filePath(QStringLiteral("missing"))), QByteArray());
     }
 
-    void deletedMiddleFileShiftsLaterDates()
-    {
-        const QStringList paths = {file("1"), file("2"), file("3")};
-        auto s = makeSchedule();
-        s->appendPaths(paths);
-        s->setDate({0}, at(10));
-        s->setDate({1}, at(20));
-        s->setDate({2}, at(30));
-        QVERIFY(QFile::remove(paths[1]));
-        s->saveItems();
-
-        auto restored = makeSchedule();
-        restored->restoreItems();
-        QCOMPARE(restored->paths(), (QStringList{paths[0], paths[2]}));
-        // "Dates" was written whole, so item 3 now carries item 2's date and one date is spare.
-        QCOMPARE(restored->dates(), (QList<QDateTime>{at(10), at(20), at(30)}));
-    }
-
     void datesKey_data()
     {
         QTest::addColumn<QByteArray>("datesLine");
@@ -200,6 +200,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<int>("items");
+        QTest::newRow("no file: the first start") << QByteArray() << 0;
         QTest::newRow("Items a number") << QByteArray("Items=42\nTimersRunning=false\n") << 0;
         QTest::newRow("Items one path is a list of one") << QByteArray("Items=/etc/hostname\n") << 1;
         QTest::newRow("Items holds an empty entry") << QByteArray("Items=@ByteArray(), /etc/hostname\n") << 1;
@@ -210,7 +211,8 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, ini);
         QFETCH(int, items);
-        m_settings->writeRaw("[General]\n" + ini);
+        if (!ini.isEmpty())
+            m_settings->writeRaw("[General]\n" + ini);
         m_prefs->synchronize();
         auto s = makeSchedule();
         QSignalSpy alerts(s.get(), &Schedule::alertRequested);
@@ -219,30 +221,6 @@ private Q_SLOTS:
         // Every restored date is now, so nothing can run, and a restore never alerts.
         QVERIFY(!s->timersRunning());
         QCOMPARE(alerts.count(), 0);
-    }
-
-    void runningWithAllDatesPastRestoresStoppedWithoutAlert()
-    {
-        {
-            auto s = makeSchedule();
-            s->appendPaths({file("p")});
-            s->setDate({0}, at(60));
-            s->startTimers(true);
-            s->saveItems();
-        }
-        QCOMPARE(m_settings->read(QStringLiteral("TimersRunning")).toBool(), true);
-        m_clock.advance(3600 * 1000);
-        auto s = makeSchedule();
-        QSignalSpy alerts(s.get(), &Schedule::alertRequested);
-        QSignalSpy running(s.get(), &Schedule::runningStateChanged);
-        s->restoreItems();
-        QCOMPARE(s->count(), 1);
-        QVERIFY(!s->timersRunning());
-        QCOMPARE(alerts.count(), 0);
-        QVERIFY(!running.isEmpty());
-        QCOMPARE(running.last().first().toBool(), false);
-        QVERIFY(!s->timers().first());
-        m_clock.setClock(Now);
     }
 
     void handWrittenListGetsReferencesOnSave()
