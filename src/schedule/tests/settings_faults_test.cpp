@@ -28,6 +28,26 @@ QByteArray contents(const QString &path)
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
+
+const QStringList AsNobody{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")};
+
+// The probe saves a one-item list with its settings under home, as uid 65534 where asked; -1 if it hung.
+int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home);
+    probe.setProcessEnvironment(env);
+    const QStringList command{QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")};
+    if (asNobody)
+        probe.start(QStringLiteral("setpriv"), AsNobody + command);
+    else
+        probe.start(command.first(), command.mid(1));
+    if (probe.waitForFinished(20'000))
+        return probe.exitCode();
+    probe.kill();
+    probe.waitForFinished();
+    return -1;
+}
 } // namespace
 
 // A settings file that Quillon cannot read, cannot write or that the disk cannot hold: the user's
@@ -68,13 +88,7 @@ private Q_SLOTS:
         ::stat(QFile::encodeName(file).constData(), &before);
 
         QProcess probe;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
-        probe.setProcessEnvironment(env);
-        probe.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
-                                               QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")});
-        QVERIFY(probe.waitForFinished(20'000));
-        QCOMPARE(probe.exitCode(), 0);
+        QCOMPARE(runProbe(probe, home.path(), true), 0);
         const QString log = QString::fromUtf8(probe.readAllStandardError());
         QVERIFY2(log.contains(QLatin1String("settings file")), qPrintable(log));
 
@@ -118,15 +132,7 @@ private Q_SLOTS:
         else
             QVERIFY(QDir().mkpath(QFile::decodeName(odd)));
         QProcess probe;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
-        probe.setProcessEnvironment(env);
-        probe.start(QStringLiteral(SETTINGS_PROBE), {QStringLiteral("/etc/hostname")});
-        const bool ended = probe.waitForFinished(10'000);
-        if (!ended)
-            probe.kill();
-        QVERIFY2(ended, "the probe hung");
-        QCOMPARE(probe.exitCode(), 0);
+        QCOMPARE(runProbe(probe, home.path()), 0); // -1: it hung
         const QString log = QString::fromUtf8(probe.readAllStandardError());
         const QString conf = dir + QStringLiteral("/Quillon.conf");
         QVERIFY2(log.contains(QLatin1String("set aside")), qPrintable(log));
@@ -147,8 +153,7 @@ private Q_SLOTS:
         for (const QString &p : {home.path(), dir})
             ::chmod(QFile::encodeName(p).constData(), 0755);
         QProcess reader;
-        reader.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
-                                                QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+        reader.start(QStringLiteral("setpriv"), AsNobody + QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
 import os, sys
 d, stop, seen = sys.argv[1], sys.argv[2], b''
 print('ready', flush=True)
@@ -168,11 +173,7 @@ sys.stdout.buffer.write(seen)
         for (int i = 0; i < 20; ++i) {
             QFile::remove(dir + QStringLiteral("/Quillon.conf"));
             QProcess writer;
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
-            writer.setProcessEnvironment(env);
-            writer.start(QStringLiteral(SETTINGS_PROBE), {QStringLiteral("/etc/hostname")});
-            QVERIFY(writer.waitForFinished(20'000));
+            QCOMPARE(runProbe(writer, home.path()), 0);
             QCOMPARE(modeOf(dir + QStringLiteral("/Quillon.conf")), 0600u);
         }
         QVERIFY(Test::writeFile(home.filePath(QStringLiteral("stop"))));
@@ -221,8 +222,6 @@ sys.stdout.buffer.write(seen)
         QVERIFY(filler.open(QIODevice::WriteOnly));
         filler.write(QByteArray(qint64(fs.f_bavail * fs.f_frsize) - 8192, 'x'));
         filler.close();
-
-
         QVariantList many;
         for (int i = 0; i < 180; ++i)
             many << QByteArray(100, char('a' + i % 26));
