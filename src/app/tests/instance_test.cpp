@@ -1,9 +1,10 @@
-#include <QDir>
-#include <QProcess>
-#include <QTemporaryDir>
+#include "TestSupport.h"
+
 #include <QTest>
 
 #include <csignal>
+
+using namespace Quillon;
 
 // The real program started twice in one session: one Quillon, always.
 class InstanceTest : public QObject
@@ -111,14 +112,8 @@ private Q_SLOTS:
         QFETCH(int, exitCode);
         QFETCH(QString, output);
         QTemporaryDir session;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(QStringLiteral("runtime")));
-        env.remove(QStringLiteral("DISPLAY"));
-        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        if (display)
-            env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        else
+        QProcessEnvironment env = Test::sessionEnvironment(session);
+        if (!display)
             env.remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess p;
         p.setProcessEnvironment(env);
@@ -127,30 +122,25 @@ private Q_SLOTS:
         QCOMPARE(p.exitCode(), exitCode);
         const QString printed = QString::fromLocal8Bit(p.readAllStandardOutput() + p.readAllStandardError());
         QVERIFY2(printed.startsWith(output), qPrintable(printed));
-        QVERIFY(QDir(session.path()).isEmpty());
+        // Nothing written: no settings, no lock.
+        QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList{QStringLiteral("runtime")});
+        QVERIFY(QDir(session.filePath(QStringLiteral("runtime"))).isEmpty());
     }
 
 private:
     static void start(QProcess &p, const QTemporaryDir &session, const QString &config, const QString &runtime = QStringLiteral("runtime"),
                       const QString &display = {}, const QByteArray &token = {})
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        QProcessEnvironment env = Test::sessionEnvironment(session);
         if (runtime.isEmpty())
             env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
         else
             env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
-        env.insert(QStringLiteral("XDG_STATE_HOME"), session.filePath(QStringLiteral("state")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        env.remove(QStringLiteral("DISPLAY"));
-        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
         if (!display.isEmpty())
             env.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
-        env.remove(QStringLiteral("XDG_ACTIVATION_TOKEN"));
         if (!token.isEmpty())
             env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(token));
-        QDir().mkpath(session.filePath(QStringLiteral("runtime")));
-        QFile::setPermissions(session.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});
         QVERIFY(p.waitForStarted());

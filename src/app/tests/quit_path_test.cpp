@@ -21,16 +21,9 @@ using namespace Quillon;
 class QuitPathTest : public QObject
 {
     Q_OBJECT
-    // The real program with its settings, runtime and data folders in home.
     static void startQuillon(QProcess &app, const QTemporaryDir &home, QProcess::ProcessChannelMode channels = QProcess::ForwardedChannels)
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_STATE_HOME"), home.filePath(QStringLiteral("state")));
-        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.filePath(QStringLiteral("runtime")));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data"))); // no handlers: opening a document just fails
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        app.setProcessEnvironment(env);
+        app.setProcessEnvironment(Test::sessionEnvironment(home));
         app.setProcessChannelMode(channels);
         app.start(QStringLiteral(QUILLON_BINARY));
     }

@@ -77,14 +77,10 @@ private Q_SLOTS:
 private:
     void start(QProcess &p, const QByteArray &activationToken = {})
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        QProcessEnvironment env = Test::sessionEnvironment(m_session);
         env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_session.path());
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_session.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("XDG_STATE_HOME"), m_session.filePath(QStringLiteral("state")));
         env.insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("quillon-test"));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
-        env.remove(QStringLiteral("DISPLAY"));
-        env.remove(QStringLiteral("XDG_ACTIVATION_TOKEN"));
         if (!activationToken.isEmpty())
             env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(activationToken));
         // In the sanitizer build: Qt's Wayland plugin unloads client libraries at exit, and the

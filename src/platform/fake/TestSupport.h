@@ -42,6 +42,23 @@ inline QString readFile(const QString &path)
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
 }
+
+// The real program's environment in a session of its own below home: settings, state, data (no
+// document handlers) and a private runtime folder; offscreen, with no display and no token.
+inline QProcessEnvironment sessionEnvironment(const QTemporaryDir &home)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char *folder : {"config", "state", "data"})
+        env.insert(QStringLiteral("XDG_%1_HOME").arg(QString::fromLatin1(folder).toUpper()), home.filePath(QString::fromLatin1(folder)));
+    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.filePath(QStringLiteral("runtime")));
+    QDir().mkpath(home.filePath(QStringLiteral("runtime")));
+    QFile::setPermissions(home.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN"})
+        env.remove(QString::fromLatin1(name));
+    return env;
+}
+
 // A dbus-daemon of the test's own, ended with it.
 class PrivateBus
 {
