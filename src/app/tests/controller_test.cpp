@@ -245,17 +245,10 @@ private Q_SLOTS:
         QCOMPARE(window->stopStartButton()->text(), QStringLiteral("Start"));
         QCOMPARE(file.data().toString(), QStringLiteral("/docs/a.txt"));
         QCOMPARE(m_workspace.opened, QStringList{});
-    }
-
-    void displayTickDoesNothingWhileStopped()
-    {
-        start();
-        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/x")});
-        QSignalSpy changed(m_controller->fileListWindow()->model(), &QAbstractItemModel::dataChanged);
+        // Stopped, the tick has nothing to recompute.
+        changed.clear();
         m_controller->handleUpdateDisplayTimer();
         QCOMPARE(changed.count(), 0);
-        QVERIFY(m_controller->updateDisplayTimer()->isActive());
-        QCOMPARE(m_controller->updateDisplayTimer()->interval(), 500);
     }
 
     void emptyStartAlertsWithoutBlocking()
@@ -298,48 +291,39 @@ private Q_SLOTS:
         alert->close();
     }
 
-    void rememberedRunningListComesBackRunning()
+    // A running list comes back running; with "remember" off, what is stored stays as it was, and
+    // the file is not even rewritten (the window's state goes to a file of its own).
+    void theListIsRememberedOnlyWhenAsked_data()
     {
-        QTemporaryDir files;
-        const QString item = files.filePath(QStringLiteral("item.txt"));
-        QFile(item).open(QIODevice::WriteOnly);
+        QTest::addColumn<bool>("remember");
+        QTest::newRow("remembered") << true;
+        QTest::newRow("not remembered") << false;
+    }
+    void theListIsRememberedOnlyWhenAsked()
+    {
+        QFETCH(bool, remember);
+        const QString item = m_config->filePath(QStringLiteral("item.txt"));
+        QVERIFY(Test::writeFile(item));
         start();
         m_controller->fileListWindow()->addChosenPaths({item});
         m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
         m_controller->schedule().startStopButtonClicked();
         m_controller->applicationWillTerminate();
-        m_controller.reset();
-
-        start();
-        QCOMPARE(m_controller->schedule().paths(), QStringList{item});
-        QVERIFY(m_controller->schedule().timersRunning());
-        QCOMPARE(m_controller->fileListWindow()->stopStartButton()->text(), QStringLiteral("Stop"));
-    }
-
-    void rememberItemsOffLeavesTheStoredListAlone()
-    {
-        QTemporaryDir files;
-        const QString item = files.filePath(QStringLiteral("kept.txt"));
-        QFile(item).open(QIODevice::WriteOnly);
-        start();
-        m_controller->fileListWindow()->addChosenPaths({item});
-        m_controller->applicationWillTerminate();
         const QVariant savedItems = m_controller->preferences().value(Keys::Items);
-        m_controller->preferences().setValue(Keys::RememberItems, false);
+        m_controller->preferences().setValue(Keys::RememberItems, remember);
         m_controller.reset();
 
         start();
-        QCOMPARE(m_controller->schedule().count(), 0);
+        QCOMPARE(m_controller->schedule().paths(), remember ? QStringList{item} : QStringList{});
+        QCOMPARE(m_controller->schedule().timersRunning(), remember);
+        QCOMPARE(m_controller->fileListWindow()->stopStartButton()->text(), remember ? QStringLiteral("Stop") : QStringLiteral("Start"));
+        if (remember)
+            return;
         const QString conf = m_controller->preferences().fileName();
-        const auto bytesOf = [](const QString &path) {
-            QFile f(path);
-            return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-        };
-        const QByteArray before = bytesOf(conf);
+        const QString before = Test::readFile(conf);
         m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/other")});
         m_controller->applicationWillTerminate();
-        // Not even rewritten: the window's state goes to a file of its own.
-        QCOMPARE(bytesOf(conf), before);
+        QCOMPARE(Test::readFile(conf), before);
         QVERIFY(QFile::exists(m_controller->preferences().windowStateFileName()));
         m_controller->preferences().synchronize();
         QCOMPARE(m_controller->preferences().value(Keys::Items), savedItems);
