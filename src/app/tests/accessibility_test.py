@@ -52,18 +52,6 @@ def labels(acc):
     return ' '.join(said)
 
 
-def find_app(name, seconds=20):
-    deadline = time.time() + seconds
-    while time.time() < deadline:
-        desktop = pyatspi.Registry.getDesktop(0)
-        for i in range(desktop.childCount):
-            app = desktop.getChildAtIndex(i)
-            if app is not None and app.name == name:
-                return app
-        time.sleep(0.1)
-    return None
-
-
 def wait_for(predicate, seconds=10):
     deadline = time.time() + seconds
     while time.time() < deadline:
@@ -78,19 +66,14 @@ def controls(app):
     return [a for a in walk(app, []) if showing(a)]
 
 
-def top_level(app, name):
-    for i in range(app.childCount):
-        window = app.getChildAtIndex(i)
-        if window is not None and window.name == name:
-            return window
-    return None
+def child_named(acc, name):
+    return next((c for c in (acc.getChildAtIndex(i) for i in range(acc.childCount)) if c is not None and c.name == name), None)
 
 
 def press(app, role, name):
     for acc in walk(app, []):
         if acc.getRoleName() == role and acc.name == name:
-            action = acc.queryAction()
-            action.doAction(0)
+            acc.queryAction().doAction(0)
             return True
     return False
 
@@ -110,11 +93,11 @@ def main():
                XDG_RUNTIME_DIR=runtime, QT_LINUX_ACCESSIBILITY_ALWAYS_ON='1', QT_QPA_PLATFORM='xcb', LANG='C.UTF-8')
     quillon = subprocess.Popen([sys.argv[1]], env=env)
     try:
-        app = find_app('Quillon')
+        app = wait_for(lambda: child_named(pyatspi.Registry.getDesktop(0), 'Quillon'), 20)
         check(app is not None, 'the program shows up on the accessibility bus')
         if app is None:
             return
-        window = wait_for(lambda: top_level(app, 'Quillon'))
+        window = wait_for(lambda: child_named(app, 'Quillon'))
         check(window is not None and window.getRoleName() in WINDOW_ROLES, 'the list window is a window')
 
         buttons = {a.name: a for a in controls(app) if a.getRoleName() == 'push button'}
@@ -125,7 +108,7 @@ def main():
 
         # Preferences, opened as the menu opens it.
         check(press(app, 'menu item', 'Preferences…'), 'Edit ▸ Preferences… can be pressed')
-        prefs = wait_for(lambda: top_level(app, 'Quillon Preferences'))
+        prefs = wait_for(lambda: child_named(app, 'Quillon Preferences'))
         check(prefs is not None and prefs.getRoleName() in WINDOW_ROLES, 'Preferences is a window of its own')
         if prefs is not None:
             seen = controls(prefs)
@@ -143,7 +126,7 @@ def main():
             check(any('Repeat every' in labels(a) for a in spins), 'the repeat count is labelled "Repeat every:"')
 
         check(press(app, 'menu item', 'Date and Time…'), 'Schedule ▸ Date and Time… can be pressed')
-        dates = wait_for(lambda: top_level(app, 'Date & Time'))
+        dates = wait_for(lambda: child_named(app, 'Date & Time'))
         check(dates is not None and dates.getRoleName() in WINDOW_ROLES,
               'the Date & Time window is a window (%s)' % (dates.getRoleName() if dates else None))
         if dates is not None:
