@@ -1,5 +1,6 @@
 #include "History.h"
 
+#include "FileName.h"
 #include "Log.h"
 #include "WallClock.h"
 
@@ -207,8 +208,7 @@ void History::flush()
     for (qsizetype i = 0; ok && i < batch.size(); ++i) {
         const Record &r = batch.at(i);
         insert.addBindValue(r.at.toMSecsSinceEpoch());
-        // A null QString binds as NULL; "no item" is an empty path.
-        insert.addBindValue(r.path.isNull() ? QStringLiteral("") : r.path);
+        insert.addBindValue(pathValue(r.path));
         insert.addBindValue(r.scheduled.isValid() ? QVariant(r.scheduled.toMSecsSinceEpoch()) : QVariant(QMetaType(QMetaType::LongLong)));
         insert.addBindValue(int(r.kind));
         insert.addBindValue(r.detail.isNull() ? QStringLiteral("") : r.detail);
@@ -273,14 +273,29 @@ void History::checkpointSoon()
     });
 }
 
+QVariant History::pathValue(const QString &path)
+{
+    // As the bytes of the name: SQLite would turn a name that is not UTF-8 into another name. A
+    // null array binds as NULL; "no item" is an empty path.
+    const QByteArray bytes = FileName::encode(path);
+    return bytes.isNull() ? QByteArray("") : bytes;
+}
+
+QString History::pathOf(const QVariant &stored)
+{
+    return FileName::decode(stored.toByteArray());
+}
+
 bool History::handled(const QString &path, const QDateTime &scheduled)
 {
     flush();
     if (m_connection.isEmpty())
         return false;
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    q.prepare(QStringLiteral("SELECT 1 FROM events WHERE path = ? AND scheduled = ? LIMIT 1"));
-    q.addBindValue(path);
+    // Rows written before paths were kept as bytes hold them as UTF-8 text.
+    q.prepare(QStringLiteral("SELECT 1 FROM events WHERE path IN (?, CAST(? AS TEXT)) AND scheduled = ? LIMIT 1"));
+    q.addBindValue(pathValue(path));
+    q.addBindValue(pathValue(path));
     q.addBindValue(scheduled.toMSecsSinceEpoch());
     return q.exec() && q.next();
 }

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QVariant>
 
 #include <atomic>
 #include <memory>
@@ -42,6 +43,9 @@ public:
     static QString kindText(Kind kind);
     // The kinds that are problems, for a query: "2,4,6,9,10".
     static QString problemKinds();
+    // A path as the file stores it (its bytes), and back; older rows hold UTF-8 text.
+    static QVariant pathValue(const QString &path);
+    static QString pathOf(const QVariant &stored);
 
     History(QString fileName, WallClock &clock, QObject *parent = nullptr);
     ~History() override;

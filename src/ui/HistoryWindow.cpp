@@ -1,5 +1,6 @@
 #include "HistoryWindow.h"
 
+#include "FileName.h"
 #include "History.h"
 #include "MediumDateFormat.h"
 #include "Workspace.h"
@@ -65,7 +66,7 @@ void HistoryModel::refresh()
 
 QString HistoryModel::pathAt(int row) const
 {
-    return record(row).value(Path).toString();
+    return History::pathOf(record(row).value(Path));
 }
 
 int HistoryModel::columnCount(const QModelIndex &parent) const
@@ -81,7 +82,7 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
     const auto field = [&](int f) { return QSqlQueryModel::data(createIndex(index.row(), f), Qt::DisplayRole); };
     const auto kind = History::Kind(field(Kind).toInt());
     if (role == Qt::ToolTipRole && index.column() == ItemColumn)
-        return field(Path);
+        return FileName::display(History::pathOf(field(Path)));
     if (role == Qt::ForegroundRole && History::isProblem(kind) && index.column() == WhatColumn)
         return QColor(Qt::darkRed);
     if (role != Qt::DisplayRole)
@@ -90,7 +91,7 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
     case WhenColumn:
         return formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(field(At).toLongLong()));
     case ItemColumn: {
-        const QString path = field(Path).toString();
+        const QString path = FileName::display(History::pathOf(field(Path)));
         return path.isEmpty() ? tr("(mail)") : path.section(QLatin1Char('/'), -1);
     }
     case WhatColumn:
@@ -169,7 +170,7 @@ HistoryWindow::HistoryWindow(History &history, Workspace &workspace, QWidget *pa
     auto *close = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     connect(close, &QShortcut::activated, this, &QWidget::close);
     auto *copy = new QShortcut(QKeySequence::Copy, m_table);
-    connect(copy, &QShortcut::activated, this, [this] { QApplication::clipboard()->setText(selectedPaths().join(QLatin1Char('\n'))); });
+    connect(copy, &QShortcut::activated, this, [this] { QApplication::clipboard()->setText(FileName::display(selectedPaths().join(QLatin1Char('\n')))); });
     resize(760, 420);
 }
 
@@ -197,7 +198,7 @@ void HistoryWindow::showRowMenu(const QPoint &at)
         for (const QString &path : paths)
             m_workspace.selectFile(path);
     })->setEnabled(!paths.isEmpty());
-    menu->addAction(tr("&Copy"), this, [paths] { QApplication::clipboard()->setText(paths.join(QLatin1Char('\n'))); })->setEnabled(!paths.isEmpty());
+    menu->addAction(tr("&Copy"), this, [paths] { QApplication::clipboard()->setText(FileName::display(paths.join(QLatin1Char('\n')))); })->setEnabled(!paths.isEmpty());
     menu->popup(m_table->viewport()->mapToGlobal(at));
 }
 
