@@ -50,8 +50,8 @@ private Q_SLOTS:
         QVERIFY(history.handled(QStringLiteral("/old/Grüße"), QDateTime::fromMSecsSinceEpoch(7)));
         QCOMPARE(history.problemsAfter(0), 2);
         QCOMPARE(history.problemsAfter(history.lastId()), 0);
-        QCOMPARE(mode(file), 0600);
-        QCOMPARE(mode(home.filePath(QStringLiteral("state/Quillon"))), 0700);
+        QCOMPARE(Test::modeOf(file), 0600u);
+        QCOMPARE(Test::modeOf(home.filePath(QStringLiteral("state/Quillon"))), 0700u);
         // Older than 90 days goes when the file is next opened.
         clock.advance(qint64(History::KeepDays + 1) * 86'400'000);
         History later(home.filePath(QStringLiteral("state/Quillon/history.sqlite")), clock);
@@ -107,11 +107,6 @@ private Q_SLOTS:
     }
 
 private:
-    static int mode(const QString &path)
-    {
-        struct stat st = {};
-        return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? int(st.st_mode & 07777) : -1;
-    }
     // As another program would, through a connection of its own: the first value, if any; an
     // opened file without the table counts no rows.
     static QVariant query(const QString &file, const QString &sql)

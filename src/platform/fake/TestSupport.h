@@ -37,6 +37,13 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
     return ::close(fd) == 0 && ok;
 }
 
+// The permission bits, 0 for a file that is not there.
+inline uint modeOf(const QString &path)
+{
+    struct stat st{};
+    return ::stat(FileName::encode(path).constData(), &st) == 0 ? uint(st.st_mode & 07777) : 0;
+}
+
 inline QString readFile(const QString &path)
 {
     QFile f(path);

@@ -30,22 +30,12 @@ private Q_SLOTS:
         m_p->synchronize();
     }
 
-    void absentKeys()
-    {
-        QVERIFY(!QFile::exists(m_settings->file()));
-        QVERIFY(m_p->rememberItems());
-        QVERIFY(!m_p->addFolderFiles());
-        QVERIFY(!m_p->addFolderFilesRecursively());
-        QCOMPARE(m_p->intValue(Keys::RepeatSeconds), 0);
-        QVERIFY(!m_p->boolValue(Keys::QuitWhenDone));
-        QVERIFY(!m_p->boolValue(Keys::SendEmail));
-    }
-
     void storedBooleans_data()
     {
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<bool>("remember");
         QTest::addColumn<bool>("folders");
+        QTest::newRow("absent: remembered, no folder contents") << QByteArray() << true << false;
         QTest::newRow("written by us") << QByteArray("rememberItems=false\naddFolderFiles=true\n") << false << true;
         QTest::newRow("numbers") << QByteArray("rememberItems=0\naddFolderFiles=1\n") << false << true;
         QTest::newRow("words") << QByteArray("rememberItems=no\naddFolderFiles=yes\n") << false << true;
@@ -68,16 +58,16 @@ private Q_SLOTS:
         QDir(m_settings->configDir()).removeRecursively();
         const mode_t old = ::umask(022);
         m_p->setValue(Keys::LoginPassword, QStringLiteral("secret"));
-        QCOMPARE(modeOf(m_settings->file()), 0600u);
-        QCOMPARE(modeOf(m_settings->configDir()), 0700u);
+        QCOMPARE(Test::modeOf(m_settings->file()), 0600u);
+        QCOMPARE(Test::modeOf(m_settings->configDir()), 0700u);
 
         // Loosened by the user: theirs now, and left so by the next write.
         ::chmod(QFile::encodeName(m_settings->file()).constData(), 0640);
         ::chmod(QFile::encodeName(m_settings->configDir()).constData(), 0750);
         m_p->setValue(Keys::ServerPort, 25);
         ::umask(old);
-        QCOMPARE(modeOf(m_settings->file()), 0640u);
-        QCOMPARE(modeOf(m_settings->configDir()), 0750u);
+        QCOMPARE(Test::modeOf(m_settings->file()), 0640u);
+        QCOMPARE(Test::modeOf(m_settings->configDir()), 0750u);
         QCOMPARE(m_settings->read(QStringLiteral("loginPassword")).toString(), QStringLiteral("secret"));
         QVERIFY(!QFile::exists(m_settings->file() + QStringLiteral(".bak")));
     }
@@ -163,12 +153,6 @@ private Q_SLOTS:
     }
 
 private:
-    static uint modeOf(const QString &path)
-    {
-        struct stat st{};
-        return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? uint(st.st_mode & 0777) : 0;
-    }
-
     std::unique_ptr<TestSettings> m_settings;
     std::unique_ptr<Preferences> m_p;
 };

@@ -17,12 +17,6 @@ using namespace Quillon;
 namespace {
 constexpr uid_t Nobody = 65534;
 
-uint modeOf(const QString &path)
-{
-    struct stat st{};
-    return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? uint(st.st_mode & 07777) : 0;
-}
-
 QByteArray contents(const QString &path)
 {
     QFile f(path);
@@ -104,7 +98,7 @@ private Q_SLOTS:
         struct stat after{};
         if (::stat(QFile::encodeName(file).constData(), &after) == 0 && after.st_ino == before.st_ino)
             QCOMPARE(uint(after.st_mode & 07777), 0600u); // set back by us above: the probe left the inode alone
-        QCOMPARE(modeOf(home.path()), 0700u);
+        QCOMPARE(Test::modeOf(home.path()), 0700u);
     }
 
     // Something else where a settings file or its lock should be: set aside with a log line (a FIFO
@@ -174,7 +168,7 @@ sys.stdout.buffer.write(seen)
             QFile::remove(dir + QStringLiteral("/Quillon.conf"));
             QProcess writer;
             QCOMPARE(runProbe(writer, home.path()), 0);
-            QCOMPARE(modeOf(dir + QStringLiteral("/Quillon.conf")), 0600u);
+            QCOMPARE(Test::modeOf(dir + QStringLiteral("/Quillon.conf")), 0600u);
         }
         QVERIFY(Test::writeFile(home.filePath(QStringLiteral("stop"))));
         QVERIFY(reader.waitForFinished(10'000));
