@@ -76,22 +76,6 @@ private Q_SLOTS:
     }
     void cleanup() { setLogSink({}); }
 
-    void documentReachesItsDefaultHandler()
-    {
-        const QString doc = m_home.filePath(QStringLiteral("docs/My Notes.txt"));
-        QVERIFY(Test::writeFile(doc, "hello"));
-        m_launcher->launchItem(doc);
-        QTRY_COMPARE(readFile(m_marker), QStringLiteral("handler %1\n").arg(doc));
-    }
-
-    void desktopFileRunsItsExecLine()
-    {
-        const QString item = m_home.filePath(QStringLiteral("apps/tool.desktop"));
-        QVERIFY(Test::writeFile(item, "[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> " + m_marker.toUtf8() + "\"\n"));
-        m_launcher->launchItem(item);
-        QTRY_COMPARE(readFile(m_marker), QStringLiteral("desktop-ran\n"));
-    }
-
     void scriptOutputBecomesTheResult_data()
     {
         QTest::addColumn<QByteArray>("script");
@@ -216,13 +200,18 @@ private Q_SLOTS:
         QVERIFY(m_results.isEmpty());
     }
 
-    // Run bit or not, only a program by its content is started as one.
+    // As a file manager opens it: a document in its application, a desktop file by its Exec line;
+    // run bit or not, only a program by its content is started as one.
     void openedAsTheDesktopWould_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("contents");
         QTest::addColumn<bool>("executable");
         QTest::addColumn<QString>("expected"); // %1 the item, %2 its folder
+        QTest::newRow("document in its default application") << "docs/My Notes.txt" << QByteArray("hello") << false << "handler %1\n";
+        QTest::newRow("desktop file runs its Exec line")
+            << "apps/tool.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> MARKER\"\n") << false
+            << "desktop-ran\n";
         QTest::newRow("document with the run bit opens in its application")
             << "notes.txt" << QByteArray("echo ran-as-shell >> MARKER\n") << true << "handler %1\n";
         QTest::newRow("#! program runs in its folder") << "job" << QByteArray("#!/bin/sh\npwd >> MARKER\n") << true << "%2\n";
