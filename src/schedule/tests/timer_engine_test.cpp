@@ -89,8 +89,16 @@ private Q_SLOTS:
         QVERIFY(!m_schedule->timersRunning());
     }
 
+    void itemsFireInDateOrderNeverEarlyAndTheLastStops_data()
+    {
+        QTest::addColumn<bool>("quitWhenDone");
+        QTest::newRow("stops") << false;
+        QTest::newRow("quits when done") << true;
+    }
     void itemsFireInDateOrderNeverEarlyAndTheLastStops()
     {
+        QFETCH(bool, quitWhenDone);
+        m_prefs->setValue(Keys::QuitWhenDone, quitWhenDone);
         add({{"c", 30}, {"a", 10}, {"b", 20}});
         QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
         QSignalSpy told(m_schedule.get(), &Schedule::stoppedByItself);
@@ -101,11 +109,12 @@ private Q_SLOTS:
         QCOMPARE(m_launched, QStringList{"a"});
         QVERIFY(!m_schedule->timers()[1]->isValid()); // fired, kept in its slot
         m_clock->advance(10'000);
+        QCOMPARE(quit.count(), 0);
         m_clock->advance(10'000);
         QCOMPARE(m_launched, (QStringList{"a", "b", "c"}));
         QCOMPARE(m_launchTimes, (QList<qint64>{Now + 10'000, Now + 20'000, Now + 30'000}));
         QVERIFY(!m_schedule->timersRunning());
-        QCOMPARE(quit.count(), 0);
+        QCOMPARE(quit.count(), quitWhenDone ? 1 : 0);
         QCOMPARE(told.count(), 1);
         QCOMPARE(told.first().first().toString(), QStringLiteral("The last item was opened; the schedule stopped."));
         // The automatic stop keeps each fired timer in its slot, spent: the row keeps its check mark.
@@ -133,19 +142,6 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->timersRemaining(), armed ? 1 : 0);
         m_clock->advance(86'400'000);
         QCOMPARE(m_launched.size(), 0);
-    }
-
-    void quitWhenDoneQuitsAfterTheLastItem()
-    {
-        m_prefs->setValue(Keys::QuitWhenDone, true);
-        add({{"a", 1}, {"b", 2}, {"c", 3}});
-        QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
-        m_schedule->startStopButtonClicked();
-        m_clock->advance(2000);
-        QCOMPARE(quit.count(), 0);
-        m_clock->advance(1000);
-        QCOMPARE(m_launched.size(), 3);
-        QCOMPARE(quit.count(), 1);
     }
 
     void stopAndStartAgain()
@@ -238,6 +234,10 @@ private Q_SLOTS:
     void resumeDropsItemsDueDuringSleepAndKeepsTheRest()
     {
         add({{"during", 100}, {"after", 1000}});
+        // Stopped, a wake changes nothing.
+        QSignalSpy running(m_schedule.get(), &Schedule::runningStateChanged);
+        m_clock->suspend(10'000);
+        QCOMPARE(running.count(), 0);
         m_schedule->startStopButtonClicked();
         m_clock->suspend(500'000);
         QTest::qWait(10);
@@ -247,15 +247,6 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->timersRemaining(), 1);
         m_clock->advance(500'000);
         QCOMPARE(m_launched, QStringList{"after"});
-    }
-
-    void wakeWhileStoppedDoesNothing()
-    {
-        add({{"a", 100}});
-        QSignalSpy running(m_schedule.get(), &Schedule::runningStateChanged);
-        m_clock->suspend(10'000);
-        QCOMPARE(running.count(), 0);
-        QVERIFY(!m_schedule->timers()[0]);
     }
 
     void repeatAsksForAWakeBeforeTheEarliestItem()
@@ -273,32 +264,20 @@ private Q_SLOTS:
         QCOMPARE(power.wakes.size(), 1);
     }
 
-    // Before sleep: 15 s ahead of the earliest timer that is still armed and still to come. (The
-    // plain case, no timer, a stopped schedule and sleep switched off are tried against logind in
-    // wake_test.)
-    void sleepAsksForOneWake_data()
-    {
-        QTest::addColumn<QString>("story");
-        QTest::addColumn<QList<QDateTime>>("wakes");
-        QTest::newRow("fired and cancelled timers do not count") << "moved" << QList<QDateTime>{at(3600 - 15)};
-    }
+    // Before sleep: 15 s ahead of the earliest timer that is still armed and still to come; fired
+    // and cancelled timers do not count. (The plain case, no timer, a stopped schedule and sleep
+    // switched off are tried against logind in wake_test.)
     void sleepAsksForOneWake()
     {
-        QFETCH(QString, story);
-        QFETCH(QList<QDateTime>, wakes);
         FakePowerService power;
         m_schedule->setPowerService(&power);
-        add({{"ten", 3600}, {"half past nine", 1800}});
-        if (story == QLatin1String("moved"))
-            add({{"soon", 5}});
+        add({{"ten", 3600}, {"half past nine", 1800}, {"soon", 5}});
         m_schedule->startStopButtonClicked();
-        if (story == QLatin1String("moved")) {
-            m_clock->advance(5000); // "soon" fires and is spent
-            m_schedule->setDate({1}, at(7200));
-            m_schedule->restartTimers(); // its old timer is cancelled
-        }
+        m_clock->advance(5000); // "soon" fires and is spent
+        m_schedule->setDate({1}, at(7200));
+        m_schedule->restartTimers(); // its old timer is cancelled
         m_schedule->scheduleWakeUp();
-        QCOMPARE(power.wakes, wakes);
+        QCOMPARE(power.wakes, QList<QDateTime>{at(3600 - 15)});
     }
 
     void realClockArmsFarDatesAndFiresNearOnesOnTime()
