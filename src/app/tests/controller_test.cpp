@@ -251,43 +251,41 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 0);
     }
 
-    void emptyStartAlertsWithoutBlocking()
-    {
-        start();
-        QTest::mouseClick(m_controller->fileListWindow()->stopStartButton(), Qt::LeftButton);
-        // We got here: the alert did not run a nested loop.
-        QMessageBox *alert = m_controller->currentAlert();
-        QVERIFY(alert);
-        QVERIFY(alert->isVisible());
-        QCOMPARE(alert->text(), QStringLiteral("No items were scheduled to run."));
-        QCOMPARE(alert->windowModality(), Qt::WindowModal);
-        QCOMPARE(alert->buttons().size(), 1);
-        QCOMPARE(alert->icon(), QMessageBox::Warning);
-    }
-
+    // Alerts never run a nested loop. With a parent they are sheets, whatever the style; the
+    // informative text is shown as it is (as rich text an address would vanish as a tag).
     void alertForms_data()
     {
+        QTest::addColumn<int>("style"); // -1: Start pressed with nothing ahead
         QTest::addColumn<bool>("withParent");
-        QTest::addColumn<int>("style");
         QTest::addColumn<int>("icon");
-        QTest::newRow("sheet ignores the style") << true << 2 << int(QMessageBox::Warning);
-        QTest::newRow("free-standing informational") << false << 1 << int(QMessageBox::Information);
-        QTest::newRow("free-standing critical") << false << 2 << int(QMessageBox::Critical);
+        QTest::addColumn<QString>("informative");
+        const QString odd = QStringLiteral("100% %s done <ann@example.org>");
+        QTest::newRow("Start with nothing ahead") << -1 << true << int(QMessageBox::Warning)
+                                                  << "Make sure that at least one item has a scheduled run time in the future.";
+        QTest::newRow("sheet ignores the style") << 2 << true << int(QMessageBox::Warning) << odd;
+        QTest::newRow("free-standing informational") << 1 << false << int(QMessageBox::Information) << odd;
+        QTest::newRow("free-standing critical") << 2 << false << int(QMessageBox::Critical) << odd;
     }
     void alertForms()
     {
-        QFETCH(bool, withParent);
         QFETCH(int, style);
+        QFETCH(bool, withParent);
         QFETCH(int, icon);
+        QFETCH(QString, informative);
         start();
-        m_controller->doAlert(QStringLiteral("m"), std::optional<QString>(QStringLiteral("100% %s done <ann@example.org>")),
-                              withParent ? m_controller->fileListWindow() : nullptr, style);
+        if (style < 0)
+            QTest::mouseClick(m_controller->fileListWindow()->stopStartButton(), Qt::LeftButton);
+        else
+            m_controller->doAlert(QStringLiteral("m"), informative, withParent ? m_controller->fileListWindow() : nullptr, style);
         QMessageBox *alert = m_controller->currentAlert();
+        QVERIFY(alert && alert->isVisible());
+        if (style < 0)
+            QCOMPARE(alert->text(), QStringLiteral("No items were scheduled to run."));
         QCOMPARE(int(alert->icon()), icon);
-        QCOMPARE(alert->informativeText(), QStringLiteral("100% %s done <ann@example.org>"));
-        // Shown as it is: as rich text the address would vanish as a tag.
+        QCOMPARE(alert->informativeText(), informative);
         QCOMPARE(alert->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"))->textFormat(), Qt::PlainText);
         QCOMPARE(alert->windowModality(), withParent ? Qt::WindowModal : Qt::ApplicationModal);
+        QCOMPARE(alert->buttons().size(), 1);
         alert->close();
     }
 
