@@ -6,6 +6,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
+#include "StatusImages.h"
 #include "TestSupport.h"
 
 #include <QAbstractItemModelTester>
@@ -106,6 +107,9 @@ private Q_SLOTS:
         // Fired: a check mark, and no countdown.
         QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 0).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QString());
+        // Due this very moment but not yet served: no image, neither pending nor opened.
+        m_clock->setClock(Now + 1000);
+        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 2).isValid());
         // Stopped with timers kept: paths again, check marks stay.
         m_schedule->invalidateTimers(true);
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("/p1"));
@@ -149,15 +153,6 @@ private Q_SLOTS:
         m_clock->advance(400);
         QCOMPARE(tip(0, ItemTableModel::CheckColumn),
                  QStringLiteral("Opened at %1").arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(QStringLiteral("HH:mm:ss"))));
-    }
-
-    void validTimerDueNowShowsNoImage()
-    {
-        m_schedule->addPath(QStringLiteral("/p"), 0);
-        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
-        m_schedule->startTimers(true);
-        m_clock->setClock(Now + 1000); // exactly the fire date, before the timer is served
-        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 0).isValid());
     }
 
     void movingRows_data()
@@ -231,10 +226,7 @@ private Q_SLOTS:
             QVERIFY(Test::writeFile(topDir + QLatin1Char('/') + QLatin1String(f)));
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
         QVERIFY(QFile::link(topDir, tree.filePath(QStringLiteral("link"))));
-        QFile hidden(topDir + QStringLiteral("/.hidden"));
-        QVERIFY(hidden.open(QIODevice::WriteOnly));
-        hidden.write("listed.txt\n");
-        hidden.close();
+        QVERIFY(Test::writeFile(topDir + QStringLiteral("/.hidden"), "listed.txt\n"));
         m_prefs->setValues({{Keys::AddFolderFiles, folderFiles}, {Keys::AddFolderFilesRecursively, recursive}});
 
         QMimeData data;
@@ -250,7 +242,7 @@ private Q_SLOTS:
     }
 
 private:
-    static qint64 statusIcon(const char *name);
+    static qint64 statusIcon(const char *name) { return imageNamed(QString::fromLatin1(name)).cacheKey(); }
 
     QTemporaryDir m_config;
     std::unique_ptr<Preferences> m_prefs;
@@ -260,13 +252,6 @@ private:
     std::unique_ptr<ItemTableModel> m_model;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 };
-
-#include "StatusImages.h"
-
-qint64 ItemTableModelTest::statusIcon(const char *name)
-{
-    return imageNamed(QString::fromLatin1(name)).cacheKey();
-}
 
 QTEST_MAIN(ItemTableModelTest)
 #include "item_table_model_test.moc"
