@@ -144,14 +144,6 @@ private Q_SLOTS:
         QDir(m_settings->configDir()).remove(kept.first());
     }
 
-    void synchronizeSeesAnotherWriter()
-    {
-        m_p->setValue(Keys::SendEmail, false);
-        m_settings->writeRaw("[General]\nsendEmail=true\n");
-        m_p->synchronize();
-        QVERIFY(m_p->boolValue(Keys::SendEmail));
-    }
-
 private:
     std::unique_ptr<TestSettings> m_settings;
     std::unique_ptr<Preferences> m_p;
