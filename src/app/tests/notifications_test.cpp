@@ -1,3 +1,4 @@
+#include "DBusMock.h"
 #include "DesktopNotifications.h"
 #include "FakeClock.h"
 #include "Preferences.h"
@@ -40,15 +41,9 @@ private Q_SLOTS:
     {
         QVERIFY(m_bus.start());
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-        m_mock.setStandardOutputFile(QProcess::nullDevice());
-        m_mock.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--template"), QStringLiteral("notification_daemon"),
-                                                          QStringLiteral("-p"), QStringLiteral("{\"capabilities\": \"body actions\"}")});
-        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(Service), 10'000);
-    }
-    void cleanupTestCase()
-    {
-        m_mock.terminate();
-        m_mock.waitForFinished(3000);
+        QVERIFY(m_mock.start({QStringLiteral("--template"), QStringLiteral("notification_daemon"), QStringLiteral("-p"),
+                              QStringLiteral("{\"capabilities\": \"body actions\"}")},
+                             Service));
     }
 
     void problemsAreGroupedAndReplaced()
@@ -102,9 +97,7 @@ private Q_SLOTS:
 private:
     QList<Notify> calls()
     {
-        QDBusMessage get = QDBusMessage::createMethodCall(Service, Path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("GetCalls"));
-        const QDBusMessage reply = QDBusConnection::sessionBus().call(get);
-        const QDBusArgument list = reply.arguments().value(0).value<QDBusArgument>();
+        const QDBusArgument list = m_mock.control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
         QList<Notify> out;
         list.beginArray();
         while (!list.atEnd()) {
@@ -130,13 +123,11 @@ private:
     }
     void emitAction(uint id, const QString &key)
     {
-        QDBusMessage emit = QDBusMessage::createMethodCall(Service, Path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"));
-        emit.setArguments({Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
-        QDBusConnection::sessionBus().call(emit);
+        m_mock.control(Path, QStringLiteral("EmitSignal"), {Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
     }
 
     Test::PrivateBus m_bus;
-    QProcess m_mock;
+    Test::DBusMock m_mock;
 };
 
 QTEST_GUILESS_MAIN(NotificationsTest)

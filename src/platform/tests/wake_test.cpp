@@ -1,3 +1,4 @@
+#include "DBusMock.h"
 #include "FakeClock.h"
 #include "FakeWakeAlarm.h"
 #include "Log.h"
@@ -29,30 +30,6 @@ const QString LogindPath = QStringLiteral("/org/freedesktop/login1");
 const QString LogindManager = QStringLiteral("org.freedesktop.login1.Manager");
 const QString MockInterface = QStringLiteral("org.freedesktop.DBus.Mock");
 
-
-// python3-dbusmock serving one name on the private bus, logging every call it gets.
-class Mock
-{
-public:
-    bool start(const QStringList &arguments, const QString &name, const QString &log)
-    {
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.setStandardOutputFile(QProcess::nullDevice());
-        m_process.start(QStringLiteral("/usr/bin/python3"), QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("-l"), log} + arguments);
-        QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
-        for (int i = 0; i < 200 && !bus->isServiceRegistered(name); ++i)
-            QTest::qWait(50);
-        return bus->isServiceRegistered(name);
-    }
-    ~Mock()
-    {
-        m_process.terminate();
-        m_process.waitForFinished(3000);
-    }
-
-private:
-    QProcess m_process;
-};
 
 // The power service on a fake alarm and a schedule on a fake clock, wired as the program wires them.
 struct Machine
@@ -123,7 +100,7 @@ private Q_SLOTS:
         QFETCH(QString, canSuspend);
         QFETCH(QString, story);
         QFETCH(QList<qint64>, requests);
-        Mock logind;
+        Test::DBusMock logind;
         QVERIFY(startLogind(logind, canSuspend));
         Machine m(*m_prefs);
         QVERIFY(m.power.registerForNotifications());
@@ -149,7 +126,7 @@ private Q_SLOTS:
     void itemsDueDuringSleepAreMissed()
     {
         QFETCH(bool, catchUp);
-        Mock logind;
+        Test::DBusMock logind;
         QVERIFY(startLogind(logind));
         m_prefs->setValues({{Keys::OpenMissedItems, catchUp}, {Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
         auto reset = qScopeGuard([this] { m_prefs->setValues({{Keys::OpenMissedItems, false}, {Keys::RepeatSeconds, 0}}); });
@@ -175,7 +152,7 @@ private Q_SLOTS:
     // Held while awake; let go only once the request is with the kernel or the daemon; taken again on wake.
     void inhibitorIsReleasedOnlyAfterTheRequest()
     {
-        Mock logind;
+        Test::DBusMock logind;
         QVERIFY(startLogind(logind));
         Machine m(*m_prefs);
         m.alarm->hold = true;
@@ -223,10 +200,10 @@ private Q_SLOTS:
     {
         const QString service = QStringLiteral("org.kde.Solid.PowerManagement");
         const QString log = m_home.filePath(QStringLiteral("kde.log"));
-        Mock kde;
+        Test::DBusMock kde;
         QVERIFY(kde.start({service, QStringLiteral("/org/kde/Solid/PowerManagement"), service}, service, log));
-        call(service, QStringLiteral("/org/kde/Solid/PowerManagement"), MockInterface, QStringLiteral("AddMethod"),
-             {service, QStringLiteral("scheduleWakeup"), QStringLiteral("sot"), QStringLiteral("u"), QStringLiteral("ret = 7")});
+        kde.control(QStringLiteral("/org/kde/Solid/PowerManagement"), QStringLiteral("AddMethod"),
+                    {service, QStringLiteral("scheduleWakeup"), QStringLiteral("sot"), QStringLiteral("u"), QStringLiteral("ret = 7")});
         KdeWakeAlarm alarm;
         QSignalSpy probed(&alarm, &WakeAlarm::probed);
         QSignalSpy done(&alarm, &WakeAlarm::requestDone);
@@ -253,7 +230,7 @@ private Q_SLOTS:
         QFETCH(bool, used);
         const QString service = QStringLiteral("org.freedesktop.systemd1");
         const QString log = m_home.filePath(QStringLiteral("systemd-%1.log").arg(version));
-        Mock systemd;
+        Test::DBusMock systemd;
         QVERIFY(systemd.start({QStringLiteral("--session"), QStringLiteral("--template"), QStringLiteral("systemd")}, service, log));
         call(service, QStringLiteral("/org/freedesktop/systemd1"), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
              {QStringLiteral("org.freedesktop.systemd1.Manager"), QStringLiteral("Version"), QVariant::fromValue(QDBusVariant(version))});
@@ -311,7 +288,7 @@ private Q_SLOTS:
     }
 
 private:
-    bool startLogind(Mock &logind, const QString &canSuspend = QStringLiteral("yes"))
+    bool startLogind(Test::DBusMock &logind, const QString &canSuspend = QStringLiteral("yes"))
     {
         return logind.start({QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind"), QStringLiteral("-p"),
                              QStringLiteral("{\"CanSuspend\": \"%1\"}").arg(canSuspend)},
