@@ -37,7 +37,7 @@ private Q_SLOTS:
         QDir().mkpath(session.filePath(QStringLiteral("shared")));
         QFile::setPermissions(session.filePath(QStringLiteral("shared")), QFileDevice::Permissions(0x7777));
         QProcess first;
-        start(first, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-1"));
+        start(first, session, runtime, QStringLiteral("wayland-1"));
         const QString lock = session.filePath(lockFolder);
         QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({QStringLiteral("quillon-*.socket")}, QDir::System).isEmpty(), 10'000);
         // The first start may still be writing its files on a busy machine: wait until they settle.
@@ -48,7 +48,7 @@ private Q_SLOTS:
             QTest::qWait(300);
         }
         QProcess second;
-        start(second, session, QStringLiteral("config"), runtime, QStringLiteral("wayland-2"), token);
+        start(second, session, runtime, QStringLiteral("wayland-2"), token);
         QVERIFY(second.waitForFinished(10'000));
         QCOMPARE(second.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.exitCode(), 0);
@@ -64,8 +64,8 @@ private Q_SLOTS:
     {
         QTemporaryDir session;
         QProcess a, b;
-        start(a, session, QStringLiteral("config"));
-        start(b, session, QStringLiteral("config"));
+        start(a, session);
+        start(b, session);
         QTRY_VERIFY_WITH_TIMEOUT(a.state() == QProcess::NotRunning || b.state() == QProcess::NotRunning, 10'000);
         QTest::qWait(1000);
         QCOMPARE(int(a.state() == QProcess::Running) + int(b.state() == QProcess::Running), 1);
@@ -78,14 +78,14 @@ private Q_SLOTS:
     {
         QTemporaryDir session;
         QProcess killed;
-        start(killed, session, QStringLiteral("config"));
+        start(killed, session);
         const auto locks = [&session] { return QDir(session.filePath(QStringLiteral("runtime"))).entryList({QStringLiteral("quillon-*.lock")}); };
         QTRY_VERIFY_WITH_TIMEOUT(!locks().isEmpty(), 10'000);
         killed.kill();
         QVERIFY(killed.waitForFinished(5000));
         QVERIFY(!locks().isEmpty());
         QProcess next;
-        start(next, session, QStringLiteral("config"));
+        start(next, session);
         QVERIFY(!next.waitForFinished(3000));
         QCOMPARE(next.state(), QProcess::Running);
         stop(next);
@@ -128,15 +128,14 @@ private Q_SLOTS:
     }
 
 private:
-    static void start(QProcess &p, const QTemporaryDir &session, const QString &config, const QString &runtime = QStringLiteral("runtime"),
-                      const QString &display = {}, const QByteArray &token = {})
+    static void start(QProcess &p, const QTemporaryDir &session, const QString &runtime = QStringLiteral("runtime"), const QString &display = {},
+                      const QByteArray &token = {})
     {
         QProcessEnvironment env = Test::sessionEnvironment(session);
         if (runtime.isEmpty())
             env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
         else
             env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
         if (!display.isEmpty())
             env.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
         if (!token.isEmpty())
