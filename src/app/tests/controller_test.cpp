@@ -38,30 +38,6 @@ using namespace Quillon;
 using Test::Now;
 
 // The real window, driven offscreen through the controller, on fake desktop services.
-namespace {
-// Calls back when the watched object gets an event of one type.
-class EventWatch final : public QObject
-{
-public:
-    EventWatch(QObject *watched, QEvent::Type type, std::function<void()> then)
-        : m_type(type)
-        , m_then(std::move(then))
-    {
-        watched->installEventFilter(this);
-    }
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == m_type)
-            m_then();
-        return false;
-    }
-
-private:
-    QEvent::Type m_type;
-    std::function<void()> m_then;
-};
-} // namespace
-
 class ControllerTest : public QObject
 {
     Q_OBJECT
@@ -180,7 +156,8 @@ private Q_SLOTS:
         MainWindow *window = m_controller->fileListWindow();
         window->hide();
         QByteArray seenAtShow = "(not shown)";
-        EventWatch watch(window, QEvent::Show, [&] { seenAtShow = qgetenv("XDG_ACTIVATION_TOKEN"); });
+        const QObject watch;
+        connect(window->windowHandle(), &QWindow::visibleChanged, &watch, [&] { seenAtShow = qgetenv("XDG_ACTIVATION_TOKEN"); });
         m_workspace.programStarting = true;
         m_controller->showMainWindow("kwin-8c1e");
         QTest::qWait(60);
