@@ -68,6 +68,8 @@ private Q_SLOTS:
         m_schedule.reset();
     }
 
+    // The picker shows the current row's date and writes a picked one to every selected row, in
+    // whole seconds (07:00:00 means 07:00:00.000); showing a date writes nothing.
     void pickerFollowsTheSelection()
     {
         select({1});
@@ -75,15 +77,19 @@ private Q_SLOTS:
         QCOMPARE(m_window->datePicker()->dateTime(), at(200));
         select({0, 2}, 2);
         QCOMPARE(m_window->datePicker()->dateTime(), at(300));
-        // Showing a date must not write it to the other selected row.
         QCOMPARE(m_schedule->dates().at(0), at(100));
+        m_window->datePicker()->setDateTime(at(5000.8));
+        const QList<QDateTime> picked{at(5000), at(200), at(5000)};
+        QCOMPARE(m_schedule->dates(), picked);
         m_window->deselectAllButtonClicked();
         QVERIFY(!m_window->datePicker()->isEnabled());
-        QCOMPARE(m_window->datePicker()->dateTime(), at(300));
+        m_window->datePicker()->setEnabled(true);
+        m_window->datePicker()->setDateTime(at(7000));
+        QCOMPARE(m_schedule->dates(), picked);
         // Built anew (the Date & Time window opens), it keeps its value and can be used.
         m_window->useClockAndCalendarClicked();
         QVERIFY(m_window->datePicker()->isEnabled());
-        QCOMPARE(m_window->datePicker()->dateTime(), at(300));
+        QCOMPARE(m_window->datePicker()->dateTime(), at(7000));
     }
 
     // The picker writes dates as the user's locale does, like the table, zone included.
@@ -154,25 +160,6 @@ private Q_SLOTS:
         QVERIFY(!popup->isVisible());
         QCOMPARE(m_schedule->dates().at(1), at(1).addDays(1));
         QCOMPARE(m_schedule->dates().at(0), at(100));
-    }
-
-    void pickedDateGoesToEverySelectedRow_data()
-    {
-        QTest::addColumn<QList<int>>("rows");
-        QTest::addColumn<QList<QDateTime>>("dates");
-        // A fraction of a second the picker may hold is dropped: 07:00:00 means 07:00:00.000.
-        QTest::newRow("two rows") << QList<int>{0, 2} << QList<QDateTime>{at(5000), at(200), at(5000)};
-        QTest::newRow("none selected") << QList<int>{} << QList<QDateTime>{at(100), at(200), at(300)};
-    }
-    void pickedDateGoesToEverySelectedRow()
-    {
-        QFETCH(QList<int>, rows);
-        QFETCH(QList<QDateTime>, dates);
-        if (!rows.isEmpty())
-            select(rows);
-        m_window->datePicker()->setEnabled(true);
-        m_window->datePicker()->setDateTime(at(5000.8));
-        QCOMPARE(m_schedule->dates(), dates);
     }
 
     void dateWindowCountsTheSelectionAndFloatsOverUsOnly()
