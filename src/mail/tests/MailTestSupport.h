@@ -117,7 +117,9 @@ public:
     void doAlert(const QString &message, const QString &informative) override { alerts << QPair(message, informative); }
     StepQueue *mailSteps() override { return &steps; }
     SessionLimits mailLimits() const override { return limits; }
+    MailPassword *mailPassword() override { return password; }
     QList<QPair<QString, QString>> alerts;
+    MailPassword *password = nullptr; // none: the one in the settings
     SessionLimits limits;
     StepQueue steps;
 

@@ -79,7 +79,8 @@ private Q_SLOTS:
         QTRY_COMPARE(read(password), New);
         m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
                             {Keys::ServerPort, server.port}, {Keys::SelectedAuthentication, 1}, {Keys::LoginUsername, QStringLiteral("ann")}});
-        Host host(*m_prefs, password);
+        MailTest::Host host(*m_prefs);
+        host.password = &password;
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(host, QStringLiteral("body"), QStringLiteral("subject"));
@@ -89,20 +90,6 @@ private Q_SLOTS:
     }
 
 private:
-    class Host final : public MailTest::Host
-    {
-    public:
-        Host(Preferences &preferences, MailPassword &password)
-            : MailTest::Host(preferences)
-            , m_password(password)
-        {
-        }
-        MailPassword *mailPassword() override { return &m_password; }
-
-    private:
-        MailPassword &m_password;
-    };
-
     static bool noKeyring() { return qEnvironmentVariableIsSet("QUILLON_NO_KEYRING"); }
     // The answer of get(), which always comes from the event loop.
     QString read(MailPassword &password)
