@@ -194,32 +194,32 @@ private Q_SLOTS:
     }
 
 private:
-    // "method Add(as in,x in,i out)" and so on, for the one interface; a signal's arguments
-    // have no direction to compare.
+    // "method Add(as,x)->(i)" and so on, for the one interface; Qt calls a signal's arguments
+    // "out", the file gives them no direction.
     static QStringList members(const QByteArray &xml)
     {
         QStringList out;
         QXmlStreamReader reader(xml);
         bool ours = false;
         QString member;
-        QStringList arguments;
+        QStringList ins, outs;
         while (!reader.atEnd()) {
             reader.readNext();
             const QString tag = reader.name().toString();
             const QXmlStreamAttributes a = reader.attributes();
-            if (reader.isStartElement() && tag == QLatin1String("interface")) {
+            if (reader.isStartElement() && tag == QLatin1String("interface"))
                 ours = a.value(QLatin1String("name")) == QLatin1String(ScriptingService::InterfaceName);
-            } else if (ours && reader.isStartElement() && (tag == QLatin1String("method") || tag == QLatin1String("signal") || tag == QLatin1String("property"))) {
+            else if (!ours)
+                continue;
+            else if (reader.isStartElement() && tag == QLatin1String("arg"))
+                (a.value(QLatin1String("direction")) == QLatin1String("out") && !member.startsWith(QLatin1String("signal")) ? outs : ins)
+                    << a.value(QLatin1String("type")).toString();
+            else if (reader.isStartElement() && QStringList{"method", "signal", "property"}.contains(tag))
                 member = tag + QLatin1Char(' ') + a.value(QLatin1String("name")).toString() + a.value(QLatin1String("type")).toString();
-                arguments.clear();
-            } else if (ours && reader.isStartElement() && tag == QLatin1String("arg")) {
-                // Ins and outs are two lists; where they stand to each other means nothing.
-                const QString direction = member.startsWith(QLatin1String("signal")) ? QString() : a.value(QLatin1String("direction")).toString();
-                arguments.insert(direction == QLatin1String("out") ? arguments.size() : int(std::count_if(arguments.begin(), arguments.end(), [](const QString &x) {
-                    return !x.endsWith(QLatin1String(" out"));
-                })), a.value(QLatin1String("type")).toString() + QLatin1Char(' ') + direction);
-            } else if (ours && reader.isEndElement() && (tag == QLatin1String("method") || tag == QLatin1String("signal") || tag == QLatin1String("property"))) {
-                out << member + QLatin1Char('(') + arguments.join(QLatin1Char(',')) + QLatin1Char(')');
+            else if (reader.isEndElement() && QStringList{"method", "signal", "property"}.contains(tag)) {
+                out << QStringLiteral("%1(%2)->(%3)").arg(member, ins.join(QLatin1Char(',')), outs.join(QLatin1Char(',')));
+                ins.clear();
+                outs.clear();
             }
         }
         out.sort();

@@ -71,7 +71,6 @@ private Q_SLOTS:
         QFETCH(bool, locked);
         QTemporaryDir home;
         const QString file = home.filePath(QStringLiteral("history.sqlite"));
-        std::unique_ptr<QSqlDatabase> other;
         if (locked) {
             QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
             db.setDatabaseName(file);
