@@ -76,11 +76,18 @@ private Q_SLOTS:
         // Open Now, clicked on that notification, opens what it names.
         QSignalSpy openNow(&notifier, &ProblemNotifier::openNowRequested);
         QSignalSpy history(&notifier, &ProblemNotifier::historyRequested);
-        emitAction(2, QStringLiteral("open-missed"));
+        // The server's id for it comes with the answer to Notify, which may still be on its way:
+        // a user clicks again.
+        const auto clickOpenNow = [&] {
+            if (openNow.isEmpty())
+                emitAction(2, QStringLiteral("open-missed"));
+            return !openNow.isEmpty();
+        };
+        QTRY_VERIFY(clickOpenNow());
+        QCOMPARE(openNow.at(0).at(0).toStringList(), QStringList{QStringLiteral("/home/ann/c.txt")});
+        QVERIFY(history.isEmpty());
         emitAction(2, QStringLiteral("show-history"));
         QTRY_COMPARE(history.size(), 1);
-        QCOMPARE(openNow.size(), 1);
-        QCOMPARE(openNow.at(0).at(0).toStringList(), QStringList{QStringLiteral("/home/ann/c.txt")});
 
         // Launches only when asked for; problems not when turned off.
         notifier.notice({clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document")});
