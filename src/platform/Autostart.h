@@ -2,7 +2,8 @@
 
 #include <QString>
 
-// Starting with the session, the freedesktop.org way: an entry in $XDG_CONFIG_HOME/autostart.
+// Starting with the user's session. On Linux an entry in $XDG_CONFIG_HOME/autostart, the
+// freedesktop.org way.
 namespace Quillon::Autostart {
 QString entryPath();
 bool isEnabled();
