@@ -239,11 +239,6 @@ void SmtpSession::sendMessage()
     sendCommand("MAIL FROM:<" + m_from + ">" + (utf8 ? " SMTPUTF8" : ""), Step::MailFrom);
 }
 
-void SmtpSession::resetTransaction()
-{
-    sendCommand("RSET", Step::Reset);
-}
-
 void SmtpSession::close()
 {
     if (m_terminated)

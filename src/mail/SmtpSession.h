@@ -57,7 +57,6 @@ public:
     QStringList supportedMechanisms() const { return m_mechanisms; }
     void authenticate(const QString &username, const QString &password, const QString &mechanism);
     void sendMessage();
-    void resetTransaction();
     // QUIT, then the connection ends.
     void close();
     // Ends the connection now, without a word to the server.
