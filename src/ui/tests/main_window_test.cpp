@@ -170,18 +170,6 @@ private Q_SLOTS:
         QVERIFY(!(m_window->calendarClockWindow()->windowFlags() & Qt::WindowStaysOnTopHint));
     }
 
-    void statusBarSaysWhenTheScheduleStoppedByItself()
-    {
-        m_schedule->startTimers(true);
-        select({0, 1, 2});
-        m_window->datePicker()->setDateTime(at(-60)); // every item into the past
-        QVERIFY(!m_schedule->timersRunning());
-        QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("No item has a launch time in the future; the schedule stopped."));
-        m_window->datePicker()->setDateTime(at(60));
-        m_schedule->startTimers(true);
-        QCOMPARE(m_window->statusBar()->currentMessage(), QString());
-    }
-
     // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
     void dropOntoARowIsRefusedBetweenRowsTaken()
     {
@@ -378,6 +366,15 @@ private Q_SLOTS:
         QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Start"));
         QVERIFY(m_window->clearButton()->isEnabled());
         QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Location"));
+        // Stopped by itself, when every item was moved into the past: the status bar says so.
+        m_schedule->startTimers(true);
+        select({0, 1, 2});
+        m_window->datePicker()->setDateTime(at(-60));
+        QVERIFY(!m_schedule->timersRunning());
+        QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("No item has a launch time in the future; the schedule stopped."));
+        m_window->datePicker()->setDateTime(at(60));
+        m_schedule->startTimers(true);
+        QCOMPARE(m_window->statusBar()->currentMessage(), QString());
     }
 
 private:
