@@ -294,8 +294,9 @@ bool History::handled(const QString &path, const QDateTime &scheduled)
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
     // Rows written before paths were kept as bytes hold them as UTF-8 text.
     q.prepare(QStringLiteral("SELECT 1 FROM events WHERE path IN (?, CAST(? AS TEXT)) AND scheduled = ? LIMIT 1"));
-    q.addBindValue(pathValue(path));
-    q.addBindValue(pathValue(path));
+    const QVariant stored = pathValue(path);
+    q.addBindValue(stored);
+    q.addBindValue(stored);
     q.addBindValue(scheduled.toMSecsSinceEpoch());
     return q.exec() && q.next();
 }

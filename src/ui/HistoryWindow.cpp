@@ -48,7 +48,8 @@ void HistoryModel::refresh()
     }
     QStringList where;
     if (!m_text.isEmpty())
-        where << QStringLiteral("(path LIKE ?1 ESCAPE '\\' OR detail LIKE ?1 ESCAPE '\\')");
+        // A path is kept as bytes, which LIKE does not match against text.
+        where << QStringLiteral("(CAST(path AS TEXT) LIKE ? ESCAPE '\\' OR detail LIKE ? ESCAPE '\\')");
     if (m_problemsOnly)
         where << QStringLiteral("kind IN (%1)").arg(History::problemKinds());
     QSqlQuery query(QSqlDatabase::database(m_history.connectionName(), false));
@@ -58,7 +59,10 @@ void HistoryModel::refresh()
     if (!m_text.isEmpty()) {
         QString pattern = m_text;
         pattern.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('%'), QLatin1String("\\%")).replace(QLatin1Char('_'), QLatin1String("\\_"));
-        query.addBindValue(QLatin1Char('%') + pattern + QLatin1Char('%'));
+        // Once for each "?": Qt counts a numbered placeholder used twice as two.
+        const QString like = QLatin1Char('%') + pattern + QLatin1Char('%');
+        query.addBindValue(like);
+        query.addBindValue(like);
     }
     query.exec();
     setQuery(std::move(query));

@@ -121,6 +121,11 @@ private Q_SLOTS:
                 QCOMPARE(model->index(model->rowCount() - 1, HistoryModel::WhatColumn).data().toString(), QStringLiteral("Missed"));
                 if (catchUp)
                     QVERIFY(model->index(0, HistoryModel::DetailColumn).data().toString().endsWith(QLatin1String("60 min late")));
+                // Found by its name, and only by what it holds.
+                model->setFilter(QStringLiteral("Grüße"), false);
+                QCOMPARE(model->rowCount(), catchUp ? 2 : 1);
+                model->setFilter(QStringLiteral("Köln"), false);
+                QCOMPARE(model->rowCount(), 0);
             }
             m_controller->applicationWillTerminate();
             m_controller.reset();
