@@ -19,18 +19,15 @@
 
 #include <QCheckBox>
 #include <QDateTimeEdit>
+#include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStatusBar>
 #include <QSystemTrayIcon>
-#include <QTableView>
-#include <QTemporaryDir>
-#include <QLabel>
-#include <QMenu>
 #include <QTcpServer>
 #include <QTest>
-#include <QTimer>
 #include <QWindow>
 
 using namespace Quillon;

@@ -1,12 +1,7 @@
 #include "MailTestSupport.h"
 #include "TestSupport.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>

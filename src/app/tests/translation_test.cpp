@@ -12,7 +12,6 @@
 #include "TestSupport.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTest>

@@ -1,11 +1,6 @@
 #include "TestSupport.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QProcess>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>

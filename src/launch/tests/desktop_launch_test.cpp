@@ -7,10 +7,7 @@
 #include "ShebangScriptRunner.h"
 #include "TestSupport.h"
 
-#include <QDir>
-#include <QFile>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 

@@ -10,11 +10,9 @@
 #include "WakeAlarms.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDir>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 

@@ -11,9 +11,8 @@
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
-#include <QTemporaryDir>
-#include <QSignalSpy>
 #include <QSet>
+#include <QSignalSpy>
 #include <QTest>
 #include <QUrl>
 

@@ -10,26 +10,23 @@
 #include "ScheduleEditor.h"
 #include "TestSupport.h"
 
-#include <QAbstractItemView>
+#include <QAction>
+#include <QCalendarWidget>
 #include <QCompleter>
 #include <QDateTimeEdit>
-#include <QItemSelectionModel>
-#include <QPushButton>
-#include <QTableView>
-#include <QTemporaryDir>
-#include <QFileDialog>
 #include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QMenuBar>
-#include <QMenu>
-#include <QAction>
+#include <QFileDialog>
+#include <QItemSelectionModel>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
-#include <QStatusBar>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScopeGuard>
-#include <QCalendarWidget>
+#include <QStatusBar>
 #include <QTest>
 #include <QUndoStack>
 

@@ -6,16 +6,13 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
-#include <QTemporaryDir>
 #include <QTabWidget>
 #include <QTest>
 
