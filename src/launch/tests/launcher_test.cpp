@@ -4,6 +4,7 @@
 #include "Log.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
+#include "TestSupport.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,18 +20,16 @@ class LauncherTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
-        m_prefs = std::make_unique<Preferences>();
         setLogSink([this](const QString &line) { m_log << line; });
     }
     void init()
     {
-        m_prefs->setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
+        m_prefs.setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
         m_workspace = FakeWorkspace();
         m_scripts = FakeScriptRunner();
         m_mails.clear();
         m_log.clear();
-        m_launcher = std::make_unique<Launcher>(*m_prefs, m_workspace, m_scripts, [this](const QString &b, const QString &s) { m_mails << Mail(b, s); });
+        m_launcher = std::make_unique<Launcher>(m_prefs, m_workspace, m_scripts, [this](const QString &b, const QString &s) { m_mails << Mail(b, s); });
     }
 
     void scriptOrDocument_data()
@@ -82,7 +81,7 @@ private Q_SLOTS:
         const QString path = QStringLiteral("/s/job.scpt");
         m_scripts.outcomes[path] = {loaded, result, {}, {}};
         // Launch notices are on, and must not matter for scripts.
-        m_prefs->setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
+        m_prefs.setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
         m_launcher->launchItem(path);
         QCOMPARE(m_mails, mails);
         QVERIFY(m_workspace.opened.isEmpty());
@@ -96,7 +95,7 @@ private Q_SLOTS:
         m_launcher->launchItem(path);
         QVERIFY(m_mails.isEmpty());
         // Another writer (the preferences window of another instance) turns it on.
-        QSettings other(m_prefs->fileName(), QSettings::IniFormat);
+        QSettings other(m_prefs.fileName(), QSettings::IniFormat);
         other.setValue(QStringLiteral("emailAppleScriptResults"), true);
         other.sync();
         m_launcher->launchItem(path);
@@ -116,7 +115,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, notices);
         QFETCH(bool, opens);
-        m_prefs->setValue(Keys::SendEmail, notices);
+        m_prefs.setValue(Keys::SendEmail, notices);
         m_workspace.openSucceeds = opens;
         const QString path = QStringLiteral("/home/me/Report 1.txt");
         m_launcher->launchItem(path);
@@ -134,8 +133,8 @@ private Q_SLOTS:
     {
         const QStringList paths = {QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c")};
         m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}};
-        m_prefs->setValue(Keys::EmailScriptResults, true);
-        m_prefs->setValue(Keys::SendEmail, true);
+        m_prefs.setValue(Keys::EmailScriptResults, true);
+        m_prefs.setValue(Keys::SendEmail, true);
         m_launcher->launchAllNow(paths);
         QCOMPARE(m_workspace.opened, (QStringList{"/a", "/c"}));
         QCOMPARE(m_mails.size(), 3);
@@ -206,8 +205,8 @@ private Q_SLOTS:
     }
 
 private:
-    QTemporaryDir m_config;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     FakeWorkspace m_workspace;
     FakeScriptRunner m_scripts;
     std::unique_ptr<Launcher> m_launcher;

@@ -23,16 +23,14 @@ class KeyringTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_settings = std::make_unique<TestSettings>();
-        m_prefs = std::make_unique<Preferences>();
         // One store for the whole run: QtKeychain's jobs must outlive the calls under way.
         m_store = std::make_unique<KeychainSecretStore>(QStringLiteral("org.quillon.Quillon.test"));
         setLogSink([this](const QString &line) { m_log << line; });
     }
     void init()
     {
-        QFile::remove(m_settings->file());
-        m_prefs->synchronize();
+        QFile::remove(m_settings.file());
+        m_prefs.synchronize();
         m_log.clear();
     }
     void cleanup()
@@ -45,20 +43,20 @@ private Q_SLOTS:
     // without a keyring the file keeps it and the log says why, once.
     void passwordMovesIntoTheKeyringOrStaysInTheFile()
     {
-        m_settings->writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");
-        m_prefs->synchronize();
-        MailPassword password(*m_prefs, m_store.get());
+        m_settings.writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");
+        m_prefs.synchronize();
+        MailPassword password(m_prefs, m_store.get());
         password.migrate();
         QCOMPARE(read(password), Old);
         password.set(New);
         QTRY_COMPARE(read(password), New);
-        const QString inFile = m_settings->read(QStringLiteral("loginPassword")).toString();
+        const QString inFile = m_settings.read(QStringLiteral("loginPassword")).toString();
         if (noKeyring()) {
             QCOMPARE(inFile, New);
             QCOMPARE(m_log.filter(QStringLiteral("keyring cannot be used")).size(), 1);
             return;
         }
-        QTRY_VERIFY(m_settings->read(QStringLiteral("loginPassword")).isNull());
+        QTRY_VERIFY(m_settings.read(QStringLiteral("loginPassword")).isNull());
         QCOMPARE(m_log.filter(QStringLiteral("moved from the settings file")).size(), 1);
         // Really in the keyring: a store of its own reads it back.
         auto direct = std::make_shared<QString>();
@@ -74,12 +72,12 @@ private Q_SLOTS:
         QTemporaryDir certs;
         MailTest::Server server;
         QVERIFY(server.start(certs, {QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), New}));
-        MailPassword password(*m_prefs, m_store.get());
+        MailPassword password(m_prefs, m_store.get());
         password.set(New);
         QTRY_COMPARE(read(password), New);
-        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
+        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
                             {Keys::ServerPort, server.port}, {Keys::SelectedAuthentication, 1}, {Keys::LoginUsername, QStringLiteral("ann")}});
-        MailTest::Host host(*m_prefs);
+        MailTest::Host host(m_prefs);
         host.password = &password;
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
@@ -100,8 +98,8 @@ private:
         return answer->value_or(QStringLiteral("(no answer)"));
     }
 
-    std::unique_ptr<TestSettings> m_settings;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     std::unique_ptr<KeychainSecretStore> m_store;
     QStringList m_log;
 };

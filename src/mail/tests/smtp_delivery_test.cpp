@@ -28,15 +28,13 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(MailTest::makeCertificate(m_certs));
-        m_settings = std::make_unique<TestSettings>();
-        m_prefs = std::make_unique<Preferences>();
         setLogSink([this](const QString &line) { m_log << line; });
     }
     void init()
     {
         m_log.clear();
-        QFile::remove(m_settings->file());
-        m_prefs->synchronize();
+        QFile::remove(m_settings.file());
+        m_prefs.synchronize();
     }
     void cleanup() { QVERIFY(m_log.filter(Password).isEmpty()); }
 
@@ -102,10 +100,10 @@ private Q_SLOTS:
             QSKIP("Binding port 465 needs root.");
         MailTest::Server peer;
         QVERIFY(peer.start(m_certs, server << QStringLiteral("--host") << host));
-        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, host}, {Keys::ServerPort, peer.port},
+        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, host}, {Keys::ServerPort, peer.port},
                             {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, mechanism}, {Keys::LoginUsername, QStringLiteral("ann")},
                             {Keys::LoginPassword, password}});
-        MailTest::Host controller(*m_prefs);
+        MailTest::Host controller(m_prefs);
         if (password.isEmpty())
             controller.limits.reply = std::chrono::seconds(1);
         SimpleSMTP delivery;
@@ -184,11 +182,11 @@ private Q_SLOTS:
         QFETCH(QString, error);
         QTcpServer listener;
         QVERIFY(listener.listen(QHostAddress::LocalHost));
-        m_prefs->setValue(Keys::ServerAddress, server);
-        m_prefs->setValue(Keys::ServerPort, port);
+        m_prefs.setValue(Keys::ServerAddress, server);
+        m_prefs.setValue(Keys::ServerPort, port);
         if (!server.isValid())
-            m_prefs->setValue(Keys::ServerPort, listener.serverPort());
-        MailTest::Host controller(*m_prefs);
+            m_prefs.setValue(Keys::ServerPort, listener.serverPort());
+        MailTest::Host controller(m_prefs);
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);
@@ -258,9 +256,9 @@ private Q_SLOTS:
                 }
             });
         });
-        m_prefs->setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}, {Keys::RecipientEmail, recipient},
+        m_prefs.setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}, {Keys::RecipientEmail, recipient},
                             {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, 0}});
-        MailTest::Host controller(*m_prefs);
+        MailTest::Host controller(m_prefs);
         controller.limits = {std::chrono::milliseconds(2000), std::chrono::milliseconds(500)};
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
@@ -307,8 +305,8 @@ private Q_SLOTS:
 
 private:
     QTemporaryDir m_certs;
-    std::unique_ptr<TestSettings> m_settings;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     QStringList m_log;
 };
 

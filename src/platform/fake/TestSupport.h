@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileName.h"
+#include "Log.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -65,6 +66,35 @@ inline QProcessEnvironment sessionEnvironment(const QTemporaryDir &home)
         env.remove(QString::fromLatin1(name));
     return env;
 }
+
+// The log lines said while it lives, instead of stderr.
+class CapturedLog : public QStringList
+{
+public:
+    CapturedLog() { setLogSink([this](const QString &line) { append(line); }); }
+    ~CapturedLog() { setLogSink({}); }
+    CapturedLog(const CapturedLog &) = delete;
+    CapturedLog &operator=(const CapturedLog &) = delete;
+};
+
+// An environment variable set for a scope, then put back.
+class ScopedEnv
+{
+public:
+    ScopedEnv(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_old(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~ScopedEnv() { qputenv(m_name, m_old); }
+    ScopedEnv(const ScopedEnv &) = delete;
+    ScopedEnv &operator=(const ScopedEnv &) = delete;
+
+private:
+    const char *m_name;
+    QByteArray m_old;
+};
 
 // A dbus-daemon of the test's own, ended with it.
 class PrivateBus

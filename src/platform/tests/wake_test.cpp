@@ -76,8 +76,6 @@ private Q_SLOTS:
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
         qputenv("DBUS_SESSION_BUS_ADDRESS", address);
         QVERIFY(QDBusConnection::sessionBus().isConnected());
-        m_settings = std::make_unique<TestSettings>();
-        m_prefs = std::make_unique<Preferences>();
         setLogSink([this](const QString &line) { m_log << line; });
     }
     void init() { m_log.clear(); }
@@ -100,7 +98,7 @@ private Q_SLOTS:
         QFETCH(QList<qint64>, requests);
         Test::DBusMock logind;
         QVERIFY(startLogind(logind, canSuspend));
-        Machine m(*m_prefs);
+        Machine m(m_prefs);
         QVERIFY(m.power.registerForNotifications());
         QTRY_VERIFY(m.power.holdsInhibitor());
         if (story != QLatin1String("none"))
@@ -126,9 +124,9 @@ private Q_SLOTS:
         QFETCH(bool, catchUp);
         Test::DBusMock logind;
         QVERIFY(startLogind(logind));
-        m_prefs->setValues({{Keys::OpenMissedItems, catchUp}, {Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
-        auto reset = qScopeGuard([this] { m_prefs->setValues({{Keys::OpenMissedItems, false}, {Keys::RepeatSeconds, 0}}); });
-        Machine m(*m_prefs);
+        m_prefs.setValues({{Keys::OpenMissedItems, catchUp}, {Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
+        auto reset = qScopeGuard([this] { m_prefs.setValues({{Keys::OpenMissedItems, false}, {Keys::RepeatSeconds, 0}}); });
+        Machine m(m_prefs);
         QStringList opened;
         m.schedule.setLauncher([&opened](const QString &path) { opened << path; });
         QSignalSpy missed(&m.schedule, &Schedule::missed);
@@ -152,7 +150,7 @@ private Q_SLOTS:
     {
         Test::DBusMock logind;
         QVERIFY(startLogind(logind));
-        Machine m(*m_prefs);
+        Machine m(m_prefs);
         m.alarm->hold = true;
         QVERIFY(m.power.registerForNotifications());
         QTRY_VERIFY(m.power.holdsInhibitor());
@@ -314,8 +312,8 @@ private:
 
     Test::PrivateBus m_bus;
     QTemporaryDir m_home;
-    std::unique_ptr<TestSettings> m_settings;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     QStringList m_log;
 };
 

@@ -5,8 +5,6 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
-#include "Log.h"
-
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
@@ -23,15 +21,10 @@ class PersistenceTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_settings = std::make_unique<TestSettings>();
-        m_prefs = std::make_unique<Preferences>();
-    }
     void init()
     {
-        QFile::remove(m_settings->file());
-        m_prefs->synchronize();
+        QFile::remove(m_settings.file());
+        m_prefs.synchronize();
         m_files = std::make_unique<QTemporaryDir>();
     }
 
@@ -89,15 +82,11 @@ private Q_SLOTS:
     void clearedListStaysCleared()
     {
         QTemporaryDir tmp;
-        const QByteArray oldTmp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", tmp.path().toUtf8());
-        auto restoreTmp = qScopeGuard([&] { qputenv("TMPDIR", oldTmp); });
+        const Test::ScopedEnv tmpDir("TMPDIR", tmp.path().toUtf8());
         const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
         QVERIFY(::inotify_add_watch(watch, QFile::encodeName(tmp.path()).constData(), IN_CREATE) >= 0);
         auto closeWatch = qScopeGuard([watch] { ::close(watch); });
-        QStringList log;
-        setLogSink([&log](const QString &line) { log << line; });
-        auto noSink = qScopeGuard([] { setLogSink({}); });
+        const Test::CapturedLog log;
         {
             auto s = makeSchedule();
             s->appendPaths({file("a.txt"), file("b.txt")});
@@ -193,8 +182,8 @@ private Q_SLOTS:
         QFETCH(int, dates);
         QFETCH(bool, datesAreNow);
         if (!ini.isEmpty())
-            m_settings->writeRaw("[General]\n" + ini.replace("TWO", file("x").toUtf8() + ", " + file("y").toUtf8()));
-        m_prefs->synchronize();
+            m_settings.writeRaw("[General]\n" + ini.replace("TWO", file("x").toUtf8() + ", " + file("y").toUtf8()));
+        m_prefs.synchronize();
         auto s = makeSchedule();
         QSignalSpy alerts(s.get(), &Schedule::alertRequested);
         s->restoreItems();
@@ -212,13 +201,13 @@ private Q_SLOTS:
     {
         const QString a = file("hand a.txt");
         const QString b = file("hand b.txt");
-        m_settings->writeRaw("[General]\nItems=@ByteArray(" + a.toUtf8() + "), @ByteArray(" + b.toUtf8() + ")\nTimersRunning=false\n");
-        m_prefs->synchronize();
+        m_settings.writeRaw("[General]\nItems=@ByteArray(" + a.toUtf8() + "), @ByteArray(" + b.toUtf8() + ")\nTimersRunning=false\n");
+        m_prefs.synchronize();
         auto s = makeSchedule();
         s->restoreItems();
         QCOMPARE(s->paths(), (QStringList{a, b}));
         s->saveItems();
-        const QVariantList saved = m_settings->read(QStringLiteral("Items")).toList();
+        const QVariantList saved = m_settings.read(QStringLiteral("Items")).toList();
         QCOMPARE(saved.size(), 2);
         for (const QVariant &v : saved)
             QVERIFY(v.toByteArray().startsWith("QUILLON-REF"));
@@ -228,7 +217,7 @@ private Q_SLOTS:
 private:
     std::unique_ptr<Schedule> makeSchedule()
     {
-        auto s = std::make_unique<Schedule>(*m_prefs, m_clock);
+        auto s = std::make_unique<Schedule>(m_prefs, m_clock);
         s->createArrays();
         return s;
     }
@@ -242,8 +231,8 @@ private:
         return path;
     }
 
-    std::unique_ptr<TestSettings> m_settings;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     std::unique_ptr<QTemporaryDir> m_files;
     FakeClock m_clock{Now};
 };

@@ -1,4 +1,3 @@
-#include "Log.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
@@ -197,13 +196,9 @@ sys.stdout.buffer.write(seen)
             QVERIFY(Test::writeFile(real, "[General]\n") && QDir().mkpath(mountPoint.filePath(QStringLiteral("Quillon"))));
             QVERIFY(QFile::link(real, mountPoint.filePath(QStringLiteral("Quillon/Quillon.conf"))));
         }
-        const QByteArray oldHome = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", mountPoint.path().toUtf8());
-        auto restoreEnv = qScopeGuard([&] { qputenv("XDG_CONFIG_HOME", oldHome); });
+        const Test::ScopedEnv home("XDG_CONFIG_HOME", mountPoint.path().toUtf8());
 
-        QStringList log;
-        setLogSink([&log](const QString &line) { log << line; });
-        auto noSink = qScopeGuard([] { setLogSink({}); });
+        const Test::CapturedLog log;
         Preferences prefs;
         prefs.setValues({{Keys::LoginPassword, QStringLiteral("secret")}, {Keys::Items, QVariantList{QByteArray(200, 'a')}}});
         const QByteArray before = contents(prefs.fileName());

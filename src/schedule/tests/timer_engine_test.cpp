@@ -29,17 +29,12 @@ class TimerEngineTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_settings = std::make_unique<TestSettings>();
-        m_prefs = std::make_unique<Preferences>();
-    }
     void init()
     {
-        QFile::remove(m_settings->file());
-        m_prefs->synchronize();
+        QFile::remove(m_settings.file());
+        m_prefs.synchronize();
         m_clock = std::make_unique<FakeClock>(Now);
-        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
+        m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
         m_schedule->createArrays();
         m_launched.clear();
         m_launchTimes.clear();
@@ -99,7 +94,7 @@ private Q_SLOTS:
     void itemsFireInDateOrderNeverEarlyAndTheLastStops()
     {
         QFETCH(bool, quitWhenDone);
-        m_prefs->setValue(Keys::QuitWhenDone, quitWhenDone);
+        m_prefs.setValue(Keys::QuitWhenDone, quitWhenDone);
         add({{"c", 30}, {"a", 10}, {"b", 20}});
         QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
         QSignalSpy told(m_schedule.get(), &Schedule::stoppedByItself);
@@ -136,7 +131,7 @@ private Q_SLOTS:
     {
         QFETCH(qint64, msecs);
         QFETCH(bool, armed);
-        m_prefs->setValue(Keys::RepeatSeconds, 1);
+        m_prefs.setValue(Keys::RepeatSeconds, 1);
         add({{"edge", 0}});
         m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
         m_schedule->startTimers(true);
@@ -181,8 +176,8 @@ private Q_SLOTS:
         QFETCH(int, count);
         QFETCH(int, unit);
         QFETCH(qint64, periodSecs);
-        m_prefs->setValue(Keys::RepeatSeconds, count);
-        m_prefs->setValue(Keys::TimeUnit, unit);
+        m_prefs.setValue(Keys::RepeatSeconds, count);
+        m_prefs.setValue(Keys::TimeUnit, unit);
         add({{"r", 10}});
         m_schedule->startStopButtonClicked();
         // Fire a little late: the next date counts from the scheduled date, not the firing.
@@ -197,7 +192,7 @@ private Q_SLOTS:
 
     void lateRepeatingItemOpensAtMostTwice()
     {
-        m_prefs->setValue(Keys::RepeatSeconds, 60);
+        m_prefs.setValue(Keys::RepeatSeconds, 60);
         add({{"r", 10}});
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000 + 3600'000); // an hour late: sixty periods missed
@@ -254,8 +249,8 @@ private Q_SLOTS:
     {
         FakePowerService power;
         m_schedule->setPowerService(&power);
-        m_prefs->setValue(Keys::RepeatSeconds, 1);
-        m_prefs->setValue(Keys::TimeUnit, 2);
+        m_prefs.setValue(Keys::RepeatSeconds, 1);
+        m_prefs.setValue(Keys::TimeUnit, 2);
         add({{"a", 10}, {"b", 1800}, {"c", 10}});
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000);
@@ -284,7 +279,7 @@ private Q_SLOTS:
     void realClockArmsFarDatesAndFiresNearOnesOnTime()
     {
         TimerFdClock real;
-        Schedule schedule(*m_prefs, real);
+        Schedule schedule(m_prefs, real);
         QList<qint64> firedAt;
         schedule.setLauncher([&](const QString &) { firedAt << real.nowMSecs(); });
         const qint64 now = real.nowMSecs();
@@ -305,7 +300,7 @@ private Q_SLOTS:
     void manyItemsShareOneKernelTimer()
     {
         TimerFdClock real;
-        Schedule schedule(*m_prefs, real);
+        Schedule schedule(m_prefs, real);
         const int before = openDescriptors();
         QStringList paths;
         for (int i = 0; i < 100'000; ++i)
@@ -383,8 +378,8 @@ private:
         }
     }
 
-    std::unique_ptr<TestSettings> m_settings;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     std::unique_ptr<FakeClock> m_clock;
     std::unique_ptr<Schedule> m_schedule;
     QStringList m_launched;

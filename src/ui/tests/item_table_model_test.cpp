@@ -24,18 +24,13 @@ class ItemTableModelTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
-        m_prefs = std::make_unique<Preferences>();
-    }
     void init()
     {
-        m_prefs->setValues({{Keys::AddFolderFiles, false}, {Keys::AddFolderFilesRecursively, false}});
+        m_prefs.setValues({{Keys::AddFolderFiles, false}, {Keys::AddFolderFilesRecursively, false}});
         m_clock = std::make_unique<FakeClock>(Now);
-        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
+        m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
         m_workspace = FakeWorkspace();
-        m_model = std::make_unique<ItemTableModel>(*m_schedule, m_workspace, *m_prefs);
+        m_model = std::make_unique<ItemTableModel>(*m_schedule, m_workspace, m_prefs);
         m_tester = std::make_unique<QAbstractItemModelTester>(m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     }
     void cleanup()
@@ -226,7 +221,7 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
         QVERIFY(QFile::link(topDir, tree.filePath(QStringLiteral("link"))));
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/.hidden"), "listed.txt\n"));
-        m_prefs->setValues({{Keys::AddFolderFiles, folderFiles}, {Keys::AddFolderFilesRecursively, recursive}});
+        m_prefs.setValues({{Keys::AddFolderFiles, folderFiles}, {Keys::AddFolderFilesRecursively, recursive}});
 
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(tree.filePath(dropped))});
@@ -243,8 +238,8 @@ private Q_SLOTS:
 private:
     static qint64 statusIcon(const char *name) { return imageNamed(QString::fromLatin1(name)).cacheKey(); }
 
-    QTemporaryDir m_config;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     std::unique_ptr<FakeClock> m_clock;
     std::unique_ptr<Schedule> m_schedule;
     FakeWorkspace m_workspace;

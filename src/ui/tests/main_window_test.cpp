@@ -39,18 +39,13 @@ class MainWindowTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
-        m_prefs = std::make_unique<Preferences>();
-        QApplication::setStyle(new FocusRingStyle);
-    }
+    void initTestCase() { QApplication::setStyle(new FocusRingStyle); }
     void init()
     {
         m_clock = std::make_unique<FakeClock>(Now);
-        m_schedule = std::make_unique<Schedule>(*m_prefs, *m_clock);
-        m_editor = std::make_unique<ScheduleEditor>(*m_schedule, *m_prefs);
-        m_window = std::make_unique<MainWindow>(*m_editor, *m_prefs, m_workspace);
+        m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
+        m_editor = std::make_unique<ScheduleEditor>(*m_schedule, m_prefs);
+        m_window = std::make_unique<MainWindow>(*m_editor, m_prefs, m_workspace);
         connect(m_schedule.get(), &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
         m_window->setupDatePickerControl();
         m_schedule->appendPaths({"/a", "/b", "/c"});
@@ -385,8 +380,8 @@ private:
         sel->setCurrentIndex(m_window->model()->index(last, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 
-    QTemporaryDir m_config;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
     std::unique_ptr<FakeClock> m_clock;
     FakeWorkspace m_workspace;
     std::unique_ptr<Schedule> m_schedule;

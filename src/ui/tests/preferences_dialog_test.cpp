@@ -28,16 +28,11 @@ class PreferencesDialogTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
-        m_prefs = std::make_unique<Preferences>();
-        QApplication::setStyle(new FocusRingStyle);
-    }
+    void initTestCase() { QApplication::setStyle(new FocusRingStyle); }
 
     void focusIsVisibleOnEveryControl()
     {
-        PreferencesDialog dialog(*m_prefs);
+        PreferencesDialog dialog(m_prefs);
         auto *pages = dialog.findChild<QTabWidget *>();
         for (int page = 0; page < pages->count(); ++page) {
             pages->setCurrentIndex(page);
@@ -48,7 +43,7 @@ private Q_SLOTS:
     // A fresh user sees the defaults of absent keys; each control writes the type readers expect.
     void controlsWriteTypedValues()
     {
-        PreferencesDialog dialog(*m_prefs);
+        PreferencesDialog dialog(m_prefs);
         QSignalSpy test(&dialog, &PreferencesDialog::testEmailRequested);
         QVERIFY(control<QCheckBox>(dialog, Keys::RememberItems)->isChecked());
         QVERIFY(!control<QCheckBox>(dialog, Keys::AddFolderFilesRecursively)->isEnabled());
@@ -71,7 +66,7 @@ private Q_SLOTS:
         QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
         dialog.writePending();
 
-        QSettings file(m_prefs->fileName(), QSettings::IniFormat);
+        QSettings file(m_prefs.fileName(), QSettings::IniFormat);
         QCOMPARE(file.value(QStringLiteral("rememberItems")).toString(), QStringLiteral("false"));
         QCOMPARE(file.value(QStringLiteral("addFolderFiles")).toString(), QStringLiteral("true"));
         QCOMPARE(file.value(QStringLiteral("repeatSeconds")).toInt(), 2);
@@ -81,33 +76,33 @@ private Q_SLOTS:
         QCOMPARE(file.value(QStringLiteral("scriptTimeLimitSeconds")).toInt(), 180);
         QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
         QCOMPARE(test.count(), 1);
-        QVERIFY(!m_prefs->rememberItems());
+        QVERIFY(!m_prefs.rememberItems());
     }
 
     // Holding an arrow on a spin box is hundreds of steps: written once they stop, not at each.
     void spinBoxStepsAreWrittenTogether()
     {
-        m_prefs->setValue(Keys::ServerPort, 1);
+        m_prefs.setValue(Keys::ServerPort, 1);
         const auto inode = [this] {
             struct stat st{};
-            ::stat(QFile::encodeName(m_prefs->fileName()).constData(), &st);
+            ::stat(QFile::encodeName(m_prefs.fileName()).constData(), &st);
             return st.st_ino;
         };
         const auto before = inode();
-        PreferencesDialog dialog(*m_prefs);
+        PreferencesDialog dialog(m_prefs);
         auto *port = control<QSpinBox>(dialog, Keys::ServerPort);
         for (int i = 0; i < 300; ++i)
             port->stepUp();
         QCOMPARE(inode(), before); // each save renames a new file into place
-        QTRY_COMPARE(m_prefs->intValue(Keys::ServerPort), 301);
+        QTRY_COMPARE(m_prefs.intValue(Keys::ServerPort), 301);
     }
 
     // What cannot go into an envelope is refused with its reason (typed, not saved); a line break
     // pasted with an address is trimmed. A login without TLS says the password goes unencrypted.
     void recipientAndPasswordSayWhatTheyWillDo()
     {
-        m_prefs->setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 0}});
-        PreferencesDialog dialog(*m_prefs);
+        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 0}});
+        PreferencesDialog dialog(m_prefs);
         QSignalSpy test(&dialog, &PreferencesDialog::testEmailRequested);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -121,12 +116,12 @@ private Q_SLOTS:
         // Enter also closes the window (its Close button is the default): what matters is the label's own state.
         QVERIFY(!problem->isHidden());
         QVERIFY2(problem->text().contains(QLatin1String("angle bracket")), qPrintable(problem->text()));
-        QCOMPARE(m_prefs->stringValue(Keys::RecipientEmail), QStringLiteral("ann@example.org"));
+        QCOMPARE(m_prefs.stringValue(Keys::RecipientEmail), QStringLiteral("ann@example.org"));
         recipient->setText(QStringLiteral(" bob@example.org\r\n"));
         QTest::keyClick(recipient, Qt::Key_Return);
         QVERIFY(problem->isHidden());
         QCOMPARE(test.count(), 0); // Enter in a mail field sends no test mail
-        QCOMPARE(m_prefs->stringValue(Keys::RecipientEmail), QStringLiteral("bob@example.org"));
+        QCOMPARE(m_prefs.stringValue(Keys::RecipientEmail), QStringLiteral("bob@example.org"));
 
         dialog.show();
         auto *inClear = dialog.findChild<QLabel *>(QStringLiteral("passwordInClear"));
@@ -142,8 +137,8 @@ private Q_SLOTS:
     // the port where the mail settings' check does.
     void controlsFollowWhatTheyDependOn()
     {
-        m_prefs->setValues({{Keys::SelectedAuthentication, 0}, {Keys::RepeatSeconds, 0}, {Keys::TimeUnit, 0}});
-        PreferencesDialog dialog(*m_prefs);
+        m_prefs.setValues({{Keys::SelectedAuthentication, 0}, {Keys::RepeatSeconds, 0}, {Keys::TimeUnit, 0}});
+        PreferencesDialog dialog(m_prefs);
         auto *login = control<QComboBox>(dialog, Keys::SelectedAuthentication);
         QVERIFY(!control<QLineEdit>(dialog, Keys::LoginUsername)->isEnabled());
         QVERIFY(!control<QLineEdit>(dialog, Keys::LoginPassword)->isEnabled());
@@ -163,12 +158,12 @@ private Q_SLOTS:
         port->setValue(65535);
         QCOMPARE(port->value(), 65365);
         dialog.writePending();
-        QCOMPARE(m_prefs->intValue(Keys::RepeatSeconds), 49'710);
+        QCOMPARE(m_prefs.intValue(Keys::RepeatSeconds), 49'710);
     }
 
     void startAtLoginWritesAndRemovesTheAutostartEntry()
     {
-        PreferencesDialog dialog(*m_prefs);
+        PreferencesDialog dialog(m_prefs);
         auto *box = dialog.findChild<QCheckBox *>(QStringLiteral("autostart"));
         QVERIFY(!box->isChecked());
         box->setChecked(true);
@@ -224,8 +219,8 @@ private:
         return w;
     }
 
-    QTemporaryDir m_config;
-    std::unique_ptr<Preferences> m_prefs;
+    TestSettings m_settings; // first: it points the preferences at their folder
+    Preferences m_prefs;
 };
 
 QTEST_MAIN(PreferencesDialogTest)
