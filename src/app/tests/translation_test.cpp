@@ -12,6 +12,7 @@
 #include "TestSupport.h"
 
 #include <QAbstractButton>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
@@ -23,7 +24,7 @@ class TranslationTest : public QObject
 {
     Q_OBJECT
     // Alt+letter of each menu title and each button of the list window: none may be claimed twice,
-    // or Alt cannot open that menu.
+    // or Alt cannot open that menu. Every menu entry can be reached from the keyboard.
     static void acceleratorsAreUnique()
     {
         TestSettings settings;
@@ -34,8 +35,11 @@ class TranslationTest : public QObject
         FakeWorkspace workspace;
         MainWindow window(editor, preferences, workspace);
         QStringList texts;
-        for (const QAction *menu : window.menuBar()->actions())
+        for (const QAction *menu : window.menuBar()->actions()) {
             texts << menu->text();
+            for (const QAction *a : menu->menu()->actions())
+                QVERIFY2(a->isSeparator() || a->text().contains(QLatin1Char('&')) || !a->shortcut().isEmpty(), qPrintable(a->text()));
+        }
         for (const QAbstractButton *button : window.findChildren<QAbstractButton *>())
             texts << button->text();
         QHash<QChar, QString> claimed;

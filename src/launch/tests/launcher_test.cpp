@@ -67,7 +67,6 @@ private Q_SLOTS:
         QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail>{};
         QTest::newRow("empty text is still text") << true << std::optional(ScriptDescriptor::fromText({})) << true << QList<Mail>{{"", subject}};
         QTest::newRow("list of two: never text") << true << std::optional(list) << true << QList<Mail>{};
-        QTest::newRow("empty list") << true << std::optional(ScriptDescriptor::fromList({})) << true << QList<Mail>{};
         QTest::newRow("record has no text") << true << std::optional(record) << true << QList<Mail>{};
         QTest::newRow("failed while running") << true << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
         QTest::newRow("could not load") << false << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
@@ -109,7 +108,6 @@ private Q_SLOTS:
         QTest::newRow("on, opened") << true << true;
         QTest::newRow("on, open failed: still announced") << true << false;
         QTest::newRow("off") << false << true;
-        QTest::newRow("off, open failed") << false << false;
     }
     void launchNotice()
     {

@@ -19,8 +19,6 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
@@ -297,21 +295,6 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->count(), 3);
         QTRY_COMPARE(chooser->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open)->text(), QStringLiteral("Choose"));
         chooser->reject();
-    }
-
-    // Every menu entry can be reached from the keyboard; every button has a name for screen readers.
-    void everythingIsReachableAndNamed()
-    {
-        for (QAction *menu : m_window->menuBar()->actions()) {
-            QVERIFY2(menu->text().contains(QLatin1Char('&')), qPrintable(menu->text()));
-            for (QAction *a : menu->menu()->actions()) {
-                if (!a->isSeparator())
-                    QVERIFY2(a->text().contains(QLatin1Char('&')) || !a->shortcut().isEmpty(), qPrintable(a->text()));
-            }
-        }
-        for (auto *b : m_window->findChildren<QPushButton *>())
-            QVERIFY2(!b->accessibleName().isEmpty(), qPrintable(b->objectName()));
-        QCOMPARE(m_window->findChild<QPushButton *>(QStringLiteral("dateTimeButton"))->accessibleName(), QStringLiteral("Date & Time"));
     }
 
     // The default button looked the same focused or not, and the list outlined one cell's text.
