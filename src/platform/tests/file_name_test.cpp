@@ -1,18 +1,12 @@
 #include "FileName.h"
-#include "FileReference.h"
-#include "TestSupport.h"
 
-#include <QScopeGuard>
 #include <QTest>
 #include <QUrl>
 
-#include <cstdio>
-#include <unistd.h>
-
 using namespace Quillon;
 
-// File names are bytes: one that is not UTF-8 must come back byte for byte from text, a dropped
-// URL and a saved reference, even after the file was renamed.
+// File names are bytes: one that is not UTF-8 must come back byte for byte from text and from a
+// dropped URL.
 class FileNameTest : public QObject
 {
     Q_OBJECT
@@ -42,24 +36,6 @@ private Q_SLOTS:
         url.setPath(QString::fromLatin1(bytes.toPercentEncoding("/")), QUrl::TolerantMode);
         url.setScheme(QStringLiteral("file"));
         QCOMPARE(FileName::fromUrl(url), text);
-    }
-
-    void referenceFindsARenamedLatin1File()
-    {
-        QTemporaryDir dir;
-        const QByteArray folder = QFile::encodeName(dir.path());
-        const QString path = FileName::decode(folder + "/caf\xe9.txt");
-        QVERIFY(Test::writeFile(path, "x"));
-        // QTemporaryDir cannot see a name that is not UTF-8 to remove it.
-        const auto remove = qScopeGuard([&] {
-            ::unlink((folder + "/caf\xe9.txt").constData());
-            ::unlink((folder + "/d\xe9j\xe0.txt").constData());
-        });
-        const QByteArray reference = FileReference::make(path);
-        QVERIFY(!reference.isEmpty());
-        QCOMPARE(FileReference::resolve(reference), std::optional<QString>(path));
-        QVERIFY(std::rename((folder + "/caf\xe9.txt").constData(), (folder + "/d\xe9j\xe0.txt").constData()) == 0);
-        QCOMPARE(FileReference::resolve(reference), std::optional<QString>(FileName::decode(folder + "/d\xe9j\xe0.txt")));
     }
 };
 

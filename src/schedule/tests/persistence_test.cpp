@@ -1,4 +1,5 @@
 #include "FakeClock.h"
+#include "FileName.h"
 #include "FileReference.h"
 #include "Preferences.h"
 #include "Schedule.h"
@@ -9,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cstdio>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -114,6 +116,8 @@ private Q_SLOTS:
         QTest::newRow("moved to a sibling folder") << "docs/report.txt" << "archive/report.txt";
         QTest::newRow("moved and renamed, old folder gone") << "old/deep/report.txt" << "new/place/r.txt";
         QTest::newRow("moved into a subfolder") << "report.txt" << "a/b/c/report.txt";
+        // Names from a Latin-1 system are not UTF-8: found by their bytes all the same.
+        QTest::newRow("Latin-1, renamed") << FileName::decode("caf\xe9.txt") << FileName::decode("d\xe9j\xe0.txt");
     }
     void filesFoundAfterRenameOrMove()
     {
@@ -124,7 +128,9 @@ private Q_SLOTS:
         QVERIFY(!ref.isEmpty());
         const QString after = m_files->filePath(to);
         QDir().mkpath(QFileInfo(after).absolutePath());
-        QVERIFY(QFile::rename(before, after));
+        QCOMPARE(std::rename(FileName::encode(before).constData(), FileName::encode(after).constData()), 0);
+        // QTemporaryDir cannot see a name that is not UTF-8 to remove it.
+        const auto remove = qScopeGuard([&] { ::unlink(FileName::encode(after).constData()); });
         if (from.startsWith(QLatin1String("old/")))
             QVERIFY(QDir(m_files->filePath(QStringLiteral("old"))).removeRecursively());
         QCOMPARE(FileReference::resolve(ref), std::optional<QString>(after));
@@ -224,10 +230,7 @@ private:
     QString file(const QString &relative)
     {
         const QString path = m_files->filePath(relative);
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile f(path);
-        f.open(QIODevice::WriteOnly);
-        f.write("x");
+        Test::writeFile(path, "x");
         return path;
     }
 
