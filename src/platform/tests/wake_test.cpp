@@ -298,16 +298,7 @@ private:
     int inhibitors()
     {
         const QDBusMessage reply = call(Logind, LogindPath, LogindManager, QStringLiteral("ListInhibitors"), {});
-        const QDBusArgument list = reply.arguments().value(0).value<QDBusArgument>();
-        int n = 0;
-        list.beginArray();
-        while (!list.atEnd()) {
-            QVariant entry;
-            list >> entry;
-            ++n;
-        }
-        list.endArray();
-        return n;
+        return int(qdbus_cast<QVariantList>(reply.arguments().value(0)).size());
     }
 
     Test::PrivateBus m_bus;
