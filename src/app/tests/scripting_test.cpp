@@ -94,7 +94,6 @@ private Q_SLOTS:
         QTest::newRow("add, missing file") << QStringList{QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m")} << 1 << "No such file";
         QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9";
         QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1";
-        QTest::newRow("unknown option") << QStringList{QStringLiteral("list"), QStringLiteral("--xml")} << 2 << "xml";
         QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1";
     }
     void commandLineExitCodes()

@@ -203,23 +203,6 @@ private Q_SLOTS:
         QCOMPARE(alerts.count(), 0);
     }
 
-    void handWrittenListGetsReferencesOnSave()
-    {
-        const QString a = file("hand a.txt");
-        const QString b = file("hand b.txt");
-        m_settings.writeRaw("[General]\nItems=@ByteArray(" + a.toUtf8() + "), @ByteArray(" + b.toUtf8() + ")\nTimersRunning=false\n");
-        m_prefs.synchronize();
-        auto s = makeSchedule();
-        s->restoreItems();
-        QCOMPARE(s->paths(), (QStringList{a, b}));
-        s->saveItems();
-        const QVariantList saved = m_settings.read(QStringLiteral("Items")).toList();
-        QCOMPARE(saved.size(), 2);
-        for (const QVariant &v : saved)
-            QVERIFY(v.toByteArray().startsWith("QUILLON-REF"));
-        QCOMPARE(FileReference::resolve(saved.at(1).toByteArray()), std::optional<QString>(b));
-    }
-
 private:
     std::unique_ptr<Schedule> makeSchedule()
     {

@@ -143,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->dates().at(0), at(100));
     }
 
-    void dateWindowCountsTheSelectionAndFloatsOverUsOnly()
+    void dateWindowCountsTheSelection()
     {
         auto *label = m_window->calendarClockWindow()->findChild<QLabel *>(QStringLiteral("selectionLabel"));
         select({0, 1, 2});
@@ -157,7 +157,6 @@ private Q_SLOTS:
         QVERIFY(!progress->isHidden());
         m_window->showRunningState(false);
         QVERIFY(progress->isHidden());
-        QVERIFY(!(m_window->calendarClockWindow()->windowFlags() & Qt::WindowStaysOnTopHint));
     }
 
     // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
