@@ -7,11 +7,11 @@
 #include <QDBusInterface>
 #include <QDBusMetaType>
 #include <QDBusReply>
+#include <QDomDocument>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
-#include <QXmlStreamReader>
 
 #include <csignal>
 
@@ -231,28 +231,17 @@ private:
     // "out", the file gives them no direction.
     static QStringList members(const QByteArray &xml)
     {
+        QDomDocument doc;
+        doc.setContent(xml);
         QStringList out;
-        QXmlStreamReader reader(xml);
-        bool ours = false;
-        QString member;
-        QStringList ins, outs;
-        while (!reader.atEnd()) {
-            reader.readNext();
-            const QString tag = reader.name().toString();
-            const QXmlStreamAttributes a = reader.attributes();
-            if (reader.isStartElement() && tag == QLatin1String("interface"))
-                ours = a.value(QLatin1String("name")) == QLatin1String(ScriptingService::InterfaceName);
-            else if (!ours)
-                continue;
-            else if (reader.isStartElement() && tag == QLatin1String("arg"))
-                (a.value(QLatin1String("direction")) == QLatin1String("out") && !member.startsWith(QLatin1String("signal")) ? outs : ins)
-                    << a.value(QLatin1String("type")).toString();
-            else if (reader.isStartElement() && QStringList{"method", "signal", "property"}.contains(tag))
-                member = tag + QLatin1Char(' ') + a.value(QLatin1String("name")).toString() + a.value(QLatin1String("type")).toString();
-            else if (reader.isEndElement() && QStringList{"method", "signal", "property"}.contains(tag)) {
-                out << QStringLiteral("%1(%2)->(%3)").arg(member, ins.join(QLatin1Char(',')), outs.join(QLatin1Char(',')));
-                ins.clear();
-                outs.clear();
+        const QString name = QStringLiteral("name"), arg = QStringLiteral("arg");
+        for (QDomElement i = doc.documentElement().firstChildElement(); !i.isNull(); i = i.nextSiblingElement()) {
+            for (QDomElement m = i.firstChildElement(); !m.isNull() && i.attribute(name) == QLatin1String(ScriptingService::InterfaceName); m = m.nextSiblingElement()) {
+                QStringList args[2]; // in, out
+                for (QDomElement a = m.firstChildElement(arg); !a.isNull(); a = a.nextSiblingElement(arg))
+                    args[a.attribute(QStringLiteral("direction")) == QLatin1String("out") && m.tagName() != QLatin1String("signal")] << a.attribute(QStringLiteral("type"));
+                out << QStringLiteral("%1 %2%3(%4)->(%5)").arg(m.tagName(), m.attribute(name), m.attribute(QStringLiteral("type")), args[0].join(QLatin1Char(',')),
+                                                               args[1].join(QLatin1Char(',')));
             }
         }
         out.sort();
