@@ -25,8 +25,7 @@ public Q_SLOTS:
     void record(const QDBusMessage &message) { append(message); }
 };
 
-// The real program on a private session bus, driven as a script would: over D-Bus and through
-// its own command line.
+// The real program on a private session bus, driven over D-Bus and through its command line.
 class ScriptingTest : public QObject
 {
     Q_OBJECT
@@ -45,14 +44,10 @@ private Q_SLOTS:
         // A program by its content: launched, it leaves its mark.
         QVERIFY(Test::writeFile(file("b.txt"), "#!/bin/sh\ntouch '" + file("launched").toUtf8() + "'\n", true));
     }
-    void cleanupTestCase()
-    {
-        stopInstance();
-    }
+    void cleanupTestCase() { stopInstance(); }
 
-    // The command line with no instance: list reads the saved list, add starts one in the
-    // background, and two adds at once lose no row (one instance, one writer); launch-all opens
-    // them now.
+    // With no instance, list reads the saved list and add starts one in the background; two adds
+    // at once start one instance and lose no row.
     void commandLineStartsTheInstance()
     {
         QCOMPARE(cli({QStringLiteral("list")}).first, 0);
@@ -69,7 +64,6 @@ private Q_SLOTS:
         QStringList paths{items.at(0).path, items.at(1).path};
         paths.sort();
         QCOMPARE(paths, (QStringList{file("a.txt"), file("b.txt")}));
-        // launch-all opens every item now, whatever its date.
         QCOMPARE(cli({QStringLiteral("launch-all")}).first, 0);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(file("launched")), 10'000);
         // Saved at quit; then read back without an instance, read-only.
@@ -107,8 +101,7 @@ private Q_SLOTS:
         QVERIFY2(QString::fromUtf8(out).contains(says), out.constData());
     }
 
-    // What a script sees: each method, the Running property's changes and Launched at the
-    // time an item opens.
+    // Each method, the Running property's changes and Launched when an item opens.
     void methodsPropertyAndSignal()
     {
         ensureInstance();
@@ -191,8 +184,7 @@ private Q_SLOTS:
         QCOMPARE(members(live.value().toUtf8()), members(installed.readAll()));
     }
 
-    // What a person types after --at, read against a fixed local "now" (Monday 2026-11-23
-    // 13:40:20.500 in Berlin).
+    // What a person types after --at, against a local "now" of 2026-11-23 13:40:20.500 in Berlin.
     void launchTimeText_data()
     {
         QTest::addColumn<QString>("text");

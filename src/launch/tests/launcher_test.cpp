@@ -18,10 +18,7 @@ class LauncherTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        setLogSink([this](const QString &line) { m_log << line; });
-    }
+    void initTestCase() { setLogSink([this](const QString &line) { m_log << line; }); }
     void init()
     {
         m_prefs.setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
