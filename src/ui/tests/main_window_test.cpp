@@ -58,8 +58,8 @@ private Q_SLOTS:
         m_schedule.reset();
     }
 
-    // The picker shows the current row's date and writes a picked one to every selected row, in
-    // whole seconds (07:00:00 means 07:00:00.000); showing a date writes nothing.
+    // The picker shows the current row's date and writes a picked one, in whole seconds, to every
+    // selected row; showing a date writes nothing.
     void pickerFollowsTheSelection()
     {
         select({1});
@@ -82,8 +82,7 @@ private Q_SLOTS:
         QCOMPARE(m_window->datePicker()->dateTime(), at(7000));
     }
 
-    // The picker writes dates as the user's locale does, like the table, zone included; typed as
-    // people type them, a separator after a filled-up field does not skip the next.
+    // Dates as the user's locale writes them; a separator typed after a filled-up field does not skip the next.
     void pickerFollowsTheLocale_data()
     {
         QTest::addColumn<QLocale>("locale");
@@ -122,12 +121,18 @@ private Q_SLOTS:
         QCOMPARE(picker->dateTime(), typed);
     }
 
-    // Now sets the schedule's present; the calendar picks a day and keeps the time of day.
-    void nowAndCalendarSetTheSelectedRows()
+    // The window counts the selection; Now sets the schedule's present; the calendar picks a day
+    // and keeps the time of day.
+    void dateWindowSetsTheSelectedRows()
     {
-        select({1});
         m_window->dateTimeClicked();
         QWidget *dateWindow = m_window->calendarClockWindow();
+        auto *label = dateWindow->findChild<QLabel *>(QStringLiteral("selectionLabel"));
+        select({0, 1, 2});
+        QCOMPARE(label->text(), QStringLiteral("Launch date and time of 3 selected items:"));
+        m_window->fileTable()->selectionModel()->clearSelection();
+        QVERIFY(label->text().contains(QLatin1String("changes nothing")));
+        select({1});
         QVERIFY(QTest::qWaitForWindowExposed(dateWindow));
         m_clock->advance(1'500);
         QTest::mouseClick(dateWindow->findChild<QPushButton *>(QStringLiteral("nowButton")), Qt::LeftButton);
@@ -141,22 +146,6 @@ private Q_SLOTS:
         QVERIFY(!popup->isVisible());
         QCOMPARE(m_schedule->dates().at(1), at(1).addDays(1));
         QCOMPARE(m_schedule->dates().at(0), at(100));
-    }
-
-    void dateWindowCountsTheSelection()
-    {
-        auto *label = m_window->calendarClockWindow()->findChild<QLabel *>(QStringLiteral("selectionLabel"));
-        select({0, 1, 2});
-        QCOMPARE(label->text(), QStringLiteral("Launch date and time of 3 selected items:"));
-        m_window->fileTable()->selectionModel()->clearSelection();
-        QVERIFY(label->text().contains(QLatin1String("changes nothing")));
-        // The idle progress bar is hidden, not shown as an empty field.
-        auto *progress = m_window->findChild<QProgressBar *>(QStringLiteral("progress"));
-        QVERIFY(progress->isHidden());
-        m_window->showRunningState(true);
-        QVERIFY(!progress->isHidden());
-        m_window->showRunningState(false);
-        QVERIFY(progress->isHidden());
     }
 
     // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
@@ -183,8 +172,7 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/dropped", "/b", "/c"}));
     }
 
-    // Ctrl+Down moves the selected row; an undo puts back rows, dates and order, and the marks,
-    // timers and selection of the rows stay.
+    // Ctrl+Down moves the selected row; undo puts the order back with the rows' marks, timers and selection.
     void undoKeepsOpenedMarksAndSelection()
     {
         m_window->show();
@@ -216,8 +204,7 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(200));
     }
 
-    // Ctrl+Shift+Z and Ctrl+Y both redo, whatever the desktop's own key bindings (the suite runs
-    // this under X11 with GNOME's and KDE's too): a key bound twice would do nothing at all.
+    // Ctrl+Shift+Z and Ctrl+Y both redo under GNOME's and KDE's key bindings too: a key bound twice does nothing.
     void redoKeysWorkOnEveryDesktop()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral("Ambiguous shortcut")));
@@ -296,8 +283,7 @@ private Q_SLOTS:
         chooser->reject();
     }
 
-    // The default button looked the same focused or not, and the list outlined one cell's text.
-    // Also run at 150 %.
+    // The default button looked the same focused or not, and the list outlined one cell's text. Also run at 150 %.
     void focusIsVisibleOnEveryControl()
     {
         m_window->resize(800, 420);
@@ -329,16 +315,20 @@ private Q_SLOTS:
         QVERIFY(hint->isHidden());
     }
 
+    // The idle progress bar is hidden, not shown as an empty field.
     void runningStateShowsInTheControls()
     {
+        auto *progress = m_window->findChild<QProgressBar *>(QStringLiteral("progress"));
+        QVERIFY(progress->isHidden());
         m_schedule->startStopButtonClicked();
+        QVERIFY(!progress->isHidden());
         QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Stop"));
         QCOMPARE(m_window->stopStartButton()->accessibleName(), QStringLiteral("Stop")); // what a screen reader says
         QVERIFY(!m_window->clearButton()->isEnabled());
         QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Time to Launch"));
         m_schedule->startStopButtonClicked();
         QCOMPARE(m_window->stopStartButton()->text(), QStringLiteral("Start"));
-        QVERIFY(m_window->clearButton()->isEnabled());
+        QVERIFY(m_window->clearButton()->isEnabled() && progress->isHidden());
         QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Location"));
         // Stopped by itself, when every item was moved into the past: the status bar says so.
         m_schedule->startTimers(true);
