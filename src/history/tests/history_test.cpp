@@ -1,7 +1,6 @@
 #include "FakeClock.h"
 #include "FileName.h"
 #include "History.h"
-#include "Log.h"
 #include "TestSupport.h"
 
 #include <QSqlDatabase>
@@ -21,11 +20,7 @@ class HistoryTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void init()
-    {
-        m_log.clear();
-        setLogSink([this](const QString &line) { m_log << line; });
-    }
+    void init() { m_log.clear(); }
 
     void recordsOneTurnInOneGo()
     {
@@ -129,7 +124,7 @@ private:
         return n.isValid() ? n.toInt() : -1;
     }
 
-    QStringList m_log;
+    Test::CapturedLog m_log;
 };
 
 QTEST_GUILESS_MAIN(HistoryTest)

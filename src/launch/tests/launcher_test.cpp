@@ -1,7 +1,6 @@
 #include "FakeScriptRunner.h"
 #include "FakeWorkspace.h"
 #include "Launcher.h"
-#include "Log.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
@@ -18,7 +17,6 @@ class LauncherTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { setLogSink([this](const QString &line) { m_log << line; }); }
     void init()
     {
         m_prefs.setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
@@ -206,7 +204,7 @@ private:
     FakeScriptRunner m_scripts;
     std::unique_ptr<Launcher> m_launcher;
     QList<Mail> m_mails;
-    QStringList m_log;
+    Test::CapturedLog m_log;
 };
 
 QTEST_GUILESS_MAIN(LauncherTest)

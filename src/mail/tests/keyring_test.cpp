@@ -1,5 +1,4 @@
 #include "KeychainSecretStore.h"
-#include "Log.h"
 #include "MailPassword.h"
 #include "MailTestSupport.h"
 #include "SettingsKeys.h"
@@ -25,7 +24,6 @@ private Q_SLOTS:
     {
         // One store for the whole run: QtKeychain's jobs must outlive the calls under way.
         m_store = std::make_unique<KeychainSecretStore>(QStringLiteral("org.quillon.Quillon.test"));
-        setLogSink([this](const QString &line) { m_log << line; });
     }
     void init()
     {
@@ -101,7 +99,7 @@ private:
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
     std::unique_ptr<KeychainSecretStore> m_store;
-    QStringList m_log;
+    Test::CapturedLog m_log;
 };
 
 QTEST_GUILESS_MAIN(KeyringTest)

@@ -1,4 +1,3 @@
-#include "Log.h"
 #include "MailTestSupport.h"
 #include "SettingsKeys.h"
 #include "SmtpSession.h"
@@ -25,11 +24,7 @@ class SmtpDeliveryTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(MailTest::makeCertificate(m_certs));
-        setLogSink([this](const QString &line) { m_log << line; });
-    }
+    void initTestCase() { QVERIFY(MailTest::makeCertificate(m_certs)); }
     void init()
     {
         m_log.clear();
@@ -307,7 +302,7 @@ private:
     QTemporaryDir m_certs;
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
-    QStringList m_log;
+    Test::CapturedLog m_log;
 };
 
 QTEST_GUILESS_MAIN(SmtpDeliveryTest)

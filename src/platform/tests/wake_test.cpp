@@ -1,7 +1,6 @@
 #include "DBusMock.h"
 #include "FakeClock.h"
 #include "FakeWakeAlarm.h"
-#include "Log.h"
 #include "LogindPowerService.h"
 #include "Preferences.h"
 #include "Schedule.h"
@@ -76,7 +75,6 @@ private Q_SLOTS:
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
         qputenv("DBUS_SESSION_BUS_ADDRESS", address);
         QVERIFY(QDBusConnection::sessionBus().isConnected());
-        setLogSink([this](const QString &line) { m_log << line; });
     }
     void init() { m_log.clear(); }
 
@@ -305,7 +303,7 @@ private:
     QTemporaryDir m_home;
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
-    QStringList m_log;
+    Test::CapturedLog m_log;
 };
 
 QTEST_GUILESS_MAIN(WakeTest)
