@@ -75,8 +75,7 @@ private Q_SLOTS:
         QCOMPARE(window->model()->rowCount(), 2);
     }
 
-    // Due while Quillon was off: missed once (not again at the next start), counted until the
-    // history is looked at, and opened late when the user asked for that.
+    // Due while Quillon was off: missed once, not again, counted until looked at, opened late if asked.
     void itemMissedWhileOffIsRecordedOnce_data()
     {
         QTest::addColumn<bool>("catchUp");
@@ -124,8 +123,7 @@ private Q_SLOTS:
         }
     }
 
-    // GNOME has no tray: a start at login shows the window minimised and closing minimises it, so
-    // that a running Quillon is never out of reach. Run offscreen, under X11 and on Wayland.
+    // GNOME has no tray: the window is shown and closed minimised, so a running Quillon stays in reach.
     void withoutATrayTheWindowStaysReachable()
     {
         if (QSystemTrayIcon::isSystemTrayAvailable())
@@ -242,8 +240,7 @@ private Q_SLOTS:
         alert->close();
     }
 
-    // With "remember" off the list does not come back, what is stored stays, and the file is not
-    // even rewritten (the window's state has a file of its own).
+    // With "remember" off the list does not come back, and its file is not even rewritten.
     void theListIsNotRememberedWhenNotAsked()
     {
         const QString item = m_config->filePath(QStringLiteral("item.txt"));

@@ -11,8 +11,7 @@ class InstanceTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    // One schedule per settings file, whatever the display; the second start hands over before it
-    // touches the settings. Without a private XDG_RUNTIME_DIR the lock goes into the settings folder.
+    // The second start hands over before touching the settings; no private runtime folder: the lock goes by the settings.
     void secondStartHandsOverAndLeavesTheSettingsAlone_data()
     {
         QTest::addColumn<QString>("runtime");

@@ -28,8 +28,7 @@ struct Notify
 };
 } // namespace
 
-// What the notification server is told, as dbusmock's notification daemon received it on a
-// private session bus, and an action sent back from it.
+// What dbusmock's notification daemon is told on a private session bus, and an action sent back.
 class NotificationsTest : public QObject
 {
     Q_OBJECT
@@ -73,8 +72,7 @@ private Q_SLOTS:
         // Open Now, clicked on that notification, opens what it names.
         QSignalSpy openNow(&notifier, &ProblemNotifier::openNowRequested);
         QSignalSpy history(&notifier, &ProblemNotifier::historyRequested);
-        // The server's id for it comes with the answer to Notify, which may still be on its way:
-        // a user clicks again.
+        // The server's id comes with Notify's answer, which may still be on its way: a user clicks again.
         const auto clickOpenNow = [&] {
             if (openNow.isEmpty())
                 emitAction(2, QStringLiteral("open-missed"));

@@ -67,10 +67,8 @@ private Q_SLOTS:
         QCOMPARE(Test::modeOf(conf), 0644u);
     }
 
-    // Quit when done: the last launch ends the program on its own, through the saving quit path.
-    // A slow script that is the last launch runs to its end and mails its result, the item due
-    // while it ran opens after it, and accented text arrives as the UTF-8 its header declares. A
-    // session the server left with nothing to do (a refused message) does not hold the quit.
+    // Quit when done: a slow last script runs to its end and mails its result, accented text as UTF-8,
+    // the item due meanwhile opens after it, and a refused message does not hold the quit.
     void quitWhenDoneFinishesWhatItStarted_data()
     {
         QTest::addColumn<bool>("refuse");

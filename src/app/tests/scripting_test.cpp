@@ -46,8 +46,7 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { stopInstance(); }
 
-    // With no instance, list reads the saved list and add starts one in the background; two adds
-    // at once start one instance and lose no row.
+    // Without an instance list reads the saved list; two adds at once start one instance and lose no row.
     void commandLineStartsTheInstance()
     {
         QCOMPARE(cli({QStringLiteral("list")}).first, 0);
@@ -219,8 +218,7 @@ private Q_SLOTS:
     }
 
 private:
-    // "method Add(as,x)->(i)" and so on, for the one interface; Qt calls a signal's arguments
-    // "out", the file gives them no direction.
+    // "method Add(as,x)->(i)" and so on; Qt calls a signal's arguments "out", the file gives none.
     static QStringList members(const QByteArray &xml)
     {
         QDomDocument doc;

@@ -23,8 +23,7 @@ using namespace Quillon;
 class TranslationTest : public QObject
 {
     Q_OBJECT
-    // Alt+letter of each menu title and each button of the list window: none may be claimed twice,
-    // or Alt cannot open that menu. Every menu entry can be reached from the keyboard.
+    // No Alt+letter of a menu or button is claimed twice, and every menu entry has a key.
     static void acceleratorsAreUnique()
     {
         TestSettings settings;

@@ -6,9 +6,7 @@
 
 using namespace Quillon;
 
-// The real program as a native Wayland client of a headless weston (run by with_weston.sh), as
-// on GNOME's default session: it starts and shows its window, fires an item, hands over to a
-// second start, and quits cleanly.
+// The real program as a native Wayland client of a headless weston (with_weston.sh), as on GNOME's default session.
 class WaylandTest : public QObject
 {
     Q_OBJECT
@@ -27,8 +25,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(Test::readFile(marker), QStringLiteral("fired\n"), 15'000);
         QCOMPARE(first.state(), QProcess::Running);
 
-        // The launcher's activation token goes to the first one, which asks to be activated with it
-        // (this weston offers no activation, so that the raise itself is not seen here).
+        // The token goes to the first start (this weston offers no activation, so the raise is not seen).
         QProcess second;
         start(second, "weston-launcher-token-1");
         QVERIFY(second.waitForFinished(15'000));
@@ -51,8 +48,7 @@ private:
             env.insert(QString::fromLatin1(name), qEnvironmentVariable(name)); // the compositor's, from with_weston.sh
         if (!activationToken.isEmpty())
             env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(activationToken));
-        // In the sanitizer build: Qt's Wayland plugin unloads client libraries at exit, and the
-        // leak checker then reports their allocations against an unknown module.
+        // Qt's Wayland plugin unloads client libraries whose allocations LeakSanitizer then reports.
         env.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});

@@ -13,9 +13,7 @@
 using namespace Quillon;
 using Kind = History::Kind;
 
-// The history in a real SQLite file: what is recorded is there after the turn, with its folder
-// and file private; a file that is damaged or held by another writer is set aside, and a place
-// where nothing can be written leaves Quillon working without it.
+// The history in a real SQLite file, and in files that cannot be used.
 class HistoryTest : public QObject
 {
     Q_OBJECT
@@ -101,8 +99,7 @@ private Q_SLOTS:
     }
 
 private:
-    // As another program would, through a connection of its own: the first value, if any; an
-    // opened file without the table counts no rows.
+    // The first value, through a connection of its own; an opened file without the table counts no rows.
     static QVariant query(const QString &file, const QString &sql)
     {
         QVariant value;

@@ -124,8 +124,7 @@ private Q_SLOTS:
         QCOMPARE(m_results, QStringList{QStringLiteral("finished")});
     }
 
-    // Quitting or the time limit ends the script and what it started, SIGTERM ignored or not; after
-    // the time limit the item waiting behind it opens.
+    // Quitting or the time limit ends the script and what it started, SIGTERM ignored or not.
     void quittingEndsTheScriptsProcessGroup_data()
     {
         QTest::addColumn<QByteArray>("prelude");

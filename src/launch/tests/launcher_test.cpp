@@ -157,9 +157,7 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.opened, (QStringList{"/doc", "/next"}));
     }
 
-    // A repeating script slower than its period: firings while it runs fold into one waiting run
-    // (a run the user asks for is never folded), Stop drops what the schedule queued, and the
-    // launcher says when it has nothing left to do.
+    // Firings during a slow run fold into one (a run the user asks for never does); Stop drops them.
     void repeatingScriptDoesNotPileUp()
     {
         m_scripts.hold = true;

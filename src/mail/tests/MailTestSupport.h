@@ -24,9 +24,7 @@ inline bool makeOneCertificate(const QTemporaryDir &dir, const QString &name, co
     return openssl.waitForFinished(60'000) && openssl.exitCode() == 0;
 }
 
-// Made once per test program; SSL_CERT_FILE then makes us trust them, as it would a private
-// authority. "cert" names 127.0.0.1, 127.0.0.2 and localhost as it should; "dnsonly" spells
-// 127.0.0.9 in its common name and a DNS entry only, which must not do for an address.
+// Trusted through SSL_CERT_FILE; "dnsonly" names 127.0.0.9 only as CN and DNS entry, which must not do for an address.
 inline bool makeCertificate(const QTemporaryDir &dir)
 {
     if (!makeOneCertificate(dir, QStringLiteral("cert"), QStringLiteral("/CN=127.0.0.1"), QStringLiteral("IP:127.0.0.1,IP:127.0.0.2,DNS:localhost"))

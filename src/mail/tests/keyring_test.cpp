@@ -14,8 +14,7 @@ const QString Old = QStringLiteral("old-p\u00e4ssword");
 const QString New = QStringLiteral("new-p\u00e4ssword");
 } // namespace
 
-// The mail password with a real GNOME Keyring on a private bus, and with no Secret Service at all
-// (QUILLON_NO_KEYRING set): nothing is lost either way, and no password reaches the log.
+// The mail password with a real GNOME Keyring, and with no Secret Service (QUILLON_NO_KEYRING).
 class KeyringTest : public QObject
 {
     Q_OBJECT
@@ -37,8 +36,7 @@ private Q_SLOTS:
             QVERIFY2(!line.contains(Old) && !line.contains(New), qPrintable(line));
     }
 
-    // A password in the settings file moves into the keyring, and a new one goes there directly;
-    // without a keyring the file keeps it and the log says why, once.
+    // Into the keyring from the settings file; without a keyring the file keeps it and the log says why, once.
     void passwordMovesIntoTheKeyringOrStaysInTheFile()
     {
         m_settings.writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");

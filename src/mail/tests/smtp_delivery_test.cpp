@@ -191,10 +191,8 @@ private Q_SLOTS:
         QVERIFY(!listener.waitForNewConnection(200));
     }
 
-    // A server broken or written to turn the client: each command gets the next scripted answer
-    // (the first one is the greeting; an empty one closes the connection). What the client sent is
-    // compared whole: nothing after a refusal, nothing in clear after STARTTLS, nothing from a
-    // pasted line break. A broken server ends its own session, once, and only that.
+    // Each command gets the next scripted answer (the first is the greeting, an empty one closes);
+    // a broken server ends its own session, once, and only that.
     void hostileServerGetsOnlyWhatItEarned_data()
     {
         QTest::addColumn<QString>("recipient");

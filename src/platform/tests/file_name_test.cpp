@@ -5,8 +5,7 @@
 
 using namespace Quillon;
 
-// File names are bytes: one that is not UTF-8 must come back byte for byte from text and from a
-// dropped URL.
+// File names are bytes: one that is not UTF-8 comes back byte for byte from text and from a URL.
 class FileNameTest : public QObject
 {
     Q_OBJECT

@@ -11,8 +11,7 @@
 
 using namespace Quillon;
 
-// On a filesystem that records no birth time (ext4 made with 128-byte inodes), a deleted item's
-// inode goes to the next new file: finding a moved item by its inode must not find that file.
+// Without birth times (ext4 with 128-byte inodes) a deleted item's inode goes to the next new file.
 class FileReferenceTest : public QObject
 {
     Q_OBJECT

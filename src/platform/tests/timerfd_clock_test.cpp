@@ -8,8 +8,7 @@
 
 using namespace Quillon;
 
-// The kernel timer itself: a resume must be told before anything fires, once whoever notices it
-// first, and a change of the wall clock must be reported.
+// A resume is told once, before anything fires, whoever notices it first; a set clock is reported.
 class TimerFdClockTest : public QObject
 {
     Q_OBJECT

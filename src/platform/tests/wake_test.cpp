@@ -61,8 +61,7 @@ QDBusMessage call(const QString &service, const QString &path, const QString &in
 }
 } // namespace
 
-// Sleep, wake and the ways of waking the machine, against mocked logind, KDE and systemd services
-// on a private D-Bus, and the real kernel alarm where the test may arm one.
+// Sleep and wake against mocked logind, KDE and systemd services, and the real kernel alarm.
 class WakeTest : public QObject
 {
     Q_OBJECT
@@ -109,8 +108,7 @@ private Q_SLOTS:
         QCOMPARE(m.alarm->requests, requests);
     }
 
-    // An item due while the machine slept is missed, and dropped as it always was; with the
-    // catch-up preference it opens once after the wake, and a daily one goes on from tomorrow.
+    // Due during sleep: missed and dropped, or opened once after the wake when asked, a daily one going on tomorrow.
     void itemsDueDuringSleepAreMissed_data()
     {
         QTest::addColumn<bool>("catchUp");

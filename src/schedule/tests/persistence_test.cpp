@@ -30,9 +30,7 @@ private Q_SLOTS:
         m_files = std::make_unique<QTemporaryDir>();
     }
 
-    // Read back by a new schedule: order, dates and the running flag. A deleted item drops out and,
-    // "Dates" being written whole, the items after it take the dates before them; a running list
-    // whose dates all passed comes back stopped, without an alert.
+    // A deleted item drops out and the next takes its date ("Dates" is written whole); all past: stopped, unalerted.
     void savedListComesBack_data()
     {
         QTest::addColumn<bool>("deleteMiddle");
@@ -78,9 +76,7 @@ private Q_SLOTS:
         QCOMPARE(alerts.count(), 0);
     }
 
-    // A list cleared by the user stays cleared: QSettings writes it as "@Invalid()", which the
-    // read-back after a save must not take for a failed write. No copy of the file (it holds the
-    // password) is made outside its folder meanwhile.
+    // Cleared stays cleared: the read-back must not take "@Invalid()" for a failed write. No copy goes outside the folder.
     void clearedListStaysCleared()
     {
         QTemporaryDir tmp;
@@ -160,9 +156,7 @@ private Q_SLOTS:
         QCOMPARE(FileReference::make(m_files->filePath(QStringLiteral("missing"))), QByteArray());
     }
 
-    // A file written by hand or by an older version, whatever its types: the list comes back as
-    // far as it can be read, a date that is not one becomes now, and the schedule comes back
-    // stopped (nothing can run) without an alert. TWO stands for two existing files.
+    // Read as far as it can be, a date that is not one as now, stopped and unalerted. TWO: two existing files.
     void handWrittenFileIsReadAsFarAsItCan_data()
     {
         QTest::addColumn<QByteArray>("ini");

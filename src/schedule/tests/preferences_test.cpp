@@ -114,8 +114,7 @@ private Q_SLOTS:
         QDir(m_settings.configDir()).remove(kept.first());
     }
 
-    // A date whose time-zone byte is damaged parses, but cannot be written back the same: it is
-    // left out of the working file (the kept copy still has it), and saves work again.
+    // A damaged time-zone byte parses but cannot be written back: left out, kept in the copy, saves go on.
     void unreadableDateIsLeftOut()
     {
         const QByteArray bad = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x7)";

@@ -43,8 +43,7 @@ int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
 }
 } // namespace
 
-// A settings file that Quillon cannot read, cannot write or that the disk cannot hold: the user's
-// file survives, and no mode is changed behind the user's back.
+// A settings file that cannot be read, written or held: the user's file survives, its mode unchanged.
 class SettingsFaultsTest : public QObject
 {
     Q_OBJECT
@@ -100,9 +99,7 @@ private Q_SLOTS:
         QCOMPARE(Test::modeOf(home.path()), 0700u);
     }
 
-    // Something else where a settings file or its lock should be: set aside with a log line (a FIFO
-    // would block for ever in open, a folder as lock would make every save wait for ever), and the
-    // list is saved. A link is kept, and the file it points to is written.
+    // A FIFO would block open for ever, a folder as lock every save: set aside with a log line, and the list is saved.
     void oddFilesInTheSettingsFolder_data()
     {
         QTest::addColumn<QString>("name");
@@ -134,8 +131,7 @@ private Q_SLOTS:
         QCOMPARE(QDir(dir).entryList({name + QStringLiteral(".unreadable-*")}, QDir::AllEntries | QDir::System).size(), 1);
     }
 
-    // A folder made by someone else with mode 0755: the settings file Quillon creates in it is
-    // never readable by others, not even for the instant before it is complete.
+    // In a folder of mode 0755 the new settings file is never readable by others, not even for an instant.
     void firstWriteIsNeverReadableByOthers()
     {
         if (::geteuid() != 0)

@@ -1,5 +1,4 @@
-// Starts and quits the way the application does with the saved list, adding one item: the
-// settings-file tests run it as another user, since root reads and writes files of any mode.
+// Starts and quits as the application does, adding one item; run as another user, since root ignores modes.
 #include "FakeClock.h"
 #include "Preferences.h"
 #include "Schedule.h"

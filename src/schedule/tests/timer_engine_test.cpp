@@ -259,9 +259,7 @@ private Q_SLOTS:
         QCOMPARE(power.wakes.size(), 1);
     }
 
-    // Before sleep: 15 s ahead of the earliest timer that is still armed and still to come; fired
-    // and cancelled timers do not count. (The plain case, no timer, a stopped schedule and sleep
-    // switched off are tried against logind in wake_test.)
+    // 15 s ahead of the earliest timer still armed and to come; fired and cancelled timers do not count.
     void sleepAsksForOneWake()
     {
         FakePowerService power;

@@ -30,8 +30,7 @@ inline bool framesIt(const QImage &with, const QImage &without, QSize expected)
 
 inline QSize focusedPart(QWidget *w)
 {
-    // In a list the focus is on the current row, in a tab bar on the current tab; a check box
-    // stretched by its layout shows it around what it draws.
+    // A list shows it on the current row, a tab bar on the tab, a stretched check box around what it draws.
     if (auto *view = qobject_cast<QAbstractItemView *>(w))
         return {view->viewport()->width(), view->visualRect(view->currentIndex()).height()};
     if (auto *tabs = qobject_cast<QTabBar *>(w))
@@ -40,8 +39,7 @@ inline QSize focusedPart(QWidget *w)
 }
 } // namespace detail
 
-// Walks the window's Tab chain with real key presses, grabbing each control focused and then
-// after focus moved on, and names those whose focus cannot be seen.
+// Tabs through the window with real keys and names the controls whose focus cannot be seen.
 inline QStringList controlsWithoutVisibleFocus(QWidget *window)
 {
     window->show();

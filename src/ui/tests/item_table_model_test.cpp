@@ -107,8 +107,7 @@ private Q_SLOTS:
         QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
     }
 
-    // Items firing in one turn are told to the views as the rows they are, once, at the end of the
-    // turn: a burst of launches must not redraw (and re-measure) the whole table at each one.
+    // Told as their rows, once, at the end of the turn: a burst must not redraw the whole table at each launch.
     void firingsUpdateOnlyTheirRows()
     {
         for (int i = 0; i < 6; ++i)

@@ -58,8 +58,7 @@ private Q_SLOTS:
         m_schedule.reset();
     }
 
-    // The picker shows the current row's date and writes a picked one, in whole seconds, to every
-    // selected row; showing a date writes nothing.
+    // Shows the current row's date, writes a picked one in whole seconds to every selected row.
     void pickerFollowsTheSelection()
     {
         select({1});
@@ -121,8 +120,7 @@ private Q_SLOTS:
         QCOMPARE(picker->dateTime(), typed);
     }
 
-    // The window counts the selection; Now sets the schedule's present; the calendar picks a day
-    // and keeps the time of day.
+    // Now sets the schedule's present; the calendar picks a day and keeps the time of day.
     void dateWindowSetsTheSelectedRows()
     {
         m_window->dateTimeClicked();

@@ -97,8 +97,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_prefs.intValue(Keys::ServerPort), 301);
     }
 
-    // What cannot go into an envelope is refused with its reason (typed, not saved); a line break
-    // pasted with an address is trimmed. A login without TLS says the password goes unencrypted.
+    // An address that cannot go into an envelope is refused with its reason; a login without TLS warns.
     void recipientAndPasswordSayWhatTheyWillDo()
     {
         m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 0}});
@@ -133,8 +132,7 @@ private Q_SLOTS:
         QVERIFY(inClear->isVisible());
     }
 
-    // Controls that cannot matter are disabled; the repeat count stops where 32 bits of seconds do,
-    // the port where the mail settings' check does.
+    // Controls that cannot matter are disabled; the repeat stops at 2^32 seconds, the port where mail's check does.
     void controlsFollowWhatTheyDependOn()
     {
         m_prefs.setValues({{Keys::SelectedAuthentication, 0}, {Keys::RepeatSeconds, 0}, {Keys::TimeUnit, 0}});
