@@ -3,6 +3,7 @@
 #include "Preferences.h"
 #include "SimpleSMTP.h"
 #include "StepQueue.h"
+#include "TestSupport.h"
 #include "TlsTrust.h"
 
 #include <QDeadlineTimer>
@@ -31,13 +32,10 @@ inline bool makeCertificate(const QTemporaryDir &dir)
         || !makeOneCertificate(dir, QStringLiteral("dnsonly"), QStringLiteral("/CN=127.0.0.9"), QStringLiteral("DNS:127.0.0.9")))
         return false;
     QFile::rename(dir.filePath(QStringLiteral("cert-key.pem")), dir.filePath(QStringLiteral("key.pem")));
-    QFile bundle(dir.filePath(QStringLiteral("trusted.pem")));
-    QFile a(dir.filePath(QStringLiteral("cert.pem"))), b(dir.filePath(QStringLiteral("dnsonly.pem")));
-    if (!bundle.open(QIODevice::WriteOnly) || !a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly))
+    const QString bundle = dir.filePath(QStringLiteral("trusted.pem"));
+    if (!Test::writeFile(bundle, (Test::readFile(dir.filePath(QStringLiteral("cert.pem"))) + Test::readFile(dir.filePath(QStringLiteral("dnsonly.pem")))).toUtf8()))
         return false;
-    bundle.write(a.readAll() + b.readAll());
-    bundle.close();
-    qputenv("SSL_CERT_FILE", bundle.fileName().toUtf8());
+    qputenv("SSL_CERT_FILE", bundle.toUtf8());
     trustCertificatesFromEnvironment();
     return true;
 }

@@ -16,12 +16,6 @@ using namespace Quillon;
 namespace {
 constexpr uid_t Nobody = 65534;
 
-QByteArray contents(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 const QStringList AsNobody{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")};
 
 // The probe saves a one-item list with its settings under home, as uid 65534 where asked; -1 if it hung.
@@ -90,7 +84,7 @@ private Q_SLOTS:
         for (QDirIterator it(dir, QDir::Files | QDir::Hidden); it.hasNext();) {
             const QString path = it.next();
             ::chmod(QFile::encodeName(path).constData(), 0600);
-            kept = kept || contents(path) == ini;
+            kept = kept || Test::readFile(path).toUtf8() == ini;
         }
         QVERIFY2(kept, qPrintable(log));
         struct stat after{};
@@ -197,8 +191,8 @@ sys.stdout.buffer.write(seen)
         const Test::CapturedLog log;
         Preferences prefs;
         prefs.setValues({{Keys::LoginPassword, QStringLiteral("secret")}, {Keys::Items, QVariantList{QByteArray(200, 'a')}}});
-        const QByteArray before = contents(prefs.fileName());
-        QVERIFY(before.contains("secret"));
+        const QString before = Test::readFile(prefs.fileName());
+        QVERIFY(before.contains(QLatin1String("secret")));
 
         // Leave less room than the new file needs.
         struct statvfs fs{};
@@ -211,7 +205,7 @@ sys.stdout.buffer.write(seen)
         for (int i = 0; i < 180; ++i)
             many << QByteArray(100, char('a' + i % 26));
         prefs.setValue(Keys::Items, many);
-        QCOMPARE(contents(prefs.fileName()), before);
+        QCOMPARE(Test::readFile(prefs.fileName()), before);
         const QString said = log.join(QLatin1Char('\n'));
         QVERIFY2(said.contains(QLatin1String("Could not write the settings file %1").arg(throughLink ? real : prefs.fileName())), qPrintable(said));
         QCOMPARE(QFileInfo(prefs.fileName()).isSymLink(), throughLink);

@@ -40,27 +40,25 @@ private Q_SLOTS:
         m_schedule.reset();
     }
 
-    void iconPath_data()
+    // The icon of something inside a bundle is the outermost bundle's.
+    void pathCells_data()
     {
         QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("iconPath");
-        QTest::newRow("plain file") << "/home/me/a.txt" << "/home/me/a.txt";
-        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x" << "/A.app";
+        QTest::newRow("plain file") << "/home/me/Documents/Report.txt" << "Report.txt" << "/home/me/Documents/Report.txt";
+        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x" << "x" << "/A.app";
     }
-    void iconPath()
+    void pathCells()
     {
         QFETCH(QString, path);
+        QFETCH(QString, name);
         QFETCH(QString, iconPath);
         m_schedule->addPath(path, 0);
         m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
         QCOMPARE(m_workspace.iconPaths.last(), iconPath);
-    }
-
-    void textCells()
-    {
-        m_schedule->addPath(QStringLiteral("/home/me/Documents/Report.txt"), 0);
-        QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), QStringLiteral("Report.txt"));
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("/home/me/Documents/Report.txt"));
+        QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), name);
+        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), path);
         QCOMPARE(m_model->cellValue(QStringLiteral("Launch Time"), 0).toString(), formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(Now)));
     }
 
