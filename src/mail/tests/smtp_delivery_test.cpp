@@ -3,6 +3,7 @@
 #include "SmtpSession.h"
 #include "TestSupport.h"
 
+#include <QJsonArray>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -40,14 +41,14 @@ private Q_SLOTS:
         QTest::addColumn<bool>("useSSL");
         QTest::addColumn<int>("mechanism");
         QTest::addColumn<QString>("password");
-        QTest::addColumn<QStringList>("log"); // after "Connecting..."; %1 the mechanisms
+        QTest::addColumn<QStringList>("log"); // after "Connecting..."; a line ending in * stands for any that begins with the rest
         QTest::addColumn<bool>("delivered");
         QTest::addColumn<QString>("alert");
         const QStringList auth{QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password};
         const QString sent = QStringLiteral("Sent!");
         const QString closing = QStringLiteral("Closing the connection.");
         const QString closed = QStringLiteral("Connection closed.");
-        const QString mechanisms = QStringLiteral("Available authentication mechanisms: %1");
+        const QString mechanisms = QStringLiteral("Available authentication mechanisms: *");
         const QString authDone = QStringLiteral("Authentication completed! Sending the message...");
         QTest::newRow("STARTTLS + CRAM-MD5") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} + auth << "127.0.0.1" << true << 3 << Password
                                          << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "";
@@ -110,10 +111,7 @@ private Q_SLOTS:
         else
             QTRY_COMPARE_WITH_TIMEOUT(controller.alerts.size(), 1, 20'000);
 
-        QStringList expected{QStringLiteral("Connecting to the %1 server...").arg(host)};
-        for (const QString &line : log)
-            expected << (line.contains(QLatin1String("%1")) ? line.arg(m_log.value(expected.size()).section(QLatin1String(": "), 1)) : line);
-        // A line ending in * stands for any line that begins with the rest.
+        QStringList expected = QStringList{QStringLiteral("Connecting to the %1 server...").arg(host)} + log;
         for (qsizetype i = 0; i < expected.size() && i < m_log.size(); ++i) {
             if (expected[i].endsWith(QLatin1Char('*')) && m_log[i].startsWith(expected[i].chopped(1)))
                 expected[i] = m_log[i];
@@ -128,17 +126,10 @@ private Q_SLOTS:
         QTRY_COMPARE(peer.messages().size(), delivered ? 1 : 0);
         if (!delivered)
             return;
-        const QJsonObject m = peer.messages().first();
-        QCOMPARE(m.value(QLatin1String("mail_from")).toString(), QStringLiteral("ann@example.org"));
-        QCOMPARE(m.value(QLatin1String("rcpt_tos")).toVariant().toStringList(), QStringList{"ann@example.org"});
-        QCOMPARE(m.value(QLatin1String("from")).toString(), QStringLiteral("ann@example.org"));
-        QCOMPARE(m.value(QLatin1String("to")).toString(), QStringLiteral("ann@example.org"));
-        QCOMPARE(m.value(QLatin1String("subject")).toString(), Subject);
-        QCOMPARE(m.value(QLatin1String("content_type")).toString(), QStringLiteral("text/plain"));
-        QCOMPARE(m.value(QLatin1String("charset")).toString(), QStringLiteral("utf-8"));
-        QCOMPARE(m.value(QLatin1String("transfer_encoding")).toString(), QStringLiteral("base64"));
-        QCOMPARE(m.value(QLatin1String("body")).toString(), Body);
-        QCOMPARE(m.value(QLatin1String("authenticated")).toBool(), mechanism > 0);
+        const QString ann = QStringLiteral("ann@example.org");
+        const QJsonObject sent{{"mail_from", ann}, {"rcpt_tos", QJsonArray{ann}}, {"from", ann}, {"to", ann}, {"subject", Subject}, {"content_type", "text/plain"},
+                               {"charset", "utf-8"}, {"transfer_encoding", "base64"}, {"body", Body}, {"authenticated", mechanism > 0}};
+        QVERIFY2(peer.messages().first() == sent, QJsonDocument(peer.messages().first()).toJson().constData());
     }
 
     void dataSectionIsDotStuffedWithCrlf_data()
