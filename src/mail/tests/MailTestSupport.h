@@ -17,12 +17,10 @@ namespace Quillon::MailTest {
 
 inline bool makeOneCertificate(const QTemporaryDir &dir, const QString &name, const QString &subject, const QString &altNames)
 {
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
-                   QStringLiteral("-keyout"), dir.filePath(name + QStringLiteral("-key.pem")), QStringLiteral("-out"), dir.filePath(name + QStringLiteral(".pem")),
-                   QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), subject, QStringLiteral("-addext"), QStringLiteral("subjectAltName=") + altNames});
-    return openssl.waitForFinished(60'000) && openssl.exitCode() == 0;
+    return Test::run(QStringLiteral("openssl"),
+                     {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
+                      QStringLiteral("-keyout"), dir.filePath(name + QStringLiteral("-key.pem")), QStringLiteral("-out"), dir.filePath(name + QStringLiteral(".pem")),
+                      QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), subject, QStringLiteral("-addext"), QStringLiteral("subjectAltName=") + altNames});
 }
 
 // Trusted through SSL_CERT_FILE; "dnsonly" names 127.0.0.9 only as CN and DNS entry, which must not do for an address.

@@ -51,6 +51,14 @@ inline QString readFile(const QString &path)
     return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
 }
 
+// Runs a program to its end: whether it exited with 0.
+inline bool run(const QString &program, const QStringList &arguments)
+{
+    QProcess p;
+    p.start(program, arguments);
+    return p.waitForFinished(60'000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+}
+
 // The real program's environment in a session of its own below home: settings, state, data (no
 // document handlers) and a private runtime folder; offscreen, with no display and no token.
 inline QProcessEnvironment sessionEnvironment(const QTemporaryDir &home)

@@ -1,9 +1,10 @@
+#include "FileName.h"
 #include "FileReference.h"
 #include "TestSupport.h"
 
-#include <QProcess>
 #include <QScopeGuard>
 #include <QTest>
+#include <QUrl>
 
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -11,39 +12,18 @@
 
 using namespace Quillon;
 
-// Without birth times (ext4 with 128-byte inodes) a deleted item's inode goes to the next new file.
+// A file's name and its reference bring back that file, and no other.
 class FileReferenceTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (::geteuid() != 0)
-            QSKIP("Needs root to mount a filesystem image and to create a file as another user.");
-        const QString image = m_dir.filePath(QStringLiteral("fs.img"));
-        QFile file(image);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024));
-        file.close();
-        QProcess mkfs;
-        mkfs.start(QStringLiteral("mkfs.ext4"), {QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image});
-        QVERIFY(mkfs.waitForFinished(30'000) && mkfs.exitCode() == 0);
-        m_mount = m_dir.filePath(QStringLiteral("mnt"));
-        QDir().mkpath(m_mount);
-        QProcess mount;
-        mount.start(QStringLiteral("mount"), {QStringLiteral("-o"), QStringLiteral("loop"), image, m_mount});
-        QVERIFY(mount.waitForFinished(30'000));
-        if (mount.exitCode() != 0)
-            QSKIP("Loop devices are not available here.");
-        m_mounted = true;
-        // Another user must be able to reach the shared folder.
-        ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755);
-    }
     void cleanupTestCase()
     {
-        if (m_mounted)
+        if (!m_mount.isEmpty())
             ::umount2(QFile::encodeName(m_mount).constData(), MNT_DETACH);
     }
 
+    // Without birth times (ext4 with 128-byte inodes) a deleted item's inode goes to the next new file.
     void onlyTheSameFileIsFoundAgain_data()
     {
         QTest::addColumn<QString>("after");   // what happens to docs/report.sh once it is referenced
@@ -56,6 +36,14 @@ private Q_SLOTS:
     {
         QFETCH(QString, after);
         QFETCH(bool, found);
+        if (::geteuid() != 0)
+            QSKIP("Needs root to mount a filesystem image and to create a file as another user.");
+        if (m_mount.isEmpty()) {
+            QVERIFY(makeImage());
+            if (!Test::run(QStringLiteral("mount"), {QStringLiteral("-o"), QStringLiteral("loop"), image(), m_dir.filePath(QStringLiteral("mnt"))}))
+                QSKIP("Loop devices are not available here.");
+            m_mount = m_dir.filePath(QStringLiteral("mnt"));
+        }
         const QString root = m_mount + QLatin1Char('/') + QString::fromLatin1(QTest::currentDataTag()).left(8).simplified().replace(QLatin1Char(' '), QLatin1Char('-'));
         QVERIFY(QDir().mkpath(root + QStringLiteral("/docs")) && QDir().mkpath(root + QStringLiteral("/kept")));
         const QString shared = root + QStringLiteral("/shared");
@@ -77,9 +65,7 @@ private Q_SLOTS:
             other = after == QLatin1String("nobody") ? shared + QStringLiteral("/evil.sh") : root + QStringLiteral("/kept/notes.txt");
             const QStringList as = after == QLatin1String("nobody") ? QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")}
                                                                    : QStringList{QStringLiteral("--reuid=0")};
-            QProcess create;
-            create.start(QStringLiteral("setpriv"), as + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("echo 'other things entirely' > '%1'").arg(other)});
-            QVERIFY(create.waitForFinished(10'000) && create.exitCode() == 0);
+            QVERIFY(Test::run(QStringLiteral("setpriv"), as + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("echo 'other things entirely' > '%1'").arg(other)}));
         }
         struct stat now{};
         ::stat(QFile::encodeName(other).constData(), &now);
@@ -87,10 +73,47 @@ private Q_SLOTS:
         QCOMPARE(FileReference::resolve(reference), found ? std::optional<QString>(other) : std::nullopt);
     }
 
+    // File names are bytes: one that is not UTF-8 comes back byte for byte from text and from a URL.
+    void bytesComeBackExactly_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("utf8");
+        QTest::newRow("ASCII") << QByteArray("/home/ann/notes.txt") << true;
+        QTest::newRow("UTF-8 with a 4-byte sequence") << QByteArray("/Gr\xc3\xbc\xc3\x9f\xc3\xa9 \xf0\x9f\x8e\xb5") << true;
+        QTest::newRow("Latin-1") << QByteArray("/home/ann/r\xe9sum\xe9.txt") << false;
+        QTest::newRow("a surrogate written as UTF-8") << QByteArray("/a\xed\xb2\x80z") << false;
+        QTest::newRow("overlong slash") << QByteArray("/a\xc0\xafz") << false;
+        QTest::newRow("cut-off sequence at the end") << QByteArray("/a\xe2\x82") << false;
+    }
+    void bytesComeBackExactly()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, utf8);
+        const QString text = FileName::decode(bytes);
+        QCOMPARE(FileName::encode(text), bytes);
+        if (utf8)
+            QCOMPARE(text, QString::fromUtf8(bytes));
+        // Shown as Qt would show it.
+        QCOMPARE(FileName::display(text), QString::fromUtf8(bytes));
+        QUrl url;
+        url.setPath(QString::fromLatin1(bytes.toPercentEncoding("/")), QUrl::TolerantMode);
+        url.setScheme(QStringLiteral("file"));
+        QCOMPARE(FileName::fromUrl(url), text);
+    }
+
 private:
+    QString image() const { return m_dir.filePath(QStringLiteral("fs.img")); }
+    bool makeImage()
+    {
+        QFile file(image());
+        // Another user must be able to reach the shared folder.
+        return file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024) && QDir().mkpath(m_dir.filePath(QStringLiteral("mnt")))
+               && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0
+               && Test::run(QStringLiteral("mkfs.ext4"), {QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image()});
+    }
+
     QTemporaryDir m_dir;
     QString m_mount;
-    bool m_mounted = false;
 };
 
 QTEST_GUILESS_MAIN(FileReferenceTest)

@@ -5,6 +5,7 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
+#include "TimerFdClock.h"
 #include "TestSupport.h"
 #include "WakeAlarms.h"
 
@@ -15,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
 #include <unistd.h>
 
 using namespace Quillon;
@@ -61,7 +63,7 @@ QDBusMessage call(const QString &service, const QString &path, const QString &in
 }
 } // namespace
 
-// Sleep and wake against mocked logind, KDE and systemd services, and the real kernel alarm.
+// Sleep and wake against mocked logind, KDE and systemd services, and the real kernel timer and alarm.
 class WakeTest : public QObject
 {
     Q_OBJECT
@@ -245,6 +247,54 @@ private Q_SLOTS:
         QVERIFY2(calls.contains(QLatin1String("WakeSystem")) && calls.contains(QLatin1String("2027-01-15 07:00:00 UTC")), qPrintable(calls));
     }
 
+    // The kernel timer: a resume is told once, before anything fires, whoever notices it first.
+    void resumeIsToldOnceAndBeforeAnyFiring_data()
+    {
+        QTest::addColumn<bool>("loginNoticesFirst");
+        QTest::newRow("the timer notices") << false;
+        QTest::newRow("logind notices first") << true;
+    }
+    void resumeIsToldOnceAndBeforeAnyFiring()
+    {
+        QFETCH(bool, loginNoticesFirst);
+        qint64 slept = 0;
+        TimerFdClock clock([&slept] { return slept; });
+        QStringList events;
+        connect(&clock, &WallClock::resumed, this, [&] { events << QStringLiteral("resumed"); });
+        connect(&clock, &WallClock::expired, this, [&] { events << QStringLiteral("expired"); });
+
+        clock.aimAt(clock.nowMSecs() + 100);
+        slept += 60'000'000'000; // a minute asleep
+        if (loginNoticesFirst)
+            clock.checkForResume();
+        QTRY_VERIFY(!events.isEmpty());
+        QTest::qWait(200);
+        QCOMPARE(events.first(), QStringLiteral("resumed"));
+        QCOMPARE(events.count(QStringLiteral("resumed")), 1);
+        clock.checkForResume();
+        QCOMPARE(events.count(QStringLiteral("resumed")), 1);
+
+        // Awake again, the timer fires as before.
+        events.clear();
+        clock.aimAt(clock.nowMSecs() + 50);
+        QTRY_COMPARE(events, QStringList{QStringLiteral("expired")});
+    }
+
+    void settingTheClockIsReported()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Needs root (CAP_SYS_TIME) to set the wall clock.");
+        TimerFdClock clock;
+        QSignalSpy changed(&clock, &WallClock::clockChanged);
+        QSignalSpy expired(&clock, &WallClock::expired);
+        clock.aimAt(clock.nowMSecs() + 3600'000);
+        // Set to what it already reads: any setting of the clock cancels the timer.
+        timespec now{};
+        ::clock_gettime(CLOCK_REALTIME, &now);
+        QCOMPARE(::clock_settime(CLOCK_REALTIME, &now), 0);
+        QTRY_COMPARE(changed.count(), 1);
+        QCOMPARE(expired.count(), 0);
+    }
     // The real helper, as root (which holds CAP_WAKE_ALARM): an alarm timer armed for the time asked.
     void helperArmsAKernelWakeAlarm()
     {
