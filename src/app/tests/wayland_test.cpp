@@ -48,8 +48,6 @@ private:
             env.insert(QString::fromLatin1(name), qEnvironmentVariable(name)); // the compositor's, from with_weston.sh
         if (!activationToken.isEmpty())
             env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(activationToken));
-        // Qt's Wayland plugin unloads client libraries whose allocations LeakSanitizer then reports.
-        env.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});
         QVERIFY(p.waitForStarted());

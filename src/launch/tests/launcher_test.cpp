@@ -5,7 +5,6 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Quillon;

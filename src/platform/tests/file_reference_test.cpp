@@ -2,7 +2,6 @@
 #include "FileReference.h"
 #include "TestSupport.h"
 
-#include <QScopeGuard>
 #include <QTest>
 #include <QUrl>
 

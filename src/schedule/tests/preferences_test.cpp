@@ -2,8 +2,6 @@
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
-#include <QScopeGuard>
-
 #include <QSet>
 #include <QTest>
 

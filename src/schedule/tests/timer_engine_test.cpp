@@ -18,13 +18,6 @@ using namespace Quillon;
 using Test::at;
 using Test::Now;
 
-namespace {
-int openDescriptors()
-{
-    return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size());
-}
-} // namespace
-
 class TimerEngineTest : public QObject
 {
     Q_OBJECT
@@ -298,7 +291,8 @@ private Q_SLOTS:
     {
         TimerFdClock real;
         Schedule schedule(m_prefs, real);
-        const int before = openDescriptors();
+        const auto openDescriptors = [] { return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size(); };
+        const qsizetype before = openDescriptors();
         QStringList paths;
         for (int i = 0; i < 100'000; ++i)
             paths << QStringLiteral("/item/%1").arg(i);
