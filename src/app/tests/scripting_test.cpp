@@ -11,19 +11,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <csignal>
 
 using namespace Quillon;
-
-// Signals as they come off the bus.
-class Recorder : public QObject, public QList<QDBusMessage>
-{
-    Q_OBJECT
-public Q_SLOTS:
-    void record(const QDBusMessage &message) { append(message); }
-};
 
 // The real program on a private session bus, driven over D-Bus and through its command line.
 class ScriptingTest : public QObject
@@ -116,21 +109,20 @@ private Q_SLOTS:
         QCOMPARE(items.at(before).date, soon);
         QCOMPARE(items.at(before + 1).date, soon + 3600);
 
-        Recorder launched, changed;
-        QVERIFY(m_bus->connect(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName),
-                               QStringLiteral("Launched"), &launched, SLOT(record(QDBusMessage))));
-        QVERIFY(m_bus->connect(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QStringLiteral("org.freedesktop.DBus.Properties"),
-                               QStringLiteral("PropertiesChanged"), &changed, SLOT(record(QDBusMessage))));
+        QDBusInterface properties(quillon.service(), quillon.path(), QStringLiteral("org.freedesktop.DBus.Properties"), *m_bus);
+        QSignalSpy launched(&quillon, SIGNAL(Launched(QString,qlonglong)));
+        QSignalSpy changed(&properties, SIGNAL(PropertiesChanged(QString,QVariantMap,QStringList)));
+        QVERIFY(launched.isValid() && changed.isValid());
         QCOMPARE(quillon.call(QStringLiteral("Start")).type(), QDBusMessage::ReplyMessage);
         QVERIFY(quillon.property("Running").toBool());
         QTRY_COMPARE_WITH_TIMEOUT(launched.size(), 1, 10'000);
-        QCOMPARE(launched.at(0).arguments().at(0).toString(), file("a.txt"));
-        QCOMPARE(launched.at(0).arguments().at(1).toLongLong(), soon);
+        QCOMPARE(launched.at(0).at(0).toString(), file("a.txt"));
+        QCOMPARE(launched.at(0).at(1).toLongLong(), soon);
         QVERIFY(list().at(before).fired);
         QCOMPARE(quillon.call(QStringLiteral("Stop")).type(), QDBusMessage::ReplyMessage);
         QTRY_COMPARE(changed.size(), 2);
-        QCOMPARE(qdbus_cast<QVariantMap>(changed.at(0).arguments().at(1)).value(QStringLiteral("Running")).toBool(), true);
-        QCOMPARE(qdbus_cast<QVariantMap>(changed.at(1).arguments().at(1)).value(QStringLiteral("Running")).toBool(), false);
+        QCOMPARE(changed.at(0).at(1).toMap().value(QStringLiteral("Running")).toBool(), true);
+        QCOMPARE(changed.at(1).at(1).toMap().value(QStringLiteral("Running")).toBool(), false);
         QCOMPARE(quillon.call(QStringLiteral("Remove"), QVariant::fromValue(QList<int>{before, before + 1})).type(), QDBusMessage::ReplyMessage);
         QCOMPARE(list().size(), before);
     }
