@@ -52,15 +52,12 @@ private Q_SLOTS:
         }
         QProcess second;
         start(second, session, runtime, QStringLiteral("wayland-2"), token);
-        QVERIFY(second.waitForFinished(10'000));
-        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(Test::endsCleanly(second));
         QCOMPARE(QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files), settingsBefore);
         QByteArray log;
         QTRY_VERIFY((log += first.readAllStandardError()).contains(said));
         QCOMPARE(log.contains("the instance lock is kept in"), lockFolder != runtime);
-        QCOMPARE(first.state(), QProcess::Running);
-        stop(first);
+        QVERIFY(Test::endsCleanly(first, SIGTERM));
     }
 
     void staleLockFromAKilledInstanceDoesNotBlock()
@@ -76,8 +73,7 @@ private Q_SLOTS:
         QProcess next;
         start(next, session);
         QVERIFY(!next.waitForFinished(3000));
-        QCOMPARE(next.state(), QProcess::Running);
-        stop(next);
+        QVERIFY(Test::endsCleanly(next, SIGTERM));
     }
 
     // The command line follows convention and never touches the display or the settings.
@@ -145,10 +141,7 @@ private Q_SLOTS:
         QCOMPARE(::poll(&opened, 1, 10'000), 1);
         if (!duringStartUp)
             QTest::qWait(1500);
-        ::kill(pid_t(app.processId()), signal);
-        QVERIFY(app.waitForFinished(10'000));
-        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(app.exitCode(), 0);
+        QVERIFY(Test::endsCleanly(app, signal));
 
         QSettings saved(conf, QSettings::IniFormat);
         const QVariantList items = saved.value(QStringLiteral("Items")).toList();
@@ -185,8 +178,7 @@ private Q_SLOTS:
                     "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n"));
         QProcess app;
         start(app, home);
-        QVERIFY(app.waitForFinished(40'000));
-        QCOMPARE(app.exitCode(), 0);
+        QVERIFY(Test::endsCleanly(app, 0, 40'000));
         const QString log = QString::fromUtf8(app.readAllStandardError());
         QVERIFY2(!log.contains(QLatin1String("ended before it finished")) && !log.contains(QLatin1String("not started"))
                      && !log.contains(QLatin1String("did not finish in time")), qPrintable(log));
@@ -225,12 +217,6 @@ private:
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});
         QVERIFY(p.waitForStarted());
-    }
-    static void stop(QProcess &p)
-    {
-        ::kill(pid_t(p.processId()), SIGTERM);
-        QVERIFY(p.waitForFinished(10'000));
-        QCOMPARE(p.exitCode(), 0);
     }
 };
 

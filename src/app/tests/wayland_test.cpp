@@ -28,16 +28,13 @@ private Q_SLOTS:
         // The token goes to the first start (this weston offers no activation, so the raise is not seen).
         QProcess second;
         start(second, "weston-launcher-token-1");
-        QVERIFY(second.waitForFinished(15'000));
-        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(Test::endsCleanly(second));
         QByteArray log;
         QTRY_VERIFY_WITH_TIMEOUT((log += first.readAllStandardError()).contains("Another start asked for the window, with an activation token."), 10'000);
         // A native Wayland client, not a fallback: Qt says nothing of a missing plugin or display.
         QVERIFY2(!log.contains("qt.qpa") && !log.contains("Could not"), log.constData());
 
-        ::kill(pid_t(first.processId()), SIGTERM);
-        QVERIFY(first.waitForFinished(15'000));
-        QCOMPARE(first.exitCode(), 0);
+        QVERIFY(Test::endsCleanly(first, SIGTERM));
     }
 
 private:

@@ -11,6 +11,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -57,6 +58,14 @@ inline bool run(const QString &program, const QStringList &arguments)
     QProcess p;
     p.start(program, arguments);
     return p.waitForFinished(60'000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+}
+
+// Sends the signal (none: waits for an end of its own), then whether the program ended cleanly, with 0.
+inline bool endsCleanly(QProcess &p, int signal = 0, int msecs = 15'000)
+{
+    if (signal)
+        ::kill(pid_t(p.processId()), signal);
+    return p.waitForFinished(msecs) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
 }
 
 // The real program's environment in a session of its own below home: settings, state, data (no
