@@ -26,8 +26,7 @@ private Q_SLOTS:
     }
     void init()
     {
-        QFile::remove(m_settings.file());
-        m_prefs.synchronize();
+        m_settings.clear(m_prefs);
         m_log.clear();
     }
     void cleanup()

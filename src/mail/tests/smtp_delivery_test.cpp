@@ -29,8 +29,7 @@ private Q_SLOTS:
     void init()
     {
         m_log.clear();
-        QFile::remove(m_settings.file());
-        m_prefs.synchronize();
+        m_settings.clear(m_prefs);
     }
     void cleanup() { QVERIFY(m_log.filter(Password).isEmpty()); }
 

@@ -145,6 +145,12 @@ public:
     TestSettings() { qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8()); }
     QString configDir() const { return m_dir.path() + QStringLiteral("/Quillon"); }
     QString file() const { return configDir() + QStringLiteral("/Quillon.conf"); }
+    // Back to no file at all, and the preferences told so.
+    void clear(auto &preferences) const
+    {
+        QFile::remove(file());
+        preferences.synchronize();
+    }
     // Another process's view of the file: written at once, without our cache.
     void writeRaw(const QByteArray &ini) const
     {

@@ -25,8 +25,7 @@ class PersistenceTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        QFile::remove(m_settings.file());
-        m_prefs.synchronize();
+        m_settings.clear(m_prefs);
         m_files = std::make_unique<QTemporaryDir>();
     }
 

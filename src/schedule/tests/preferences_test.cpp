@@ -16,11 +16,7 @@ class PreferencesTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void init()
-    {
-        QFile::remove(m_settings.file());
-        m_p.synchronize();
-    }
+    void init() { m_settings.clear(m_p); }
 
     void storedBooleans_data()
     {

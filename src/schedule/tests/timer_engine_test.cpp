@@ -24,8 +24,7 @@ class TimerEngineTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        QFile::remove(m_settings.file());
-        m_prefs.synchronize();
+        m_settings.clear(m_prefs);
         m_clock = std::make_unique<FakeClock>(Now);
         m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
         m_schedule->createArrays();

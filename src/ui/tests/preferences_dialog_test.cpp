@@ -40,7 +40,8 @@ private Q_SLOTS:
         }
     }
 
-    // A fresh user sees the defaults of absent keys; each control writes the type readers expect.
+    // A fresh user sees the defaults of absent keys, controls that cannot matter disabled; each
+    // control writes the type readers expect, the repeat up to 2^32 seconds, the port up to mail's limit.
     void controlsWriteTypedValues()
     {
         PreferencesDialog dialog(m_prefs);
@@ -48,19 +49,28 @@ private Q_SLOTS:
         QVERIFY(control<QCheckBox>(dialog, Keys::RememberItems)->isChecked());
         QVERIFY(!control<QCheckBox>(dialog, Keys::AddFolderFilesRecursively)->isEnabled());
         QCOMPARE(control<QComboBox>(dialog, Keys::SelectedAuthentication)->currentText(), QStringLiteral("None"));
-        QCOMPARE(control<QLineEdit>(dialog, Keys::LoginPassword)->echoMode(), QLineEdit::Password);
+        QLineEdit *password = control<QLineEdit>(dialog, Keys::LoginPassword);
+        QCOMPARE(password->echoMode(), QLineEdit::Password);
+        QVERIFY(!password->isEnabled() && !control<QLineEdit>(dialog, Keys::LoginUsername)->isEnabled());
+        auto *unit = control<QComboBox>(dialog, Keys::TimeUnit);
+        QVERIFY(!unit->isEnabled());
         control<QCheckBox>(dialog, Keys::RememberItems)->setChecked(false);
         control<QCheckBox>(dialog, Keys::AddFolderFiles)->setChecked(true);
         QVERIFY(control<QCheckBox>(dialog, Keys::AddFolderFilesRecursively)->isEnabled());
-        control<QSpinBox>(dialog, Keys::RepeatSeconds)->setValue(2);
-        control<QComboBox>(dialog, Keys::TimeUnit)->activated(2);
-        control<QComboBox>(dialog, Keys::SelectedAuthentication)->activated(3);
-        control<QSpinBox>(dialog, Keys::ServerPort)->setValue(587);
+        auto *count = control<QSpinBox>(dialog, Keys::RepeatSeconds);
+        count->setValue(2);
+        QVERIFY(unit->isEnabled());
+        unit->activated(2);
+        auto *login = control<QComboBox>(dialog, Keys::SelectedAuthentication);
+        login->setCurrentIndex(3);
+        login->activated(3);
+        QVERIFY(password->isEnabled());
+        auto *port = control<QSpinBox>(dialog, Keys::ServerPort);
+        port->setValue(587);
         auto *scriptLimit = control<QSpinBox>(dialog, Keys::ScriptTimeLimit);
         QCOMPARE(scriptLimit->value(), 10); // minutes, when the file says nothing
         scriptLimit->setValue(3);
         Q_EMIT scriptLimit->editingFinished();
-        QLineEdit *password = control<QLineEdit>(dialog, Keys::LoginPassword);
         password->setText(QStringLiteral("s3cret"));
         Q_EMIT password->editingFinished();
         QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
@@ -77,6 +87,15 @@ private Q_SLOTS:
         QCOMPARE(file.value(QStringLiteral("loginPassword")).toString(), QStringLiteral("s3cret"));
         QCOMPARE(test.count(), 1);
         QVERIFY(!m_prefs.rememberItems());
+
+        count->setValue(100'000);
+        unit->setCurrentIndex(3);
+        unit->activated(3);
+        QCOMPARE(count->value(), 49'710);
+        port->setValue(65535);
+        QCOMPARE(port->value(), 65365);
+        dialog.writePending();
+        QCOMPARE(m_prefs.intValue(Keys::RepeatSeconds), 49'710);
     }
 
     // Holding an arrow on a spin box is hundreds of steps: written once they stop, not at each.
@@ -130,33 +149,6 @@ private Q_SLOTS:
         QVERIFY(!inClear->isVisible());
         QTest::mouseClick(control<QCheckBox>(dialog, Keys::UseSSL), Qt::LeftButton);
         QVERIFY(inClear->isVisible());
-    }
-
-    // Controls that cannot matter are disabled; the repeat stops at 2^32 seconds, the port where mail's check does.
-    void controlsFollowWhatTheyDependOn()
-    {
-        m_prefs.setValues({{Keys::SelectedAuthentication, 0}, {Keys::RepeatSeconds, 0}, {Keys::TimeUnit, 0}});
-        PreferencesDialog dialog(m_prefs);
-        auto *login = control<QComboBox>(dialog, Keys::SelectedAuthentication);
-        QVERIFY(!control<QLineEdit>(dialog, Keys::LoginUsername)->isEnabled());
-        QVERIFY(!control<QLineEdit>(dialog, Keys::LoginPassword)->isEnabled());
-        login->setCurrentIndex(2);
-        login->activated(2);
-        QVERIFY(control<QLineEdit>(dialog, Keys::LoginPassword)->isEnabled());
-
-        auto *count = control<QSpinBox>(dialog, Keys::RepeatSeconds);
-        auto *unit = control<QComboBox>(dialog, Keys::TimeUnit);
-        QVERIFY(!unit->isEnabled());
-        count->setValue(100'000);
-        QVERIFY(unit->isEnabled());
-        unit->setCurrentIndex(3);
-        unit->activated(3);
-        QCOMPARE(count->value(), 49'710);
-        auto *port = control<QSpinBox>(dialog, Keys::ServerPort);
-        port->setValue(65535);
-        QCOMPARE(port->value(), 65365);
-        dialog.writePending();
-        QCOMPARE(m_prefs.intValue(Keys::RepeatSeconds), 49'710);
     }
 
     void startAtLoginWritesAndRemovesTheAutostartEntry()
