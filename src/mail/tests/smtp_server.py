@@ -43,18 +43,10 @@ class Handler:
             return "550 Refused: no thanks"
         if not args.quiet:
             msg = email.message_from_bytes(envelope.original_content or envelope.content, policy=email.policy.default)
-            print("MSG " + json.dumps({
-                "mail_from": envelope.mail_from,
-                "rcpt_tos": envelope.rcpt_tos,
-                "authenticated": bool(session.authenticated),
-                "from": str(msg["From"]),
-                "to": str(msg["To"]),
-                "subject": str(msg["Subject"]),
-                "content_type": msg.get_content_type(),
-                "charset": msg.get_content_charset(),
-                "transfer_encoding": str(msg["Content-Transfer-Encoding"]),
-                "body": msg.get_content(),
-            }), flush=True)
+            headers = {"from": "From", "to": "To", "subject": "Subject", "transfer_encoding": "Content-Transfer-Encoding"}
+            print("MSG " + json.dumps(dict({name: str(msg[header]) for name, header in headers.items()}, mail_from=envelope.mail_from,
+                                           rcpt_tos=envelope.rcpt_tos, authenticated=bool(session.authenticated), content_type=msg.get_content_type(),
+                                           charset=msg.get_content_charset(), body=msg.get_content())), flush=True)
         else:
             print("COUNT %d" % received, flush=True)
         return "250 OK"
