@@ -336,15 +336,10 @@ private Q_SLOTS:
         QFETCH(QString, outcome);
         QTemporaryDir certs;
         MailTest::Server server;
-        int port = 0;
-        if (serverUp) {
-            QVERIFY(server.start(certs, {}));
-            port = server.port;
-        } else {
-            QTcpServer closed;
-            QVERIFY(closed.listen(QHostAddress::LocalHost));
-            port = closed.serverPort();
-        }
+        QTcpServer closed;
+        QVERIFY(serverUp ? server.start(certs, {}) : closed.listen(QHostAddress::LocalHost));
+        const int port = serverUp ? server.port : closed.serverPort();
+        closed.close();
         start();
         m_controller->preferences().setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
                                                {Keys::ServerPort, port}});

@@ -29,8 +29,7 @@ private Q_SLOTS:
         qDBusRegisterMetaType<ListedItem>();
         qDBusRegisterMetaType<ListedItems>();
         QVERIFY(m_daemon.start());
-        m_address = m_daemon.address();
-        m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_address, QStringLiteral("test")));
+        m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_daemon.address(), QStringLiteral("test")));
         QVERIFY(m_bus->isConnected());
         for (const char *name : {"a.txt", "Grüße/c.txt"})
             QVERIFY(Test::writeFile(m_home.filePath(QString::fromUtf8(name)), "x"));
@@ -233,7 +232,7 @@ private:
     void startCli(QProcess &p, const QStringList &arguments) const
     {
         QProcessEnvironment env = Test::sessionEnvironment(m_home);
-        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
+        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_daemon.address());
         p.setProcessEnvironment(env);
         p.setProcessChannelMode(QProcess::MergedChannels);
         p.start(QStringLiteral(QUILLON_BINARY), arguments);
@@ -273,7 +272,6 @@ private:
 
     QTemporaryDir m_home;
     Test::PrivateBus m_daemon;
-    QString m_address;
     std::unique_ptr<QDBusConnection> m_bus;
 };
 

@@ -253,7 +253,6 @@ private Q_SLOTS:
         const QString path = m_home.filePath(QStringLiteral("failing/") + name);
         if (!contents.isEmpty())
             QVERIFY(Test::writeFile(path, contents, executable));
-        const Qt::HANDLE eventLoopThread = QThread::currentThreadId();
         Qt::HANDLE loggedFrom = nullptr;
         setLogSink([&](const QString &line) {
             m_log << line;
@@ -262,7 +261,7 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.openFile(path), accepted);
         QTRY_COMPARE(m_log.size(), 1);
         QVERIFY2(m_log.first().startsWith(QStringLiteral("Could not open %1").arg(path)) && m_log.first().contains(reason), qPrintable(m_log.first()));
-        QCOMPARE(loggedFrom, eventLoopThread);
+        QCOMPARE(loggedFrom, QThread::currentThreadId());
     }
 
     // The reaper sleeps while a program lives: it wakes when the child ends, not ten times a second.

@@ -53,9 +53,7 @@ private Q_SLOTS:
         QTest::addColumn<QList<Mail>>("mails");
         const auto text = ScriptDescriptor::fromText(QStringLiteral("done"));
         const auto list = ScriptDescriptor::fromList({ScriptDescriptor::fromText(QStringLiteral("a")), ScriptDescriptor::fromText(QStringLiteral("b"))});
-        ScriptDescriptor record;
-        record.type = ScriptDescriptor::Type::Record;
-        record.fields = {{QStringLiteral("k"), text}};
+        const ScriptDescriptor record{ScriptDescriptor::Type::Record, {}, {}, {{QStringLiteral("k"), text}}};
         const QString subject = QStringLiteral("Quillon Script Result");
         QTest::newRow("text, mailing on") << true << std::optional(text) << true << QList<Mail>{{"done", subject}};
         QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail>{};

@@ -27,8 +27,6 @@ namespace {
 const QString Logind = QStringLiteral("org.freedesktop.login1");
 const QString LogindPath = QStringLiteral("/org/freedesktop/login1");
 const QString LogindManager = QStringLiteral("org.freedesktop.login1.Manager");
-const QString MockInterface = QStringLiteral("org.freedesktop.DBus.Mock");
-
 
 // The power service on a fake alarm and a schedule on a fake clock, wired as the program wires them.
 struct Machine
@@ -338,7 +336,7 @@ private:
     }
     void emitPrepareForSleep(bool start)
     {
-        call(Logind, LogindPath, MockInterface, QStringLiteral("EmitSignal"),
+        call(Logind, LogindPath, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"),
              {LogindManager, QStringLiteral("PrepareForSleep"), QStringLiteral("b"), QVariant::fromValue(QVariantList{start})});
     }
     int inhibitors()

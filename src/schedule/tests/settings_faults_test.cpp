@@ -137,16 +137,13 @@ private Q_SLOTS:
             ::chmod(QFile::encodeName(p).constData(), 0755);
         QProcess reader;
         reader.start(QStringLiteral("setpriv"), AsNobody + QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
-import os, sys
+import contextlib, os, sys
 d, stop, seen = sys.argv[1], sys.argv[2], b''
 print('ready', flush=True)
 while not os.path.exists(stop):
     for name in os.listdir(d):
-        try:
-            with open(os.path.join(d, name), 'rb') as f:
-                seen += f.read()
-        except OSError:
-            pass
+        with contextlib.suppress(OSError), open(os.path.join(d, name), 'rb') as f:
+            seen += f.read()
 sys.stdout.buffer.write(seen)
 )"), dir, home.filePath(QStringLiteral("stop"))});
         QVERIFY(reader.waitForStarted());
