@@ -42,15 +42,12 @@ def labels(acc):
                     for i in range(r.getNTargets()))
 
 
-def wait_for(predicate, seconds=10):
+def child(parent, name, seconds=20):
     deadline = time.time() + seconds
-    while not (result := predicate()) and time.time() < deadline:
+    while not (found := next((c for c in (parent.getChildAtIndex(i) for i in range(parent.childCount)) if c and c.name == name), None)) \
+            and time.time() < deadline:
         time.sleep(0.1)
-    return result
-
-
-def child(parent, name):
-    return wait_for(lambda: next((c for c in (parent.getChildAtIndex(i) for i in range(parent.childCount)) if c and c.name == name), None), 20)
+    return found
 
 
 def window(app, title, what):

@@ -24,16 +24,9 @@ int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home);
     probe.setProcessEnvironment(env);
-    const QStringList command{QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")};
-    if (asNobody)
-        probe.start(QStringLiteral("setpriv"), AsNobody + command);
-    else
-        probe.start(command.first(), command.mid(1));
-    if (probe.waitForFinished(20'000))
-        return probe.exitCode();
-    probe.kill();
-    probe.waitForFinished();
-    return -1;
+    // setpriv with no options runs the program as it is.
+    probe.start(QStringLiteral("setpriv"), (asNobody ? AsNobody : QStringList()) + QStringList{QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")});
+    return probe.waitForFinished(20'000) ? probe.exitCode() : -1;
 }
 } // namespace
 
