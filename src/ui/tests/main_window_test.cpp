@@ -149,8 +149,7 @@ private Q_SLOTS:
     // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
     void dropOntoARowIsRefusedBetweenRowsTaken()
     {
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(shown());
         QWidget *viewport = m_window->fileTable()->viewport();
         const QRect row = m_window->fileTable()->visualRect(m_window->model()->index(1, ItemTableModel::NameColumn));
         QMimeData data;
@@ -206,8 +205,7 @@ private Q_SLOTS:
     void redoKeysWorkOnEveryDesktop()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral("Ambiguous shortcut")));
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(shown());
         // A bare X server has no window manager to activate the window; shortcuts need it active.
         QApplication::setActiveWindow(m_window.get());
         QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
@@ -228,8 +226,7 @@ private Q_SLOTS:
     // At 600 px the window works: nothing clipped; what does not fit is left to the menus.
     void narrowWindowClipsNoControl()
     {
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(shown());
         m_window->resize(600, 400);
         QTRY_COMPARE(m_window->width(), 600);
         QWidget *row = m_window->findChild<QWidget *>(QStringLiteral("buttonRow"));
@@ -258,8 +255,7 @@ private Q_SLOTS:
     {
         QTemporaryDir home;
         QVERIFY(Test::writeFile(home.filePath(QStringLiteral("inner/file.txt"))));
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(shown());
         m_window->browseButtonClicked();
         auto *chooser = m_window->findChild<QFileDialog *>(QStringLiteral("chooser"));
         QVERIFY(chooser);
@@ -340,6 +336,11 @@ private Q_SLOTS:
     }
 
 private:
+    bool shown()
+    {
+        m_window->show();
+        return QTest::qWaitForWindowExposed(m_window.get());
+    }
     void select(const QList<int> &rows, int current = -1)
     {
         QItemSelectionModel *sel = m_window->fileTable()->selectionModel();
