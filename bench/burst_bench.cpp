@@ -39,7 +39,7 @@ int main(int argc, char *argv[])
     Launcher launcher(prefs, workspace, scripts, [](const QString &, const QString &) {});
     Schedule schedule(prefs, clock);
     schedule.createArrays();
-    schedule.setLauncher([&](const QString &path) { launcher.launchItem(path); });
+    schedule.setLauncher([&](const QString &path, quint64 item) { launcher.launchItem(path, Launcher::Origin::Schedule, item); });
 
     const QString script = dir.filePath(QStringLiteral("long.scpt"));
     Test::writeFile(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);

@@ -53,7 +53,7 @@ int main(int argc, char *argv[])
         controller.preferences().setValue(Keys::RememberItems, false);
         controller.awakeFromNib();
         controller.applicationWillFinishLaunching();
-        controller.schedule().setLauncher([&](const QString &path) {
+        controller.schedule().setLauncher([&](const QString &path, quint64) {
             ++launched;
             lastLateMs = std::max(lastLateMs, double(QDateTime::currentMSecsSinceEpoch() - dueMSecs));
             controller.launchItem(path);

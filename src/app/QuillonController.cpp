@@ -59,7 +59,7 @@ void QuillonController::awakeFromNib()
     m_window->setupDatePickerControl();
     m_schedule.createArrays();
 
-    m_schedule.setLauncher([this](const QString &path) { launchItem(path); });
+    m_schedule.setLauncher([this](const QString &path, quint64 item) { m_launcher.launchItem(path, Launcher::Origin::Schedule, item); });
     connect(&m_schedule, &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
     connect(&m_schedule, &Schedule::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
     connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::quitWhenIdle, Qt::QueuedConnection);
@@ -102,7 +102,14 @@ void QuillonController::wireHistory()
         history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep"));
     });
     connect(&m_schedule, &Schedule::caughtUp, this, [this](const QString &path, const QDateTime &date) { m_late.insert(path, date); });
+    m_launcher.setLateReport([this](const QString &path, const QString &reason) { m_waitedBehindScript.insert(path, reason); });
     m_platform.workspace.setOutcomeHandler([this](const QString &path, const QString &how, const QString &failure) {
+        if (m_waitedBehindScript.contains(path)) {
+            const QString reason = m_waitedBehindScript.take(path);
+            m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, m_due.take(path),
+                              failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, reason) : failure);
+            return;
+        }
         if (m_late.contains(path)) {
             const QDateTime due = m_late.take(path);
             const qint64 minutes = due.secsTo(m_platform.clock.now()) / 60;

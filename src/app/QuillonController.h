@@ -123,6 +123,7 @@ private:
     // When each item now opening was due: what the launcher reports later belongs to that date.
     QHash<QString, QDateTime> m_due;
     QHash<QString, QDateTime> m_late;
+    QHash<QString, QString> m_waitedBehindScript;
     int m_unseenProblems = 0;
     QTimer *m_updateDisplayTimer = nullptr;
     QSystemTrayIcon *m_tray = nullptr;

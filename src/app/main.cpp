@@ -5,6 +5,7 @@
 #include "KeychainSecretStore.h"
 #include "Log.h"
 #include "LogindPowerService.h"
+#include "ProcessFamily.h"
 #include "QuillonController.h"
 #include "ScriptingService.h"
 #include "ShebangScriptRunner.h"
@@ -132,6 +133,11 @@ int main(int argc, char *argv[])
     LogindPowerService power({new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm});
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
+    // What a script leaves running when its parent ends comes back to us, to be ended at quit and
+    // reaped; so do programs that launchers double-fork, and the reaper takes those too.
+    if (!ProcessFamily::becomeSubreaper())
+        systemLog(QStringLiteral("Quillon could not become the reaper of what its scripts start; a script's orphans go to the system."));
+    OrphanReaper orphans;
     KeychainSecretStore secrets(QStringLiteral(QUILLON_APP_ID));
 
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come

@@ -16,6 +16,8 @@ Launcher::Launcher(Preferences &preferences, Workspace &workspace, ScriptRunner 
     , m_scripts(scripts)
     , m_sendMail(std::move(sendMail))
 {
+    m_waitTimer.setSingleShot(true);
+    QObject::connect(&m_waitTimer, &QTimer::timeout, [this] { openThoseThatWaited(); });
 }
 
 bool Launcher::isScriptPath(const QString &path)
@@ -28,18 +30,71 @@ bool Launcher::isScriptPath(const QString &path)
     return extension == QLatin1String("applescript") || extension == QLatin1String("scpt");
 }
 
-void Launcher::launchItem(const QString &path, Origin origin)
+namespace {
+// Why it failed, with what it said: "exit status 3, ran 0.0 s; output: …; errors: …".
+QString failureDetail(const ScriptRunner::Outcome &outcome, const QString &ran)
 {
-    // A repeating script that runs longer than its period would otherwise pile up a run per
-    // period without end; its firings collapse into the one run that already waits.
-    if (origin == Origin::Schedule && isScriptPath(path)) {
+    QString detail = outcome.problem + QStringLiteral(", ") + ran;
+    if (!outcome.firstOutput.isEmpty())
+        detail += QStringLiteral("; output: ") + outcome.firstOutput;
+    if (!outcome.firstErrors.isEmpty())
+        detail += QStringLiteral("; errors: ") + outcome.firstErrors;
+    return detail;
+}
+} // namespace
+
+void Launcher::launchItem(const QString &path, Origin origin, quint64 item)
+{
+    // A repeating item that comes round again while its last run still waits (behind a script
+    // that runs longer than the period) would pile up a run per period without end: its firings
+    // collapse into the one that waits. Only a row's own: the same file on two rows runs twice.
+    if (origin == Origin::Schedule && item != 0) {
         for (const Pending &pending : std::as_const(m_waiting)) {
-            if (pending.origin == Origin::Schedule && pending.path == path)
+            if (pending.origin == Origin::Schedule && pending.item == item)
                 return;
         }
     }
-    m_waiting.enqueue({path, origin});
+    m_waiting.enqueue({path, origin, item, std::chrono::steady_clock::now()});
     drain();
+}
+
+void Launcher::armWaitTimer()
+{
+    if (!m_scriptRunning || m_waitTimer.isActive())
+        return;
+    for (const Pending &pending : std::as_const(m_waiting)) {
+        if (isScriptPath(pending.path))
+            continue;
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(pending.queued + m_scriptWait - std::chrono::steady_clock::now());
+        m_waitTimer.start(std::max(left, std::chrono::milliseconds(0)));
+        return;
+    }
+}
+
+// Scripts keep their turn, one at a time; a document or program does not wait for ever behind a
+// script that still runs (a backup of two hours): it opens beside it, and the record says why late.
+void Launcher::openThoseThatWaited()
+{
+    if (!m_scriptRunning)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    const QString script = m_runningScript.section(QLatin1Char('/'), -1);
+    QList<Pending> ready;
+    m_waiting.removeIf([&](const Pending &pending) {
+        if (isScriptPath(pending.path) || now - pending.queued < m_scriptWait)
+            return false;
+        ready << pending;
+        return true;
+    });
+    for (const Pending &pending : std::as_const(ready)) {
+        const auto waited = std::chrono::duration_cast<std::chrono::seconds>(now - pending.queued);
+        const QString reason = QStringLiteral("waited %1 s for %2, which still runs").arg(waited.count()).arg(script);
+        systemLog(QStringLiteral("%1 opens now: it %2.").arg(pending.path, reason));
+        if (m_lateReport)
+            m_lateReport(pending.path, reason);
+        open(pending.path);
+    }
+    armWaitTimer();
 }
 
 void Launcher::dropScheduled()
@@ -66,7 +121,8 @@ void Launcher::drain()
             m_scriptRunning = true;
             m_runningScript = path;
             m_preferences.synchronize();
-            m_scripts.setTimeLimit(std::chrono::seconds(m_preferences.contains(Keys::ScriptTimeLimit) ? qMax(0, m_preferences.intValue(Keys::ScriptTimeLimit)) : 600));
+            // None unless the user sets one: a script runs to its end, as long as it takes.
+            m_scripts.setTimeLimit(std::chrono::seconds(qMax(0, m_preferences.intValue(Keys::ScriptTimeLimit))));
             m_scripts.start(path, [this, path](const ScriptRunner::Outcome &outcome) {
                 m_scriptRunning = false;
                 scriptFinished(path, outcome);
@@ -74,15 +130,21 @@ void Launcher::drain()
             });
             continue;
         }
-        m_workspace.openFile(path);
-        if (MailSettings(m_preferences).sendEmail())
-            m_sendMail(path, Texts::LaunchedSubject);
-        else
-            systemLog(Texts::EmailOff);
+        open(path);
     }
     m_draining = false;
+    armWaitTimer();
     if (isIdle() && m_whenIdle)
         std::exchange(m_whenIdle, {})();
+}
+
+void Launcher::open(const QString &path)
+{
+    m_workspace.openFile(path);
+    if (MailSettings(m_preferences).sendEmail())
+        m_sendMail(path, Texts::LaunchedSubject);
+    else
+        systemLog(Texts::EmailOff);
 }
 
 void Launcher::scriptFinished(const QString &path, const ScriptRunner::Outcome &outcome)
@@ -92,7 +154,7 @@ void Launcher::scriptFinished(const QString &path, const ScriptRunner::Outcome &
         if (!outcome.loaded)
             m_report(path, ScriptEnd::Failed, QStringLiteral("it could not be read, or names no interpreter"));
         else if (!outcome.result)
-            m_report(path, ScriptEnd::Failed, outcome.problem + QStringLiteral(", ") + ran);
+            m_report(path, ScriptEnd::Failed, failureDetail(outcome, ran));
         else
             m_report(path, ScriptEnd::Finished, ran + QStringLiteral(": ") + outcome.result->stringValue().value_or(QString()).left(200).simplified());
     }
@@ -125,11 +187,10 @@ QStringList Launcher::abandon(std::function<void()> stopped)
 {
     if (m_scriptRunning && m_report)
         m_report(m_runningScript, ScriptEnd::EndedByQuit, {});
-    if (m_scriptRunning)
-        m_scripts.stop(std::move(stopped));
-    else
-        stopped();
+    // Always asked: what finished scripts left running in the session is ended too.
+    m_scripts.stop(std::move(stopped));
     m_scriptRunning = false;
+    m_waitTimer.stop();
     QStringList waiting;
     for (const Pending &pending : std::as_const(m_waiting))
         waiting << pending.path;

@@ -5,6 +5,9 @@
 #include <QQueue>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
+
+#include <chrono>
 
 #include <functional>
 
@@ -26,8 +29,9 @@ public:
     // Who asked: a timer's firing, or the user (Launch All Now, Open Now).
     enum class Origin { Schedule, User };
     // Opens the item now, or, while a script runs, once the script and the items before it are done.
-    // A script the schedule fires again before its earlier run started is not queued twice.
-    void launchItem(const QString &path, Origin origin = Origin::Schedule);
+    // item: the row it belongs to (0 for none). A row the schedule fires again before its earlier
+    // run started is not queued twice; other rows of the same file each get their run.
+    void launchItem(const QString &path, Origin origin = Origin::Schedule, quint64 item = 0);
     // Every item, top row first, now; dates and timers stay as they are.
     void launchAllNow(const QStringList &paths);
     // A double click shows the row's file in the file manager; it never opens it.
@@ -37,6 +41,12 @@ public:
     enum class ScriptEnd { Finished, Failed, EndedByQuit };
     using ScriptReport = std::function<void(const QString &path, ScriptEnd end, const QString &detail)>;
     void setScriptReport(ScriptReport report) { m_report = std::move(report); }
+    // An item that waited behind a running script for longer than the wait limit opens beside it,
+    // late; reason says for what it waited ("waited 60 s for backup.sh, which still runs").
+    using LateReport = std::function<void(const QString &path, const QString &reason)>;
+    void setLateReport(LateReport report) { m_lateReport = std::move(report); }
+    // How long an item waits behind a running script before it opens beside it.
+    void setScriptWait(std::chrono::milliseconds wait) { m_scriptWait = wait; }
 
     // Exactly "applescript" or "scpt", case and all.
     static bool isScriptPath(const QString &path);
@@ -52,6 +62,10 @@ public:
 
 private:
     void drain();
+    void open(const QString &path);
+    // The items that waited long enough behind a script that still runs open now.
+    void openThoseThatWaited();
+    void armWaitTimer();
     void scriptFinished(const QString &path, const ScriptRunner::Outcome &outcome);
 
     Preferences &m_preferences;
@@ -62,12 +76,17 @@ private:
     {
         QString path;
         Origin origin;
+        quint64 item;
+        std::chrono::steady_clock::time_point queued;
     };
     QQueue<Pending> m_waiting;
     std::function<void()> m_whenIdle;
     bool m_scriptRunning = false;
     QString m_runningScript;
     ScriptReport m_report;
+    LateReport m_lateReport;
+    std::chrono::milliseconds m_scriptWait{std::chrono::minutes(1)};
+    QTimer m_waitTimer;
     bool m_draining = false;
 };
 

@@ -48,14 +48,18 @@ public:
         bool loaded = false;                       // false: the script could not be read or has no interpreter
         std::optional<ScriptDescriptor> result;    // none: the script failed while running
         QString problem;                           // why it failed, in words: "exit status 3"
+        // The first lines it printed and wrote to standard error (bounded): what tells why it failed.
+        QString firstOutput;
+        QString firstErrors;
         std::chrono::milliseconds ran{0};
     };
     using Done = std::function<void(const Outcome &)>;
     virtual ~ScriptRunner() = default;
     // done is called once, when the script has ended or could not start.
     virtual void start(const QString &path, Done done) = 0;
-    // At quit: ends a script that is still running (its done is not called) and calls stopped once
-    // it is gone, from the event loop; never waits on it.
+    // At quit: ends a script that is still running and what scripts started that is still in the
+    // session (its done is not called), and calls stopped once they are gone or could not be
+    // ended in a bounded time, from the event loop; never waits on them.
     virtual void stop(std::function<void()> stopped) { stopped(); }
     // For the scripts started from now on: how long one may run before it is ended (as quitting
     // ends it) and reported as failed; zero for no limit.

@@ -24,7 +24,8 @@ class Schedule final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Schedule)
 public:
-    using Launcher = std::function<void(const QString &path)>;
+    // The item's path and its row's identity: what a launch belongs to, whatever row it moves to.
+    using Launcher = std::function<void(const QString &path, quint64 item)>;
 
     Schedule(Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
     ~Schedule() override;

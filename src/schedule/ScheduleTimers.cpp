@@ -117,9 +117,9 @@ void Schedule::launch(const TimerSlot &timer)
 {
     // Told first: what the launcher reports about the opening belongs to this date.
     Q_EMIT launched(timer->path(), timer->fireDate());
-    if (m_launchItem)
-        m_launchItem(timer->path());
     const qsizetype k = slotOf(timer);
+    if (m_launchItem)
+        m_launchItem(timer->path(), k >= 0 ? idAt(int(k)) : 0);
 
     const qint64 period = repeatMSecs();
     if (period == 0) {
@@ -228,11 +228,17 @@ void Schedule::catchUp(QList<int> rows)
 {
     rows.removeIf([this](int row) { return row < 0 || row >= count() || row >= m_dates.size(); });
     std::stable_sort(rows.begin(), rows.end(), [this](int a, int b) { return m_dates.at(a) < m_dates.at(b); });
-    QList<std::pair<QString, QDateTime>> due;
+    struct Due
+    {
+        QString path;
+        QDateTime date;
+        quint64 item;
+    };
+    QList<Due> due;
     const qint64 nowMSecs = m_clock.nowMSecs();
     const qint64 period = repeatMSecs();
     for (int row : std::as_const(rows)) {
-        due.append({m_paths.at(row), m_dates.at(row)});
+        due.append({m_paths.at(row), m_dates.at(row), idAt(row)});
         // Once, not once per period missed: the series goes on from its next time after now.
         if (period > 0) {
             const qint64 due = m_dates.at(row).toMSecsSinceEpoch();
@@ -242,10 +248,10 @@ void Schedule::catchUp(QList<int> rows)
     }
     if (m_timersRunning)
         restartTimers();
-    for (const auto &[path, date] : std::as_const(due)) {
-        Q_EMIT caughtUp(path, date);
+    for (const Due &item : std::as_const(due)) {
+        Q_EMIT caughtUp(item.path, item.date);
         if (m_launchItem)
-            m_launchItem(path);
+            m_launchItem(item.path, item.item);
     }
 }
 

@@ -161,7 +161,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     scriptLimit->setRange(0, 24 * 60);
     scriptLimit->setSuffix(tr(" min"));
     scriptLimit->setSpecialValueText(tr("Never"));
-    scriptLimit->setValue(p.contains(Keys::ScriptTimeLimit) ? p.intValue(Keys::ScriptTimeLimit) / 60 : 10);
+    scriptLimit->setValue(p.intValue(Keys::ScriptTimeLimit) / 60);
     connect(scriptLimit, &QSpinBox::editingFinished, page, [&p, scriptLimit] { p.setValue(Keys::ScriptTimeLimit, scriptLimit->value() * 60); });
     form->addRow(tr("End a script after:"), scriptLimit);
     // Off by default: items whose time passed unseen are recorded, not opened, unless asked.

@@ -3,10 +3,12 @@
 #include "Launcher.h"
 #include "Log.h"
 #include "Preferences.h"
+#include "ProcessFamily.h"
 #include "SettingsKeys.h"
 #include "ShebangScriptRunner.h"
 #include "TestSupport.h"
 
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTest>
 #include <QThread>
@@ -124,44 +126,95 @@ private Q_SLOTS:
         QCOMPARE(m_results, QStringList{QStringLiteral("finished")});
     }
 
-    // Quitting or the time limit ends the script and what it started, SIGTERM ignored or not.
-    void quittingEndsTheScriptsProcessGroup_data()
+    // Quitting or the time limit ends the script and all it started that is still in the session,
+    // whatever process group either moved to, SIGTERM ignored or not; a daemon that started a
+    // session of its own stays. A limit due after the quit once fired on a dropped process.
+    void endingReachesAllTheScriptStarted_data()
     {
         QTest::addColumn<QByteArray>("prelude");
-        QTest::addColumn<bool>("timeLimit");
-        QTest::newRow("quit, obeys SIGTERM") << QByteArray() << false;
-        QTest::newRow("quit, ignores SIGTERM") << QByteArray("trap '' TERM\n") << false;
-        QTest::newRow("time limit") << QByteArray() << true;
+        QTest::addColumn<QByteArray>("child");  // left running in the background; writes its pid to PIDFILE once in place
+        QTest::addColumn<QByteArray>("rest");   // what the script does then
+        QTest::addColumn<int>("limit");         // s; 0 for none
+        QTest::addColumn<int>("quitAfter");     // ms; -1: no quit, the limit ends it
+        QTest::addColumn<bool>("childStays");
+        const QByteArray sleeper = "sh -c 'echo $$ > PIDFILE; exec sleep 300'";
+        const QByteArray ownGroup = "/usr/bin/python3 -c 'import os, time; os.setpgid(0, 0); open(\"PIDFILE\", \"w\").write(\"%d\\n\" % os.getpid()); time.sleep(300)'";
+        const QByteArray loop = "while :; do sleep 1; done";
+        const QByteArray joinOtherGroup = "exec /usr/bin/python3 -c 'import os, time; os.setpgid(0, os.getpgid(os.getppid())); time.sleep(300)'";
+        const QByteArray ignoreTerm = "trap '' TERM\n";
+        QTest::newRow("quit, obeys SIGTERM") << QByteArray() << sleeper << loop << 0 << 0 << false;
+        QTest::newRow("quit, ignores SIGTERM") << ignoreTerm << sleeper << loop << 0 << 0 << false;
+        QTest::newRow("quit, child in a group of its own") << QByteArray() << ownGroup << loop << 0 << 0 << false;
+        QTest::newRow("quit, script joined another group") << QByteArray() << sleeper << joinOtherGroup << 0 << 500 << false;
+        QTest::newRow("quit, child left the session") << QByteArray() << QByteArray("setsid " + sleeper) << loop << 0 << 0 << true;
+        QTest::newRow("time limit") << QByteArray() << sleeper << loop << 2 << -1 << false;
+        QTest::newRow("time limit, child in a group of its own") << QByteArray() << ownGroup << loop << 2 << -1 << false;
+        QTest::newRow("time limit, script joined another group") << QByteArray() << sleeper << joinOtherGroup << 2 << -1 << false;
+        QTest::newRow("quit before the limit, SIGTERM ignored") << ignoreTerm << sleeper << loop << 2 << 1000 << false;
     }
-    void quittingEndsTheScriptsProcessGroup()
+    void endingReachesAllTheScriptStarted()
     {
         QFETCH(QByteArray, prelude);
-        QFETCH(bool, timeLimit);
-        m_prefs->setValue(Keys::ScriptTimeLimit, timeLimit ? 2 : 0);
+        QFETCH(QByteArray, child);
+        QFETCH(QByteArray, rest);
+        QFETCH(int, limit);
+        QFETCH(int, quitAfter);
+        QFETCH(bool, childStays);
+        m_prefs->setValue(Keys::ScriptTimeLimit, limit);
         auto noLimit = qScopeGuard([this] { m_prefs->remove(Keys::ScriptTimeLimit); });
         const QString pidFile = m_home.filePath(QStringLiteral("child.pid"));
         QFile::remove(pidFile);
         const QString script = m_home.filePath(QStringLiteral("scripts/endless.scpt"));
-        QVERIFY(Test::writeFile(script, "#!/bin/sh\n" + prelude + "sleep 300 &\necho $! > '" + pidFile.toUtf8() + "'\nwhile :; do sleep 1; done\n"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\n" + prelude + QByteArray(child).replace("PIDFILE", pidFile.toUtf8()) + " &\n" + rest + "\n"));
         m_launcher->launchItem(script);
         QTRY_VERIFY(readFile(pidFile).endsWith(QLatin1Char('\n')));
-        const pid_t child = readFile(pidFile).trimmed().toInt();
-        QVERIFY(child > 0);
-        if (timeLimit) {
+        const pid_t childPid = readFile(pidFile).trimmed().toInt();
+        QVERIFY(childPid > 0);
+        auto cleanUp = qScopeGuard([childPid] { ::kill(childPid, SIGKILL); });
+        if (quitAfter < 0) {
             const QString after = m_home.filePath(QStringLiteral("tools/after"));
             QVERIFY(Test::writeFile(after, "#!/bin/sh\necho after >> '" + m_marker.toUtf8() + "'\n", true));
             m_launcher->launchItem(after);
             QTRY_COMPARE_WITH_TIMEOUT(readFile(m_marker), QStringLiteral("after\n"), 10'000);
-            QCOMPARE(m_log.filter(QStringLiteral("ran for more than 2 s and was ended")).size(), 1);
+            QVERIFY2(m_log.filter(QStringLiteral("ran for more than 2 s and was ended")).size() == 1, qPrintable(m_log.join('|')));
         } else {
+            QTest::qWait(quitAfter);
             bool stopped = false;
             QVERIFY(m_launcher->abandon([&stopped] { stopped = true; }).isEmpty());
             QVERIFY(!m_scripts.isRunning());
             QTRY_VERIFY_WITH_TIMEOUT(stopped, 10'000);
+            QCOMPARE(m_log.filter(QStringLiteral("was ended before it finished")).size(), 1);
+            // Past the limit the quit came before: nothing may fire on what is gone.
+            QTest::qWait(limit * 1000);
         }
         QVERIFY(!m_scripts.isRunning());
-        QTRY_VERIFY(!isAlive(child));
+        if (childStays) {
+            QTest::qWait(500);
+            QVERIFY(isAlive(childPid));
+        } else {
+            QTRY_VERIFY_WITH_TIMEOUT(!isAlive(childPid), 10'000);
+        }
         QVERIFY(m_results.isEmpty());
+    }
+
+    // A failure keeps what the script said; an orphan it leaves behind comes back to the
+    // subreaper and is reaped, while QProcess still gets its own child's true exit status.
+    void failedScriptSaysWhyAndLeavesNoZombie()
+    {
+        QVERIFY(ProcessFamily::becomeSubreaper());
+        OrphanReaper orphans;
+        QStringList reports;
+        m_launcher->setScriptReport([&reports](const QString &, Launcher::ScriptEnd, const QString &detail) { reports << detail; });
+        const QString script = m_home.filePath(QStringLiteral("scripts/fails.scpt"));
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\n(sleep 0.2) &\necho 'checking disk'\necho 'disk full' >&2\nexit 3\n"));
+        m_launcher->launchItem(script);
+        waitForScript();
+        m_launcher->setScriptReport({});
+        QCOMPARE(reports.size(), 1);
+        QVERIFY2(QRegularExpression(QStringLiteral("^exit status 3, ran 0\\.\\d s; output: checking disk; errors: disk full$")).match(reports.first()).hasMatch(),
+                 qPrintable(reports.first()));
+        QTest::qWait(300);
+        QTRY_VERIFY_WITH_TIMEOUT(!zombieChild(), 3000);
     }
 
     // As a file manager opens it; run bit or not, only a program by its content is started as one.

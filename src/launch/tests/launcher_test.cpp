@@ -70,7 +70,7 @@ private Q_SLOTS:
         QFETCH(bool, mailResults);
         QFETCH(QList<Mail>, mails);
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {loaded, result, {}, {}};
+        m_scripts.outcomes[path] = {loaded, result, {}, {}, {}, {}};
         // Launch notices are on, and must not matter for scripts.
         m_prefs.setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
         m_launcher->launchItem(path);
@@ -82,7 +82,7 @@ private Q_SLOTS:
     void scriptSettingIsReadFromTheFileAtEachRun()
     {
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}};
+        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}, {}, {}};
         m_launcher->launchItem(path);
         QVERIFY(m_mails.isEmpty());
         // Another writer (the preferences window of another instance) turns it on.
@@ -117,7 +117,7 @@ private Q_SLOTS:
     void launchAllNowGoesTopToBottom()
     {
         const QStringList paths = {QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c")};
-        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}};
+        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}, {}, {}};
         m_prefs.setValue(Keys::EmailScriptResults, true);
         m_prefs.setValue(Keys::SendEmail, true);
         m_launcher->launchAllNow(paths);
@@ -147,25 +147,64 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.opened, (QStringList{"/doc", "/next"}));
     }
 
-    // Firings during a slow run fold into one (a run the user asks for never does); Stop drops them.
-    void repeatingScriptDoesNotPileUp()
+    // A row fired again while its run still waits folds into it; other rows of the same file, and
+    // runs the user asks for, never do.
+    void firingsFoldPerRow_data()
+    {
+        QTest::addColumn<QList<quint64>>("rows"); // the row of each firing; the first runs at once
+        QTest::addColumn<int>("runs");
+        QTest::newRow("one repeating row, five firings") << QList<quint64>{1, 1, 1, 1, 1} << 2;
+        QTest::newRow("three rows of one script") << QList<quint64>{1, 2, 3} << 3;
+        QTest::newRow("two rows, each fired twice") << QList<quint64>{1, 2, 1, 2} << 3;
+    }
+    void firingsFoldPerRow()
+    {
+        QFETCH(QList<quint64>, rows);
+        QFETCH(int, runs);
+        m_scripts.hold = true;
+        for (quint64 row : rows)
+            m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, row);
+        m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
+        while (m_scripts.isRunning())
+            m_scripts.finishRunning();
+        QCOMPARE(m_scripts.ran.size(), runs + 1);
+    }
+
+    // Stop drops what the schedule queued, never what the user asked for; idle once all is done.
+    void stopDropsOnlyScheduledRuns()
     {
         m_scripts.hold = true;
-        for (int i = 0; i < 5; ++i)
-            m_launcher->launchItem(QStringLiteral("/slow.scpt"));
-        m_launcher->launchItem(QStringLiteral("/doc"));
+        m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, 1);
+        m_launcher->launchItem(QStringLiteral("/doc"), Launcher::Origin::Schedule, 2);
         m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
         bool idle = false;
         m_launcher->whenIdle([&idle] { idle = true; });
-        m_scripts.finishRunning();
-        QCOMPARE(m_scripts.ran, (QStringList{"/slow.scpt", "/slow.scpt"}));
         m_launcher->dropScheduled();
         m_scripts.finishRunning();
         QVERIFY(m_workspace.opened.isEmpty());
-        QCOMPARE(m_scripts.ran.size(), 3);
+        QCOMPARE(m_scripts.ran.size(), 2);
         QVERIFY(!idle);
         m_scripts.finishRunning();
         QVERIFY(idle);
+    }
+
+    // A script runs to its end unless the user set a limit (a backup of two hours is not killed);
+    // a document due behind it opens beside it after a bounded wait, late and saying why. Scripts
+    // keep their turn.
+    void documentsOpenBesideAScriptThatRunsOn()
+    {
+        m_scripts.hold = true;
+        m_launcher->setScriptWait(std::chrono::milliseconds(200));
+        QStringList late;
+        m_launcher->setLateReport([&late](const QString &path, const QString &reason) { late << path + QLatin1String(": ") + reason; });
+        m_launcher->launchAllNow({QStringLiteral("/b/backup.scpt"), QStringLiteral("/doc"), QStringLiteral("/next.scpt"), QStringLiteral("/doc2")});
+        QCOMPARE(m_scripts.limit, std::chrono::seconds(0));
+        QVERIFY(m_workspace.opened.isEmpty());
+        QTRY_COMPARE(m_workspace.opened, (QStringList{"/doc", "/doc2"}));
+        QCOMPARE(late, (QStringList{"/doc: waited 0 s for backup.scpt, which still runs", "/doc2: waited 0 s for backup.scpt, which still runs"}));
+        QCOMPARE(m_scripts.ran, QStringList{"/b/backup.scpt"});
+        m_scripts.finishRunning();
+        QCOMPARE(m_scripts.ran, (QStringList{"/b/backup.scpt", "/next.scpt"}));
     }
 
     void doubleClickRevealsAndNeverOpens_data()

@@ -28,6 +28,7 @@ public:
         m_running = {};
         done();
     }
+    void setTimeLimit(std::chrono::seconds limit) override { this->limit = limit; }
     bool isRunning() const { return bool(m_running.second); }
     void finishRunning()
     {
@@ -40,6 +41,7 @@ public:
     QStringList ran;
     QStringList stopped;
     bool hold = false;
+    std::chrono::seconds limit{-1};
 
 private:
     std::pair<QString, Done> m_running;

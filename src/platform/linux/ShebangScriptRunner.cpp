@@ -2,10 +2,12 @@
 
 #include "FileName.h"
 #include "Log.h"
+#include "ProcessFamily.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTimer>
@@ -19,7 +21,19 @@
 
 namespace Quillon {
 namespace {
-constexpr int StopGraceMSecs = 5000;
+// A record keeps this much of what a failed script printed: enough to tell why.
+constexpr int FirstLines = 5;
+constexpr int FirstChars = 500;
+
+QString firstLines(const QByteArray &bytes)
+{
+    QStringList lines = QString::fromUtf8(bytes.left(8 * FirstChars)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines = lines.mid(0, FirstLines);
+    QString text = lines.join(QLatin1Char('\n')).trimmed();
+    if (text.size() > FirstChars)
+        text = text.left(FirstChars) + QChar(0x2026);
+    return text;
+}
 
 // As the kernel reads a #! line: the interpreter, then at most one argument holding the rest.
 bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &arguments)
@@ -50,14 +64,29 @@ bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &
 
 ShebangScriptRunner::ShebangScriptRunner(QObject *parent)
     : QObject(parent)
+    , m_runPrefix(QByteArray::number(::getpid()) + '-')
 {
 }
 
 ShebangScriptRunner::~ShebangScriptRunner()
 {
-    // Too late to wait for it: what it started goes with it.
-    if (m_process && m_process->processId() > 0)
-        ::kill(-pid_t(m_process->processId()), SIGKILL);
+    // Too late to wait for them: what scripts started goes with us.
+    signalRuns(m_process ? pid_t(m_process->processId()) : 0, 1, m_runs, SIGKILL);
+}
+
+void ShebangScriptRunner::signalRuns(pid_t script, quint64 first, quint64 last, int signal) const
+{
+    if (script > 0) {
+        ::kill(script, signal);
+        ::kill(-script, signal);
+    }
+    ProcessFamily::signalMarked([this, first, last](const QByteArray &value) {
+        if (!value.startsWith(m_runPrefix))
+            return false;
+        bool number = false;
+        const quint64 run = value.mid(m_runPrefix.size()).toULongLong(&number);
+        return number && run >= first && run <= last;
+    }, signal);
 }
 
 void ShebangScriptRunner::start(const QString &path, Done done)
@@ -73,7 +102,9 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     m_path = path;
     m_done = std::move(done);
     m_output.clear();
+    m_errors.clear();
     m_outputCut = false;
+    ++m_runs;
 
     // QProcess would pass the script's name and folder through Qt's encoder, which cannot write a
     // name that is not UTF-8: the child starts the interpreter itself, with the bytes. All is made
@@ -83,6 +114,8 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     {
         QList<QByteArray> arguments;
         std::vector<char *> argv;
+        QList<QByteArray> environment;
+        std::vector<char *> envp;
         QByteArray folder;
     };
     auto child = std::make_shared<ChildStart>();
@@ -93,20 +126,31 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     for (QByteArray &argument : child->arguments)
         child->argv.push_back(argument.data());
     child->argv.push_back(nullptr);
+    // Our environment, with the mark of this run in place of any mark we inherited.
+    const QByteArray markName = QByteArray(ProcessFamily::MarkName) + '=';
+    for (char **variable = environ; variable && *variable; ++variable) {
+        if (!QByteArray::fromRawData(*variable, qstrlen(*variable)).startsWith(markName))
+            child->environment << QByteArray(*variable);
+    }
+    child->environment << markName + m_runPrefix + QByteArray::number(m_runs);
+    for (QByteArray &variable : child->environment)
+        child->envp.push_back(variable.data());
+    child->envp.push_back(nullptr);
     child->folder = script.left(qMax(1, int(script.lastIndexOf('/'))));
 
     m_process = new QProcess(this);
     m_process->setProgram(interpreter);
     m_process->setArguments(arguments << FileName::display(path));
     m_childStart = child;
-    m_process->setChildProcessModifier([argv = child->argv.data(), folder = child->folder.constData()] {
-        // A group of its own, so that quitting ends whatever the script started too.
+    m_process->setChildProcessModifier([argv = child->argv.data(), envp = child->envp.data(), folder = child->folder.constData()] {
+        // A group of its own, so that ending it reaches what it started too.
         ::setpgid(0, 0);
         if (::chdir(folder) == 0)
-            ::execv(argv[0], argv);
+            ::execve(argv[0], argv, envp);
         ::_exit(127);
     });
     connect(m_process, &QProcess::readyReadStandardOutput, this, &ShebangScriptRunner::readOutput);
+    connect(m_process, &QProcess::readyReadStandardError, this, &ShebangScriptRunner::readErrors);
     connect(m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit && code == 0,
                status == QProcess::CrashExit ? (m_overTime ? QStringLiteral("ended after the time limit") : QStringLiteral("ended by a signal"))
@@ -120,17 +164,21 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     m_started.start();
     m_process->start();
     if (m_limit.count() > 0) {
-        // A script that never ends would hold every item behind it for ever, silently.
-        auto *limit = new QTimer(m_process);
-        limit->setSingleShot(true);
-        connect(limit, &QTimer::timeout, this, [this] {
-            const pid_t group = pid_t(m_process->processId());
-            m_overTime = true;
-            systemLog(QStringLiteral("The script %1 ran for more than %2 s and was ended; the items after it open now.").arg(m_path).arg(m_limit.count()));
-            ::kill(-group, SIGTERM);
-            QTimer::singleShot(StopGraceMSecs, m_process, [group] { ::kill(-group, SIGKILL); });
-        });
-        limit->start(m_limit);
+        // A script that never ends would hold every item behind it for ever. The timer belongs to
+        // the runner and dies with the run, so it never outlives the process it would end.
+        if (!m_limitTimer) {
+            m_limitTimer = new QTimer(this);
+            m_limitTimer->setSingleShot(true);
+            connect(m_limitTimer, &QTimer::timeout, this, [this] {
+                if (!m_process)
+                    return;
+                m_overTime = true;
+                const pid_t script = pid_t(m_process->processId());
+                signalRuns(script, m_runs, m_runs, SIGTERM);
+                QTimer::singleShot(StopGrace, m_process, [this, script, run = m_runs] { signalRuns(script, run, run, SIGKILL); });
+            });
+        }
+        m_limitTimer->start(m_limit);
     }
 }
 
@@ -148,18 +196,31 @@ void ShebangScriptRunner::readOutput()
     m_outputCut = true;
 }
 
+void ShebangScriptRunner::readErrors()
+{
+    const QByteArray chunk = m_process->readAllStandardError();
+    m_errors += chunk.left(MaxErrors - m_errors.size());
+}
+
 void ShebangScriptRunner::finish(bool succeeded, const QString &problem)
 {
     if (!m_process)
         return;
+    if (m_limitTimer)
+        m_limitTimer->stop();
     readOutput();
+    readErrors();
+    if (m_overTime)
+        systemLog(QStringLiteral("The script %1 ran for more than %2 s and was ended; the items after it open now.").arg(m_path).arg(m_limit.count()));
     Outcome outcome;
     outcome.loaded = true;
     outcome.ran = std::chrono::milliseconds(m_started.elapsed());
-    if (!succeeded)
+    outcome.firstErrors = firstLines(std::exchange(m_errors, {}));
+    if (!succeeded) {
         outcome.problem = problem;
-    if (succeeded) {
-        QByteArray out = std::exchange(m_output, {});
+        outcome.firstOutput = firstLines(m_output);
+    } else {
+        QByteArray out = m_output;
         if (out.endsWith('\n'))
             out.chop(1);
         // Text handed on as C strings (the mail body) would end at a NUL; each one becomes
@@ -167,6 +228,7 @@ void ShebangScriptRunner::finish(bool succeeded, const QString &problem)
         out.replace(QByteArrayView("\0", 1), QByteArrayView("\xEF\xBF\xBD"));
         outcome.result = ScriptDescriptor::fromText(QString::fromUtf8(out));
     }
+    m_output.clear();
     m_process->disconnect(this);
     m_process->deleteLater();
     m_process = nullptr;
@@ -176,39 +238,52 @@ void ShebangScriptRunner::finish(bool succeeded, const QString &problem)
 
 void ShebangScriptRunner::stop(std::function<void()> stopped)
 {
-    if (!m_process) {
+    if (m_limitTimer)
+        m_limitTimer->stop();
+    QProcess *process = std::exchange(m_process, nullptr);
+    m_done = {};
+    // What finished scripts left running in the session is ended too; it is not waited for.
+    const quint64 runs = m_runs;
+    if (!process) {
+        signalRuns(0, 1, runs, SIGTERM);
+        QTimer::singleShot(StopGrace, this, [this, runs] { signalRuns(0, 1, runs, SIGKILL); });
         QTimer::singleShot(0, this, [stopped = std::move(stopped)] { stopped(); });
         return;
     }
-    QProcess *process = std::exchange(m_process, nullptr);
-    m_done = {};
     process->disconnect(this);
-    const pid_t group = pid_t(process->processId());
+    const pid_t script = pid_t(process->processId());
     const QString path = m_path;
-    // Ended the way quitting ends it: SIGTERM to its whole group, SIGKILL if it is still there
-    // after the grace time; the event loop goes on meanwhile.
-    auto ended = std::make_shared<std::function<void()>>([process, path, stopped = std::move(stopped)] {
-        systemLog(QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(path));
+    auto ended = std::make_shared<std::function<void(bool)>>([process, path, stopped = std::move(stopped)](bool gone) {
+        systemLog(gone ? QStringLiteral("Quitting: the script %1 was ended before it finished.").arg(path)
+                       : QStringLiteral("Quitting: the script %1 could not be ended; Quillon quits without it.").arg(path));
         process->deleteLater();
         stopped();
     });
-    const auto once = [ended] {
+    const auto once = [ended](bool gone) {
         if (const auto call = std::exchange(*ended, {}))
-            call();
+            call(gone);
     };
-    connect(process, &QProcess::finished, this, once);
+    connect(process, &QProcess::finished, this, [once] { once(true); });
     connect(process, &QProcess::errorOccurred, this, [once](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            once();
+            once(true);
     });
     if (process->state() == QProcess::NotRunning) {
-        QTimer::singleShot(0, this, once);
-    } else if (group > 0) {
-        ::kill(-group, SIGTERM);
-        QTimer::singleShot(StopGraceMSecs, process, [group] { ::kill(-group, SIGKILL); });
-    } else {
-        process->kill(); // still starting: no group to signal yet
+        QTimer::singleShot(0, this, [once] { once(true); });
+        return;
     }
+    if (script <= 0) {
+        process->kill(); // still starting: no group to signal yet
+        return;
+    }
+    // SIGTERM to the script, its group and everything its runs started; SIGKILL after the grace
+    // time; and a process that outlives even that (stuck in the kernel) no longer holds the quit.
+    signalRuns(script, 1, runs, SIGTERM);
+    // The script's own pid only while it is still ours: once reaped, the number may be reused.
+    QTimer::singleShot(StopGrace, this, [this, script, runs, process = QPointer<QProcess>(process)] {
+        signalRuns(process && process->state() != QProcess::NotRunning ? script : 0, 1, runs, SIGKILL);
+    });
+    QTimer::singleShot(2 * StopGrace, this, [once] { once(false); });
 }
 
 } // namespace Quillon

@@ -30,7 +30,7 @@ private Q_SLOTS:
         m_schedule->createArrays();
         m_launched.clear();
         m_launchTimes.clear();
-        m_schedule->setLauncher([this](const QString &p) {
+        m_schedule->setLauncher([this](const QString &p, quint64) {
             m_launched << p;
             m_launchTimes << m_clock->nowMSecs();
         });
@@ -270,7 +270,7 @@ private Q_SLOTS:
         TimerFdClock real;
         Schedule schedule(m_prefs, real);
         QList<qint64> firedAt;
-        schedule.setLauncher([&](const QString &) { firedAt << real.nowMSecs(); });
+        schedule.setLauncher([&](const QString &, quint64) { firedAt << real.nowMSecs(); });
         const qint64 now = real.nowMSecs();
         schedule.appendPaths({QStringLiteral("far"), QStringLiteral("near")});
         schedule.setDate({0}, QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000));

@@ -68,7 +68,7 @@ private Q_SLOTS:
         auto *port = control<QSpinBox>(dialog, Keys::ServerPort);
         port->setValue(587);
         auto *scriptLimit = control<QSpinBox>(dialog, Keys::ScriptTimeLimit);
-        QCOMPARE(scriptLimit->value(), 10); // minutes, when the file says nothing
+        QCOMPARE(scriptLimit->specialValueText(), scriptLimit->text()); // Never, when the file says nothing
         scriptLimit->setValue(3);
         Q_EMIT scriptLimit->editingFinished();
         password->setText(QStringLiteral("s3cret"));
