@@ -45,7 +45,9 @@ std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kin
     case History::Kind::OpenedLate:
     case History::Kind::ScriptFinished:
         return Group::Launch;
+    // At quit: the session is going away, the history keeps them.
     case History::Kind::ScriptEndedByQuit:
+    case History::Kind::NotStarted:
     case History::Kind::MailSent:
         return std::nullopt;
     }

@@ -224,8 +224,11 @@ void QuillonController::terminate()
     if (!waiting.isEmpty())
         systemLog(QStringLiteral("Quitting: %1 launches waiting for a script were not started.").arg(waiting.size()));
     // Named one by one: their dates are past, so nothing else would ever tell that they did not open.
-    for (const QString &path : waiting)
+    for (const QString &path : waiting) {
         systemLog(QStringLiteral("Not started: %1 (it waited for a script when Quillon quit; it stays in the list).").arg(path));
+        m_history->record(History::Kind::NotStarted, path, m_due.take(path), QStringLiteral("it waited for a script when Quillon quit"));
+    }
+    m_history->flush();
 }
 
 void QuillonController::quitAfterOpenings()
@@ -278,6 +281,7 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
+    m_schedule.freeze();
     m_history->flush();
     m_window->hide();
     if (m_historyWindow)

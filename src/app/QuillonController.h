@@ -64,6 +64,8 @@ public:
     // programs already due get up to 30 s to start, and mail still at work up to 20 s.
     void terminate();
     int deliveriesInFlight() const { return m_mail.inFlight(); }
+    // From the save on: the list is what was saved, and no change is taken any more.
+    bool isQuitting() const { return m_terminated; }
     MailDispatcher &mail() { return m_mail; }
 
     void doAlert(const QString &message, const QString &informative = QString());

@@ -79,6 +79,16 @@ bool ScriptingService::refuse(const QString &why)
     return false;
 }
 
+bool ScriptingService::checkNotQuitting()
+{
+    // The list was saved as the quit began: a change now would be answered OK and lost.
+    if (!m_controller.isQuitting())
+        return true;
+    if (calledFromDBus())
+        sendErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting"));
+    return false;
+}
+
 bool ScriptingService::checkDate(qint64 date)
 {
     if (date >= 0 && date <= LatestDate)
@@ -114,6 +124,8 @@ QString ScriptingService::pathProblem(const QString &path, bool &isFolder)
 
 int ScriptingService::Add(const QStringList &paths, qint64 date)
 {
+    if (!checkNotQuitting())
+        return 0;
     if (paths.isEmpty()) {
         refuse(tr("Add needs at least one path."));
         return 0;
@@ -155,6 +167,10 @@ void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
         QMetaObject::invokeMethod(this, [this, add] { checkSlice(add); }, Qt::QueuedConnection);
         return;
     }
+    if (m_controller.isQuitting()) {
+        add->bus.send(add->call.createErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting")));
+        return;
+    }
     add->bus.send(add->call.createReply(addChecked(add->paths, add->date, add->anyFolder)));
 }
 
@@ -180,7 +196,7 @@ ListedItems ScriptingService::List()
 
 void ScriptingService::Remove(const QList<int> &rows)
 {
-    if (!checkRows(rows, QStringLiteral("Remove")))
+    if (!checkNotQuitting() || !checkRows(rows, QStringLiteral("Remove")))
         return;
     // As in the window: the list of a running schedule is not cut into.
     if (running()) {
@@ -192,14 +208,14 @@ void ScriptingService::Remove(const QList<int> &rows)
 
 void ScriptingService::SetDate(const QList<int> &rows, qint64 date)
 {
-    if (checkRows(rows, QStringLiteral("SetDate")) && checkDate(date))
+    if (checkNotQuitting() && checkRows(rows, QStringLiteral("SetDate")) && checkDate(date))
         m_controller.editor().setDate(rows, QDateTime::fromSecsSinceEpoch(date));
 }
 
 void ScriptingService::Start()
 {
     Schedule &schedule = m_controller.schedule();
-    if (schedule.timersRunning())
+    if (!checkNotQuitting() || schedule.timersRunning())
         return;
     // Refused here rather than in an alert on a screen the script's user may not be watching.
     const qint64 now = schedule.clock().nowMSecs();
@@ -215,13 +231,14 @@ void ScriptingService::Start()
 
 void ScriptingService::Stop()
 {
-    if (m_controller.schedule().timersRunning())
+    if (checkNotQuitting() && m_controller.schedule().timersRunning())
         m_controller.schedule().startStopButtonClicked();
 }
 
 void ScriptingService::LaunchAllNow()
 {
-    m_controller.launchAllNow();
+    if (checkNotQuitting())
+        m_controller.launchAllNow();
 }
 
 void ScriptingService::announceRunning()

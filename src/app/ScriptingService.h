@@ -39,6 +39,8 @@ public:
     static constexpr const char *InterfaceName = "org.quillon.Quillon1";
     // Unix seconds: the dates a launch date can have (up to the end of year 9999).
     static constexpr qint64 LatestDate = 253402300799;
+    // The error a change gets once the quit has saved the list.
+    static constexpr const char *QuittingError = "org.quillon.Quillon1.Error.Quitting";
 
     explicit ScriptingService(QuillonController &controller, QObject *parent = nullptr);
     // Exports the object and takes the name; false (and a log line) when the bus or the name is
@@ -62,6 +64,7 @@ private:
     // Each returns false after sending the caller an error; outside a D-Bus call (tests) it
     // only returns false.
     bool refuse(const QString &why);
+    bool checkNotQuitting();
     bool checkDate(qint64 date);
     bool checkRows(const QList<int> &rows, const QString &method);
     struct PendingAdd

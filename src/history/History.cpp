@@ -45,6 +45,7 @@ bool History::isProblem(Kind kind)
     case Kind::Missed:
     case Kind::MailRefused:
     case Kind::MailFailed:
+    case Kind::NotStarted:
         return true;
     case Kind::Opened:
     case Kind::ScriptFinished:
@@ -59,7 +60,7 @@ bool History::isProblem(Kind kind)
 QString History::problemKinds()
 {
     QStringList kinds;
-    for (int k = int(Kind::Opened); k <= int(Kind::MailFailed); ++k) {
+    for (int k = int(Kind::Opened); k <= int(Kind::NotStarted); ++k) {
         if (isProblem(Kind(k)))
             kinds << QString::number(k);
     }
@@ -89,6 +90,8 @@ QString History::kindText(Kind kind)
         return tr("Mail refused");
     case Kind::MailFailed:
         return tr("Mail failed");
+    case Kind::NotStarted:
+        return tr("Not started");
     }
     return {};
 }

@@ -76,6 +76,10 @@ public:
     void restartTimers();
     void launch(const TimerSlot &timer);
     void startStopButtonClicked();
+    // At quit, once the list is saved: no timer fires and nothing is launched any more, so that
+    // nothing happens that the saved list does not know of. The saved state is left as it was.
+    void freeze();
+    bool isFrozen() const { return m_frozen; }
     void scheduleWakeUp();
     // scheduleWakeUp() on the next event-loop turn, once however often it is asked for meanwhile.
     void scheduleWakeUpSoon();
@@ -143,6 +147,7 @@ private:
     QHash<const ItemTimer *, qsizetype> m_slotIndex;
     bool m_slotIndexStale = true;
     bool m_wakeUpQueued = false;
+    bool m_frozen = false;
 };
 
 // Moves one element from s to t, shifting those between; out-of-range or equal indexes do nothing.

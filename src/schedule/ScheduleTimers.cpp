@@ -55,8 +55,19 @@ void Schedule::showRunning()
     Q_EMIT reloadTable();
 }
 
+void Schedule::freeze()
+{
+    m_frozen = true;
+    for (TimerSlot &slot : m_timers) {
+        if (slot)
+            slot->invalidate();
+    }
+}
+
 void Schedule::startTimers(bool quiet)
 {
+    if (m_frozen)
+        return;
     m_timersRemaining = 0;
     m_slotIndexStale = true;
     const qint64 nowMSecs = m_clock.nowMSecs();
@@ -115,6 +126,8 @@ void Schedule::startStopButtonClicked()
 
 void Schedule::launch(const TimerSlot &timer)
 {
+    if (m_frozen)
+        return;
     // Told first: what the launcher reports about the opening belongs to this date.
     Q_EMIT launched(timer->path(), timer->fireDate());
     const qsizetype k = slotOf(timer);
@@ -205,7 +218,7 @@ void Schedule::datesChanged()
 
 void Schedule::afterWake()
 {
-    if (!m_timersRunning)
+    if (!m_timersRunning || m_frozen)
         return;
     const qint64 nowMSecs = m_clock.nowMSecs();
     QList<int> passed;
@@ -226,6 +239,8 @@ void Schedule::afterWake()
 
 void Schedule::catchUp(QList<int> rows)
 {
+    if (m_frozen)
+        return;
     rows.removeIf([this](int row) { return row < 0 || row >= count() || row >= m_dates.size(); });
     std::stable_sort(rows.begin(), rows.end(), [this](int a, int b) { return m_dates.at(a) < m_dates.at(b); });
     struct Due

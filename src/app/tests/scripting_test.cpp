@@ -12,11 +12,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSignalSpy>
+#include <QSettings>
 #include <QTest>
 
 #include <csignal>
 
 using namespace Quillon;
+using Test::readFile;
 
 // The real program on a private session bus, driven over D-Bus and through its command line.
 class ScriptingTest : public QObject
@@ -163,6 +165,46 @@ private Q_SLOTS:
     }
 
     // The interface the package installs is the one the program exports.
+    // From the save on, a quit changes nothing the saved list does not know of: calls that would
+    // change the list are refused, an item due meanwhile does not open, and a script that ignores
+    // SIGTERM (its limit falling due during the quit) is ended without taking Quillon down.
+    void quitWaitRefusesChangesAndOpensNothing()
+    {
+        stopInstance();
+        const QString script = file("stubborn.scpt"), pidFile = file("stubborn.pid"), late = file("late-launched");
+        QVERIFY(Test::writeFile(script, "#!/bin/sh\ntrap '' TERM\necho $$ > '" + pidFile.toUtf8() + "'\nsleep 60\n"));
+        QVERIFY(Test::writeFile(file("late.sh"), "#!/bin/sh\ntouch '" + late.toUtf8() + "'\n", true));
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const QString conf = file("config/Quillon/Quillon.conf");
+        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + script.toUtf8() + ", " + file("late.sh").toUtf8() + "\nDates="
+                    + now.addSecs(1).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(5).toString(Qt::ISODate).toUtf8()
+                    + "\nTimersRunning=true\nscriptTimeLimitSeconds=6\n"));
+        QProcess app;
+        startCli(app, {});
+        QTRY_VERIFY_WITH_TIMEOUT(readFile(pidFile).endsWith(QLatin1Char('\n')), 10'000);
+        const pid_t scriptPid = readFile(pidFile).trimmed().toInt();
+        QTest::qWait(3000);
+        ::kill(pid_t(app.processId()), SIGTERM);
+        QTest::qWait(300);
+        QDBusInterface quillon(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                               QLatin1String(ScriptingService::InterfaceName), *m_bus);
+        for (const auto &[method, arguments] : std::initializer_list<std::pair<QString, QVariantList>>{
+                 {QStringLiteral("Stop"), {}}, {QStringLiteral("Add"), {QStringList{file("a.txt")}, now.addSecs(60).toSecsSinceEpoch()}},
+                 {QStringLiteral("Remove"), {QVariant::fromValue(QList<int>{0})}}}) {
+            const QDBusMessage reply = quillon.callWithArgumentList(QDBus::Block, method, arguments);
+            QCOMPARE(reply.errorName() + QLatin1Char(' ') + reply.errorMessage(), QStringLiteral("%1 Quillon is quitting").arg(QLatin1String(ScriptingService::QuittingError)));
+        }
+        QVERIFY(app.waitForFinished(20'000));
+        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(app.exitCode(), 0);
+        QVERIFY(::kill(scriptPid, 0) != 0);
+        QVERIFY(!QFile::exists(late));
+        QSettings saved(conf, QSettings::IniFormat);
+        QCOMPARE(saved.value(QStringLiteral("TimersRunning")).toBool(), true);
+        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 2);
+        QFile::remove(conf);
+    }
+
     void installedInterfaceMatchesTheExportedOne()
     {
         ensureInstance();
