@@ -172,6 +172,14 @@ void SimpleSMTP::messageNotSent()
     const QByteArray response = _smtp->lastResponse();
     _problem = tr("the server refused the message: %1").arg(QString::fromUtf8(response).trimmed());
     _refused = true;
+    // Nothing is left to send: the session ends with QUIT now rather than idling until the
+    // server's timeout, which would hold the record, the notification and a quit for minutes.
+    QTimer::singleShot(0, this, [this] {
+        if (_smtp && _smtp->isIdle()) {
+            systemLog(QStringLiteral("Closing the connection."));
+            _smtp->close();
+        }
+    });
     if (response.isEmpty()) {
         systemLog(QStringLiteral("Message not sent!"));
         return;
