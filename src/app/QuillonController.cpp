@@ -20,6 +20,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
+#include <QStatusBar>
 #include <QSystemTrayIcon>
 #include <QTableView>
 #include <QTimer>
@@ -141,6 +142,12 @@ void QuillonController::wireHistory()
         });
     }
     connect(m_window.get(), &MainWindow::historyRequested, this, &QuillonController::showHistory);
+    connect(&history, &History::writingChanged, m_window.get(), [window = m_window.get()](const QString &why) {
+        if (why.isEmpty())
+            window->statusBar()->clearMessage();
+        else
+            window->statusBar()->showMessage(tr("The history cannot be written now (%1); it is kept until it can be.").arg(why));
+    });
 }
 
 // A schedule saved as running whose items' times passed while Quillon was not running: each

@@ -32,6 +32,16 @@ QByteArray validToken(const QByteArray &token)
     return token;
 }
 
+// What stands at a path that should hold a lock file, in words; empty for a regular file or nothing.
+QString notALockFile(const QString &path)
+{
+    struct stat st{};
+    if (::lstat(QFile::encodeName(path).constData(), &st) != 0 || S_ISREG(st.st_mode))
+        return {};
+    return S_ISFIFO(st.st_mode) ? QStringLiteral("a FIFO") : S_ISDIR(st.st_mode) ? QStringLiteral("a folder")
+         : S_ISLNK(st.st_mode)  ? QStringLiteral("a symbolic link") : QStringLiteral("not a regular file");
+}
+
 bool isPrivateFolder(const QString &path)
 {
     struct stat st{};
@@ -76,6 +86,16 @@ SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
         return;
     const QByteArray key = QCryptographicHash::hash(QFile::encodeName(QFileInfo(settingsFile).absoluteFilePath()), QCryptographicHash::Sha256).toHex().left(16);
     m_base = folder + QStringLiteral("/quillon-") + QString::fromLatin1(key);
+    // Reading a FIFO in the lock's place would hold this start, and every later one, for ever; a
+    // folder there would make every start think another holds it. Such a thing is left alone and
+    // the next name taken: every start picks the same one, so there is still one instance.
+    for (int next = 2; next < 10; ++next) {
+        const QString found = notALockFile(m_base + QStringLiteral(".lock"));
+        if (found.isEmpty())
+            break;
+        systemLog(QStringLiteral("%1.lock is %2, not a lock file; it is left as it is and another name is used.").arg(m_base, found));
+        m_base = folder + QStringLiteral("/quillon-") + QString::fromLatin1(key) + QStringLiteral("-%1").arg(next);
+    }
     m_lock = std::make_unique<QLockFile>(m_base + QStringLiteral(".lock"));
     m_lock->setStaleLockTime(0); // stale only when its process is gone, never by age
     connect(&m_server, &QLocalServer::newConnection, this, [this] {

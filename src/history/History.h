@@ -6,16 +6,22 @@
 #include <QString>
 #include <QVariant>
 
+#include <QSqlError>
+
 #include <atomic>
 #include <memory>
+#include <optional>
+
+class QTimer;
 
 namespace Quillon {
 
 class WallClock;
 
 // What Quillon did, for the user who was not watching: every launch, failure, missed item and
-// mail, kept in an SQLite file of its own. The schedule never depends on it: a damaged or locked
-// file is set aside and a fresh one started, and without any file Quillon goes on.
+// mail, kept in an SQLite file of its own. The schedule never depends on it: a file that another
+// program holds, or on a full disk, is written when it can be (the records wait in memory); only
+// a file SQLite itself calls damaged is set aside; without any file Quillon goes on.
 class History final : public QObject
 {
     Q_OBJECT
@@ -36,6 +42,10 @@ public:
     };
     static constexpr int KeepDays = 90;
     static constexpr int KeepRecords = 100'000;
+    // Records kept in memory while the file cannot be written; the oldest go beyond this.
+    static constexpr int MaxWaiting = 10'000;
+    // The write-ahead log is cut back to this after a checkpoint.
+    static constexpr qint64 WalLimit = 64 * 1024 * 1024;
 
     // $XDG_STATE_HOME/Quillon/history.sqlite (~/.local/state/...).
     static QString defaultFileName();
@@ -64,27 +74,42 @@ public:
     qint64 lastId();
     int problemsAfter(qint64 id);
 
+    // Records that wait in memory to be written.
+    qint64 waiting() const { return m_pending.size(); }
+
 Q_SIGNALS:
     // As soon as it is recorded, before it is written.
     void recorded(const Quillon::History::Record &record);
+    // The file could not be written (why: in words), or can be again (why empty).
+    void writingChanged(const QString &why);
 
 private:
-    bool open();
-    bool prepare();
+    enum class Opening { Opened, Damaged, Later, Never };
+    Opening open();
+    // Opens, sets a damaged file aside, or tries again later; what it found is said once.
+    void start();
+    // The failing statement's error, or none.
+    std::optional<QSqlError> prepare();
     void setAside(const QString &why);
     void close();
-    void trim();
-    void checkpointSoon();
-    bool isDamage(int sqliteCode) const;
+    // Trims and checkpoints on a thread of its own, in slices that let the event loop's writes in.
+    void maintainSoon(bool trim);
+    // A write failed for a passing reason (busy, full): said once, tried again in a second.
+    void cannotWriteNow(const QString &why);
+    static bool isDamage(int sqliteCode);
 
     QString m_fileName;
     WallClock &m_clock;
     QString m_connection;
     QList<Record> m_pending;
     bool m_flushQueued = false;
+    bool m_never = false; // no file can be kept here (not a regular file, nowhere to create one)
+    QString m_problem;    // why the file cannot be written now, as said once
+    int m_dropped = 0;
+    QTimer *m_retry = nullptr;
     int m_sinceTrim = 0;
     int m_sinceCheckpoint = 0;
-    std::shared_ptr<std::atomic<bool>> m_checkpointing = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<std::atomic<bool>> m_maintaining = std::make_shared<std::atomic<bool>>(false);
 };
 
 } // namespace Quillon

@@ -1,6 +1,7 @@
 #include "MailTestSupport.h"
 #include "TestSupport.h"
 
+#include <QCryptographicHash>
 #include <QSettings>
 #include <QTest>
 
@@ -74,6 +75,41 @@ private Q_SLOTS:
         start(next, session);
         QVERIFY(!next.waitForFinished(3000));
         QVERIFY(Test::endsCleanly(next, SIGTERM));
+    }
+
+    // A FIFO or a folder where the lock or the history belongs neither holds the start nor stops
+    // the schedule: it is named in the log and left alone, and there is still one instance.
+    void oddFilesDoNotHoldTheStart_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("fifo");
+        QTest::addColumn<QByteArray>("said");
+        const QString lock = QStringLiteral("runtime/quillon-KEY.lock");
+        QTest::newRow("lock is a FIFO") << lock << true << QByteArray("is a FIFO, not a lock file");
+        QTest::newRow("lock is a folder") << lock << false << QByteArray("is a folder, not a lock file");
+        QTest::newRow("history is a FIFO") << QStringLiteral("state/Quillon/history.sqlite") << true << QByteArray("(it is a FIFO)");
+    }
+    void oddFilesDoNotHoldTheStart()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, fifo);
+        QFETCH(QByteArray, said);
+        QTemporaryDir session;
+        const QString odd = session.filePath(QString(path).replace(QLatin1String("KEY"), lockKey(session)));
+        QVERIFY(QDir().mkpath(fifo ? QFileInfo(odd).absolutePath() : odd));
+        QFile::setPermissions(session.filePath(QStringLiteral("runtime")), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        if (fifo)
+            QCOMPARE(::mkfifo(QFile::encodeName(odd).constData(), 0600), 0);
+        QProcess first;
+        start(first, session);
+        QByteArray log;
+        QTRY_VERIFY_WITH_TIMEOUT((log += first.readAllStandardError()).contains(said), 10'000);
+        QProcess second;
+        start(second, session);
+        QVERIFY(Test::endsCleanly(second));
+        QTRY_VERIFY((log += first.readAllStandardError()).contains("Another start asked for the window."));
+        QVERIFY(Test::endsCleanly(first, SIGTERM));
+        QCOMPARE(QFileInfo(odd).isDir(), !fifo);
     }
 
     // The command line follows convention and never touches the display or the settings.
@@ -202,6 +238,12 @@ private Q_SLOTS:
     }
 
 private:
+    // The lock's name: a digest of the settings file's path, as the program computes it.
+    static QString lockKey(const QTemporaryDir &session)
+    {
+        const QByteArray settings = QFile::encodeName(session.filePath(QStringLiteral("config/Quillon/Quillon.conf")));
+        return QString::fromLatin1(QCryptographicHash::hash(settings, QCryptographicHash::Sha256).toHex().left(16));
+    }
     static void start(QProcess &p, const QTemporaryDir &session, const QString &runtime = QStringLiteral("runtime"), const QString &display = {},
                       const QByteArray &token = {})
     {

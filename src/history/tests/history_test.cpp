@@ -5,8 +5,10 @@
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include <sys/stat.h>
 
@@ -50,39 +52,77 @@ private Q_SLOTS:
         History later(home.filePath(QStringLiteral("state/Quillon/history.sqlite")), clock);
         later.record(Kind::Opened, QStringLiteral("/x"));
         later.flush();
-        QCOMPARE(rows(file), 1);
+        QTRY_COMPARE(rows(file), 1);
     }
 
-    void unusableFileIsSetAside_data()
+    // Only what SQLite calls damaged is set aside (with its log); another program's lock is waited
+    // out with the records kept; a FIFO or a folder is left alone, and never blocks the start.
+    void filesThatCannotBeUsedAsTheyAre_data()
     {
-        QTest::addColumn<bool>("locked");
-        QTest::newRow("not a database") << false;
-        QTest::newRow("held by another writer") << true;
+        QTest::addColumn<QString>("found");
+        QTest::addColumn<int>("setAside");
+        QTest::addColumn<int>("rowsMeanwhile");
+        QTest::addColumn<int>("rowsAfter"); // -1: no history is kept, the file is not touched
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("not a database") << "junk" << 1 << 1 << 1 << "was set aside";
+        QTest::newRow("locked before the open") << "locked" << 0 << 0 << 1 << "cannot be written now";
+        QTest::newRow("locked while it writes") << "locked later" << 0 << 0 << 1 << "cannot be written now";
+        QTest::newRow("a FIFO") << "fifo" << 0 << -1 << -1 << "it is a FIFO";
+        QTest::newRow("a folder") << "folder" << 0 << -1 << -1 << "it is a folder";
     }
-    void unusableFileIsSetAside()
+    void filesThatCannotBeUsedAsTheyAre()
     {
-        QFETCH(bool, locked);
+        QFETCH(QString, found);
+        QFETCH(int, setAside);
+        QFETCH(int, rowsMeanwhile);
+        QFETCH(int, rowsAfter);
+        QFETCH(QString, logged);
         QTemporaryDir home;
         const QString file = home.filePath(QStringLiteral("history.sqlite"));
-        if (locked) {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
-            db.setDatabaseName(file);
-            QVERIFY(db.open());
-            QSqlQuery(db).exec(QStringLiteral("CREATE TABLE t (x)"));
-            QVERIFY(QSqlQuery(db).exec(QStringLiteral("BEGIN EXCLUSIVE")));
-        } else {
+        const QByteArray name = QFile::encodeName(file);
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        other.setDatabaseName(file);
+        const auto removeOther = qScopeGuard([&other] {
+            other.close();
+            other = {};
+            QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        });
+        const auto lock = [&other](const char *begin) {
+            QVERIFY(other.open());
+            QSqlQuery(other).exec(QStringLiteral("CREATE TABLE IF NOT EXISTS t (x)"));
+            QVERIFY(QSqlQuery(other).exec(QString::fromLatin1(begin)));
+            QVERIFY(QSqlQuery(other).exec(QStringLiteral("INSERT INTO t VALUES (1)")));
+            // Held as a second program would hold it, for longer than anything waits.
+            QTimer::singleShot(1500, [&other] { QVERIFY(other.commit()); });
+        };
+        if (found == QLatin1String("junk"))
             QVERIFY(Test::writeFile(file, QByteArray(4096, '\x5a')));
-        }
+        else if (found == QLatin1String("locked"))
+            lock("BEGIN EXCLUSIVE");
+        else if (found == QLatin1String("fifo"))
+            QCOMPARE(::mkfifo(name.constData(), 0600), 0);
+        else if (found == QLatin1String("folder"))
+            QVERIFY(QDir().mkpath(file));
         FakeClock clock(Test::Now);
         {
             History history(file, clock);
-            QVERIFY(history.isOpen());
+            if (found == QLatin1String("locked later")) {
+                QVERIFY(history.isOpen());
+                lock("BEGIN IMMEDIATE");
+            }
             history.record(Kind::Missed, QStringLiteral("/a"), Test::at(-60));
+            QTest::qWait(500);
+            if (rowsAfter >= 0) {
+                QCOMPARE(rows(file), rowsMeanwhile);
+                QTRY_COMPARE_WITH_TIMEOUT(rows(file), rowsAfter, 5000);
+            }
         }
-        QSqlDatabase::removeDatabase(QStringLiteral("other"));
-        QCOMPARE(QDir(home.path()).entryList({QStringLiteral("history.sqlite.damaged-*")}, QDir::Files).size(), 1);
-        QCOMPARE(rows(file), 1);
-        QVERIFY(!m_log.filter(QStringLiteral("was set aside")).isEmpty());
+        QCOMPARE(QDir(home.path()).entryList({QStringLiteral("history.sqlite.damaged-*")}, QDir::Files).size(), setAside);
+        QVERIFY2(!m_log.filter(logged).isEmpty(), qPrintable(m_log.join(QLatin1Char('|'))));
+        struct stat st{};
+        QCOMPARE(::lstat(name.constData(), &st), 0);
+        QCOMPARE(S_ISFIFO(st.st_mode), found == QLatin1String("fifo"));
+        QCOMPARE(S_ISDIR(st.st_mode), found == QLatin1String("folder"));
     }
 
     // Nothing can be created there, not even by root; recording goes on, in memory only.
@@ -106,6 +146,7 @@ private:
         {
             QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
             db.setDatabaseName(file);
+            db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0")); // a locked file reads as empty, at once
             QSqlQuery q(db);
             if (db.open() && q.exec(sql) && q.next())
                 value = q.value(0);
