@@ -246,10 +246,13 @@ bool Preferences::keepProblemFileAside()
     }
     systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2.").arg(original, copy));
     // QSettings writes into a fresh file only what is set again after it parsed the old one, so
-    // every key that could be read is set again: the log promised that it was kept.
+    // every key of ours that could be read is set again. Anything else parsed out of a damaged
+    // file is most likely its damage (100 MB of junk reads as 100,000 keys): the copy keeps it.
     QList<std::pair<QString, QVariant>> readable;
-    for (const QString &key : m_settings.allKeys())
-        readable.append({key, m_settings.value(key)});
+    for (const QString &key : m_settings.allKeys()) {
+        if (Keys::isKnown(key))
+            readable.append({key, m_settings.value(key)});
+    }
     // The copy holds it now; a fresh file gets our own private mode instead of the odd one it had.
     ::unlink(QFile::encodeName(original).constData());
     for (const auto &[key, value] : std::as_const(readable)) {

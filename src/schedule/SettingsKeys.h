@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLatin1StringView>
+#include <QStringView>
 
 // Every key of the settings file, in one place.
 namespace Quillon::Keys {
@@ -15,7 +16,7 @@ inline constexpr QLatin1StringView TimeUnit("timeUnit");
 inline constexpr QLatin1StringView QuitWhenDone("quitWhenDone");
 // Whether Launch All Now asks first when it would open more than one item; absent: it asks.
 inline constexpr QLatin1StringView ConfirmLaunchAll("confirmLaunchAll");
-// Seconds a script may run before it is ended; absent: 600, 0: no limit.
+// Seconds a script may run before it is ended; absent or 0: no limit.
 inline constexpr QLatin1StringView ScriptTimeLimit("scriptTimeLimitSeconds");
 // Not the schedule's own: what happened is kept apart, and these say what to do about it.
 inline constexpr QLatin1StringView OpenMissedItems("openMissedItems");
@@ -36,4 +37,17 @@ inline constexpr QLatin1StringView WindowGeometry("window/geometry");
 inline constexpr QLatin1StringView TableHeader("window/tableHeader");
 inline constexpr QLatin1StringView ChooserFolder("window/chooserFolder");
 inline constexpr QLatin1StringView HistorySeen("history/seenUpTo");
+
+// Whether a key is one of ours: a file that could not be read whole is saved anew with these only.
+inline bool isKnown(QStringView key)
+{
+    for (QLatin1StringView known : {Items, Dates, TimersRunning, RememberItems, AddFolderFiles, AddFolderFilesRecursively, RepeatSeconds, TimeUnit,
+                                    QuitWhenDone, ConfirmLaunchAll, ScriptTimeLimit, OpenMissedItems, NotifyProblems, NotifyEveryLaunch, SendEmail,
+                                    EmailScriptResults, RecipientEmail, RecipientName, ServerAddress, ServerPort, SelectedAuthentication, UseSSL,
+                                    LoginUsername, LoginPassword, WindowGeometry, TableHeader, ChooserFolder, HistorySeen}) {
+        if (key == known)
+            return true;
+    }
+    return false;
+}
 } // namespace Quillon::Keys

@@ -3,6 +3,7 @@
 #include "TestSupport.h"
 
 #include <QSet>
+#include <QSettings>
 #include <QTest>
 
 #include <atomic>
@@ -104,6 +105,10 @@ private Q_SLOTS:
         const QByteArray good = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x1)";
         QTest::newRow("malformed section") << QByteArray("serverPort=25\nrecipientEmail=ann@example.org\n[General\nsendEmail=true\n") << "";
         QTest::newRow("damaged date") << "serverPort=25\nrecipientEmail=ann@example.org\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n" << "When";
+        QByteArray junk;
+        for (int i = 0; i < 2000; ++i)
+            junk += "\x7f" + QByteArray::number(i, 36) + "=\x01\n";
+        QTest::newRow("junk that parses as keys") << "serverPort=25\nrecipientEmail=ann@example.org\n" + junk + "[General\n" << "";
     }
     void damagedFileKeepsEveryReadableKey()
     {
@@ -118,6 +123,9 @@ private Q_SLOTS:
         QCOMPARE(m_settings.read(QStringLiteral("repeatSeconds")).toInt(), 6);
         QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 25);
         QCOMPARE(m_settings.read(QStringLiteral("recipientEmail")).toString(), QStringLiteral("ann@example.org"));
+        // Only keys of ours are saved anew; the rest stays in the kept copy.
+        const QStringList saved = QSettings(m_settings.file(), QSettings::IniFormat).allKeys();
+        QVERIFY2(std::all_of(saved.begin(), saved.end(), [](const QString &key) { return Keys::isKnown(key); }), qPrintable(saved.join(QLatin1Char(' ')).left(300)));
         if (!gone.isEmpty())
             QVERIFY(m_settings.read(gone).isNull() && m_settings.read(QStringLiteral("Dates")).toList().size() == 2);
         const QStringList kept = QDir(m_settings.configDir()).entryList({QStringLiteral("Quillon.conf.unreadable-*")});
