@@ -160,6 +160,22 @@ bool isExecutableFile(const QByteArray &file)
     return ::stat(file.constData(), &st) == 0 && S_ISREG(st.st_mode) && ::access(file.constData(), X_OK) == 0;
 }
 
+// GIO finishes part of a launch later, from the thread-default main context of the thread that
+// launched (the D-Bus notice that a program was launched, say). Nothing runs a pool thread's
+// context, so each launch left its tasks there for good. The opener runs in a context of its own,
+// which it runs after every job; what finishes later is run after the next one.
+template<typename Job>
+auto withOwnMainContext(Job &&job)
+{
+    thread_local GMainContext *const context = g_main_context_new();
+    g_main_context_push_thread_default(context);
+    auto result = job();
+    while (g_main_context_iteration(context, FALSE)) {
+    }
+    g_main_context_pop_thread_default(context);
+    return result;
+}
+
 } // namespace
 
 ChildReaper::ChildReaper()
@@ -257,10 +273,10 @@ void DesktopWorkspace::inBackground(std::function<QString()> job, const QString 
         QString error;
         {
             const std::lock_guard starting(m_starting);
-            error = job();
+            error = withOwnMainContext(job);
             // A start can fail for a passing reason (no free process slot, a descriptor short).
             if (!error.isEmpty())
-                error = job();
+                error = withOwnMainContext(job);
         }
         if (!error.isEmpty() || !item.isEmpty()) {
             QMetaObject::invokeMethod(&m_logContext, [this, error, item, how] {
