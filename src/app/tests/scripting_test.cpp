@@ -177,11 +177,11 @@ private Q_SLOTS:
         const QDateTime now = QDateTime::currentDateTimeUtc();
         const QString conf = file("config/Quillon/Quillon.conf");
         QVERIFY(Test::writeFile(conf, "[General]\nItems=" + script.toUtf8() + ", " + file("late.sh").toUtf8() + "\nDates="
-                    + now.addSecs(1).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(5).toString(Qt::ISODate).toUtf8()
+                    + now.addSecs(3).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(8).toString(Qt::ISODate).toUtf8()
                     + "\nTimersRunning=true\nscriptTimeLimitSeconds=6\n"));
         QProcess app;
         startCli(app, {});
-        QTRY_VERIFY_WITH_TIMEOUT(readFile(pidFile).endsWith(QLatin1Char('\n')), 10'000);
+        QTRY_VERIFY_WITH_TIMEOUT(readFile(pidFile).endsWith(QLatin1Char('\n')), 15'000);
         const pid_t scriptPid = readFile(pidFile).trimmed().toInt();
         QTest::qWait(3000);
         ::kill(pid_t(app.processId()), SIGTERM);
