@@ -6,6 +6,7 @@
 #include "Log.h"
 #include "MailSettings.h"
 #include "MainWindow.h"
+#include "MediumDateFormat.h"
 #include "PowerService.h"
 #include "PreferencesDialog.h"
 #include "ProblemNotifier.h"
@@ -358,6 +359,14 @@ void QuillonController::setUpTray()
             showMainWindow();
     });
     m_tray->show();
+}
+
+void QuillonController::timeZoneChanged()
+{
+    forgetMediumDateFormats();
+    m_window->model()->reloadAll();
+    if (m_schedule.timersRunning())
+        m_schedule.restartTimers();
 }
 
 void QuillonController::handleUpdateDisplayTimer()

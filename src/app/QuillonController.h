@@ -73,6 +73,8 @@ public:
     void openHelpURL();
 
     void handleUpdateDisplayTimer();
+    // The system's time zone changed: the list is shown in the new one; the moments stay.
+    void timeZoneChanged();
     void launchItem(const QString &path) { m_launcher.launchItem(path); }
     // Quit when done: the last launch may be a script, or have items queued behind one; they
     // run to their end (and mail what they must) before the quit.

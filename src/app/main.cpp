@@ -10,6 +10,7 @@
 #include "ScriptingService.h"
 #include "ShebangScriptRunner.h"
 #include "SingleInstance.h"
+#include "TimeZoneWatcher.h"
 #include "TimerFdClock.h"
 #include "TlsTrust.h"
 #include "Translations.h"
@@ -156,6 +157,9 @@ int main(int argc, char *argv[])
                                   : QStringLiteral("Another start asked for the window, with an activation token."));
         controller.showMainWindow(token);
     });
+
+    TimeZoneWatcher zones;
+    QObject::connect(&zones, &TimeZoneWatcher::zoneChanged, &controller, &QuillonController::timeZoneChanged);
 
     controller.awakeFromNib();
     if (parser.isSet(autostart))

@@ -49,8 +49,10 @@ void SavedList::write(Preferences &preferences, const QStringList &paths, const 
     }
     QVariantList values;
     values.reserve(dates.size());
+    // As moments: a local date would be read back in whatever zone the next start is in. Older
+    // files hold local dates; they are read as they always were, and saved as moments from then on.
     for (const QDateTime &date : dates)
-        values.append(date);
+        values.append(date.isValid() ? QVariant(date.toUTC()) : QVariant(date));
     preferences.setValues({{Keys::Items, items}, {Keys::Dates, values}, {Keys::TimersRunning, running}});
 }
 
@@ -61,7 +63,7 @@ SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
     if (!datesAbsent) {
         for (const QVariant &element : asList(preferences.value(Keys::Dates))) {
             const QDateTime date = toDate(element);
-            saved.dates.append(date.isValid() ? date : now);
+            saved.dates.append(date.isValid() ? date.toUTC() : now);
         }
     }
     if (preferences.contains(Keys::TimersRunning))

@@ -12,6 +12,13 @@ namespace {
 constexpr int InitialCapacity = 50;
 } // namespace
 
+// A date is a moment: held in UTC, so that a change of time zone moves no item. Only what is
+// shown is local, in the zone of the moment it is shown.
+QDateTime Schedule::instant(const QDateTime &date)
+{
+    return date.isValid() ? date.toUTC() : date;
+}
+
 Schedule::Schedule(Preferences &preferences, WallClock &clock, QObject *parent)
     : QObject(parent)
     , m_preferences(preferences)
@@ -26,7 +33,7 @@ Schedule::~Schedule() = default;
 
 QDateTime Schedule::now() const
 {
-    return m_clock.now();
+    return instant(m_clock.now());
 }
 
 void Schedule::createArrays()
@@ -148,7 +155,7 @@ void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
     }
     for (qsizetype i = 0; i < m_dates.size(); ++i) {
         if (selected[size_t(i)])
-            m_dates[i] = date;
+            m_dates[i] = instant(date);
     }
     datesChanged();
 }
@@ -156,7 +163,7 @@ void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
 void Schedule::setDateAt(int row, const QDateTime &date)
 {
     if (row >= 0 && row < m_dates.size())
-        m_dates[row] = date;
+        m_dates[row] = instant(date);
 }
 
 void Schedule::restore(const Snapshot &snapshot)
@@ -183,6 +190,8 @@ void Schedule::restore(const Snapshot &snapshot)
     Q_EMIT aboutToReset();
     m_paths = snapshot.paths;
     m_dates = snapshot.dates;
+    for (QDateTime &date : m_dates)
+        date = instant(date);
     m_timers = std::move(timers);
     m_ids = snapshot.ids;
     m_ids.resize(m_paths.size());
@@ -205,7 +214,8 @@ void Schedule::restoreItems()
     Q_EMIT aboutToReset();
     SavedList saved = SavedList::read(m_preferences, now());
     m_paths += saved.paths;
-    m_dates += saved.dates;
+    for (const QDateTime &date : std::as_const(saved.dates))
+        m_dates.append(instant(date));
     m_timers.resize(m_paths.size());
     m_ids += newIds(saved.paths.size());
     if (saved.running)

@@ -40,6 +40,8 @@ public:
     bool timersRunning() const { return m_timersRunning; }
     int timersRemaining() const { return m_timersRemaining; }
     QDateTime now() const;
+    // The moment a date names, in UTC: how every date of the list is held.
+    static QDateTime instant(const QDateTime &date);
     WallClock &clock() const { return m_clock; }
 
     void createArrays();
@@ -130,6 +132,8 @@ private:
     TimerSlot armTimer(const QString &path, qint64 fireMSecs);
     qsizetype slotOf(const TimerSlot &timer);
     QList<quint64> newIds(qsizetype n);
+    // Whether this row already fired at that moment: a firing is the row and the moment.
+    bool hasFired(quint64 id, qint64 dateMSecs) const;
 
     Preferences &m_preferences;
     WallClock &m_clock;
@@ -142,6 +146,8 @@ private:
     QList<TimerSlot> m_timers;
     QList<quint64> m_ids;
     quint64 m_nextId = 1;
+    // The last moment each row fired at (or was caught up for).
+    QHash<quint64, qint64> m_lastFired;
     bool m_timersRunning = false;
     qint32 m_timersRemaining = 0;
     QHash<const ItemTimer *, qsizetype> m_slotIndex;

@@ -74,8 +74,10 @@ void Schedule::startTimers(bool quiet)
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
         if (i >= m_dates.size())
             continue;
+        const qint64 date = m_dates.at(i).toMSecsSinceEpoch();
         // Compared, not subtracted: a hand-edited date near the limits must not wrap into the past.
-        if (m_dates.at(i).toMSecsSinceEpoch() > nowMSecs) {
+        // A moment this row already fired at is never armed again, whatever the clock did since.
+        if (date > nowMSecs && !hasFired(m_ids.at(i), date)) {
             m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
             ++m_timersRemaining;
         } else {
@@ -104,9 +106,27 @@ void Schedule::invalidateTimers(bool keepSlots)
     showStopped();
 }
 
+bool Schedule::hasFired(quint64 id, qint64 dateMSecs) const
+{
+    const auto fired = m_lastFired.constFind(id);
+    return fired != m_lastFired.cend() && *fired == dateMSecs;
+}
+
 void Schedule::restartTimers()
 {
     const bool wasRunning = m_timersRunning;
+    // An armed item whose moment has come while its firing still waits its turn fires now: a
+    // re-arm (an add, a date change, a zone change) never drops it silently.
+    QList<TimerSlot> due;
+    if (wasRunning && !m_frozen) {
+        const qint64 nowMSecs = m_clock.nowMSecs();
+        for (const TimerSlot &slot : std::as_const(m_timers)) {
+            if (slot && slot->isValid() && slot->fireMSecs() <= nowMSecs)
+                due << slot;
+        }
+    }
+    for (const TimerSlot &timer : std::as_const(due))
+        launch(timer);
     invalidateTimers(false);
     startTimers(true);
     if (wasRunning && !m_timersRunning)
@@ -131,6 +151,8 @@ void Schedule::launch(const TimerSlot &timer)
     // Told first: what the launcher reports about the opening belongs to this date.
     Q_EMIT launched(timer->path(), timer->fireDate());
     const qsizetype k = slotOf(timer);
+    if (k >= 0)
+        m_lastFired.insert(idAt(int(k)), timer->fireMSecs());
     if (m_launchItem)
         m_launchItem(timer->path(), k >= 0 ? idAt(int(k)) : 0);
 
@@ -151,7 +173,7 @@ void Schedule::launch(const TimerSlot &timer)
             m_timers[k] = armTimer(timer->path(), fireAt);
             m_slotIndex.insert(m_timers[k].get(), k);
             if (k < m_dates.size())
-                m_dates[k] = QDateTime::fromMSecsSinceEpoch(next);
+                m_dates[k] = QDateTime::fromMSecsSinceEpoch(next, Qt::UTC);
             scheduleWakeUpSoon();
         }
     }
@@ -230,6 +252,9 @@ void Schedule::afterWake()
     std::stable_sort(passed.begin(), passed.end(), [this](int a, int b) { return m_timers.at(a)->fireMSecs() < m_timers.at(b)->fireMSecs(); });
     for (int row : std::as_const(passed))
         Q_EMIT missed(m_paths.at(row), m_timers.at(row)->fireDate());
+    // Told as missed: the re-arm below must not fire them after all.
+    for (int row : std::as_const(passed))
+        m_timers.at(row)->invalidate();
     // By default they are dropped, as they always were; opening them late is the user's choice.
     if (!passed.isEmpty() && m_preferences.boolValue(Keys::OpenMissedItems))
         catchUp(passed);
@@ -252,13 +277,15 @@ void Schedule::catchUp(QList<int> rows)
     QList<Due> due;
     const qint64 nowMSecs = m_clock.nowMSecs();
     const qint64 period = repeatMSecs();
+    rows.removeIf([this](int row) { return hasFired(idAt(row), m_dates.at(row).toMSecsSinceEpoch()); });
     for (int row : std::as_const(rows)) {
         due.append({m_paths.at(row), m_dates.at(row), idAt(row)});
+        m_lastFired.insert(idAt(row), m_dates.at(row).toMSecsSinceEpoch());
         // Once, not once per period missed: the series goes on from its next time after now.
         if (period > 0) {
             const qint64 due = m_dates.at(row).toMSecsSinceEpoch();
             const qint64 periods = nowMSecs >= due ? (nowMSecs - due) / period + 1 : 0;
-            m_dates[row] = QDateTime::fromMSecsSinceEpoch(due + periods * period);
+            m_dates[row] = QDateTime::fromMSecsSinceEpoch(due + periods * period, Qt::UTC);
         }
     }
     if (m_timersRunning)

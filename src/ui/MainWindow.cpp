@@ -385,7 +385,7 @@ void MainWindow::tableViewSelectionDidChange()
     if (row < m_schedule.dates().size()) {
         // Showing a row's date is not picking one.
         const QSignalBlocker quiet(m_datePicker);
-        m_datePicker->setDateTime(m_schedule.dates().at(row));
+        m_datePicker->setDateTime(m_schedule.dates().at(row).toLocalTime());
     }
 }
 

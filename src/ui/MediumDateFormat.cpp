@@ -10,12 +10,21 @@
 
 namespace Quillon {
 
+namespace {
+// Building an ICU formatter costs far more than formatting; one per locale is kept, until the
+// time zone changes (a formatter keeps the zone it was made in).
+QHash<QString, std::shared_ptr<icu::DateFormat>> formatters;
+} // namespace
+
+void forgetMediumDateFormats()
+{
+    formatters.clear();
+}
+
 QString formatMediumDateTime(const QDateTime &dateTime, const QLocale &locale)
 {
     if (!dateTime.isValid())
         return {};
-    // Building an ICU formatter costs far more than formatting; one per locale is kept.
-    static QHash<QString, std::shared_ptr<icu::DateFormat>> formatters;
     const QString name = locale.name();
     auto &format = formatters[name];
     if (!format) {

@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <ctime>
+
 #include <cstdio>
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -36,9 +38,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("hoursLater");
         QTest::addColumn<QList<int>>("rows");
         QTest::addColumn<int>("armed");
-        QTest::newRow("as saved") << false << 0 << QList<int>{0, 1, 2} << 2;
-        QTest::newRow("middle file deleted") << true << 0 << QList<int>{0, 2} << 2;
-        QTest::newRow("every date passed") << false << 1 << QList<int>{0, 1, 2} << 0;
+        QTest::addColumn<QByteArray>("restoredIn"); // the zone of the next start; saved in Berlin
+        QTest::newRow("as saved") << false << 0 << QList<int>{0, 1, 2} << 2 << QByteArray("Europe/Berlin");
+        QTest::newRow("middle file deleted") << true << 0 << QList<int>{0, 2} << 2 << QByteArray("Europe/Berlin");
+        QTest::newRow("every date passed") << false << 1 << QList<int>{0, 1, 2} << 0 << QByteArray("Europe/Berlin");
+        // A laptop that travelled: the moments are the same, 8 hours later on the wall.
+        QTest::newRow("started in another zone") << false << 0 << QList<int>{0, 1, 2} << 2 << QByteArray("Asia/Tokyo");
     }
     void savedListComesBack()
     {
@@ -46,8 +51,19 @@ private Q_SLOTS:
         QFETCH(int, hoursLater);
         QFETCH(QList<int>, rows);
         QFETCH(int, armed);
+        QFETCH(QByteArray, restoredIn);
+        const auto zone = [](const QByteArray &name) {
+            qputenv("TZ", name);
+            ::tzset();
+        };
+        zone("Europe/Berlin");
+        auto noZone = qScopeGuard([] {
+            qunsetenv("TZ");
+            ::tzset();
+        });
         const QStringList paths = {file("a.txt"), file("b.txt"), file("c.txt")};
-        const QList<QDateTime> dates{at(100), at(200), at(-300)};
+        // Moments: a local date of the test itself would move with the zone.
+        const QList<QDateTime> dates{at(100).toUTC(), at(200).toUTC(), at(-300).toUTC()};
         {
             auto s = makeSchedule();
             s->appendPaths(paths);
@@ -59,6 +75,7 @@ private Q_SLOTS:
             s->saveItems();
         }
         m_clock.advance(hoursLater * 3600'000);
+        zone(restoredIn);
         auto resetClock = qScopeGuard([this] { m_clock.setClock(Now); });
         auto s = makeSchedule();
         QSignalSpy alerts(s.get(), &Schedule::alertRequested);

@@ -218,6 +218,32 @@ private Q_SLOTS:
         QCOMPARE(m_launched, QStringList{"a"});
     }
 
+    // A firing is the row and its moment: once it happened, no re-arm, clock step or restart opens
+    // it again, and the same moment set anew by the user does not either.
+    void aFiringHappensOnce_data()
+    {
+        QTest::addColumn<int>("rearm"); // 0: a date change elsewhere, 1: Stop and Start
+        QTest::newRow("clock back 40 s, then a re-arm") << 0;
+        QTest::newRow("clock back 40 s, then Stop and Start") << 1;
+    }
+    void aFiringHappensOnce()
+    {
+        QFETCH(int, rearm);
+        add({{"a", 30}, {"later", 3600}});
+        m_schedule->startStopButtonClicked();
+        m_clock->advance(31'000);
+        QCOMPARE(m_launched, QStringList{"a"});
+        m_clock->setClock(Now - 10'000);
+        if (rearm == 0) {
+            m_schedule->setDate({1}, at(3000));
+        } else {
+            m_schedule->startStopButtonClicked();
+            m_schedule->startStopButtonClicked();
+        }
+        m_clock->advance(60'000);
+        QCOMPARE(m_launched, QStringList{"a"});
+    }
+
     void resumeDropsItemsDueDuringSleepAndKeepsTheRest()
     {
         add({{"during", 100}, {"after", 1000}});
