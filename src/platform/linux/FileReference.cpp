@@ -17,13 +17,17 @@
 #include <unistd.h>
 
 // Linux has no alias records, and opening by file handle needs privilege. So a reference records
-// the path and the file's identity (device, inode, birth time against inode reuse) and finds a
-// renamed or moved file again by that identity, the way desktop indexers do.
+// the path and the file's identity and finds a renamed or moved file again by it, the way desktop
+// indexers do. The identity is the file handle the filesystem gives (on ext4 the inode and its
+// generation, which changes when a freed inode is given to a new file), compared, never opened;
+// where there is none, the birth time. Name, size and times are not identity.
 
 namespace Quillon::FileReference {
 namespace {
 
-const QByteArray Magic = QByteArrayLiteral("QUILLON-REF\x01");
+const QByteArray Magic = QByteArrayLiteral("QUILLON-REF\x02");
+// What references written before file handles begin with; still read.
+const QByteArray MagicWithoutHandle = QByteArrayLiteral("QUILLON-REF\x01");
 constexpr qsizetype MaxPathBytes = 1023;
 // How many directory entries one restore may look at, for all missing files together.
 constexpr int SearchBudget = 200'000;
@@ -37,8 +41,24 @@ struct Identity
     bool hasBirth = false;
     qint64 size = 0;
     qint64 mtimeSec = 0;
+    // The handle's type and bytes; empty where the filesystem gives none.
+    QByteArray handle;
     quint32 uid = 0; // not saved: only asked of a file found again
 };
+
+QByteArray handleOf(const QByteArray &path)
+{
+    alignas(file_handle) unsigned char storage[sizeof(file_handle) + MAX_HANDLE_SZ] = {};
+    auto *handle = reinterpret_cast<file_handle *>(storage);
+    handle->handle_bytes = MAX_HANDLE_SZ;
+    int mountId = 0; // changes across boots: not part of the identity
+    if (::name_to_handle_at(AT_FDCWD, path.constData(), handle, &mountId, 0) != 0)
+        return {};
+    QByteArray out;
+    QDataStream stream(&out, QIODevice::WriteOnly);
+    stream << qint32(handle->handle_type) << QByteArray(reinterpret_cast<const char *>(storage + sizeof(file_handle)), int(handle->handle_bytes));
+    return out;
+}
 
 std::optional<Identity> identityOf(const QByteArray &path)
 {
@@ -56,6 +76,7 @@ std::optional<Identity> identityOf(const QByteArray &path)
     id.size = qint64(stx.stx_size);
     id.mtimeSec = stx.stx_mtime.tv_sec;
     id.uid = stx.stx_uid;
+    id.handle = handleOf(path);
     return id;
 }
 
@@ -67,15 +88,10 @@ QByteArray parentOf(const QByteArray &path)
     return path.left(slash);
 }
 
-QByteArray nameOf(const QByteArray &path)
-{
-    return path.mid(path.lastIndexOf('/') + 1);
-}
-
 // A file found again by its inode alone would be whatever file got that inode next, another
 // user's included. Only a file that is provably the same one is taken; in doubt, the item is
 // reported missing as a deleted one would be.
-bool sameFile(const Identity &saved, const QByteArray &savedPath, const Identity &found, const QByteArray &foundPath)
+bool sameFile(const Identity &saved, const Identity &found, const QByteArray &foundPath)
 {
     if (saved.dev != found.dev || saved.ino != found.ino)
         return false;
@@ -86,11 +102,11 @@ bool sameFile(const Identity &saved, const QByteArray &savedPath, const Identity
     if (::stat(parentOf(foundPath).constData(), &folder) != 0 || (folder.st_mode & S_IWOTH)
         || (folder.st_uid != ::geteuid() && folder.st_uid != 0))
         return false;
-    if (saved.hasBirth && found.hasBirth)
-        return saved.birthSec == found.birthSec && saved.birthNSec == found.birthNSec;
-    // No birth time on this filesystem (ext2/3, ext4 with small inodes): a freed inode is soon
-    // given to a new file, so the record must agree on more than the number.
-    return (saved.size == found.size && saved.mtimeSec == found.mtimeSec) || nameOf(savedPath) == nameOf(foundPath);
+    if (!saved.handle.isEmpty() && !found.handle.isEmpty())
+        return saved.handle == found.handle;
+    // No handle (a filesystem without them, or a reference from before they were kept): only a
+    // birth time tells a freed inode given to a new file from the file that had it.
+    return saved.hasBirth && found.hasBirth && saved.birthSec == found.birthSec && saved.birthNSec == found.birthNSec;
 }
 
 struct Decoded
@@ -102,7 +118,8 @@ struct Decoded
 
 std::optional<Decoded> decode(const QByteArray &reference)
 {
-    if (!reference.startsWith(Magic)) {
+    const bool withHandle = reference.startsWith(Magic);
+    if (!withHandle && !reference.startsWith(MagicWithoutHandle)) {
         // A plain absolute path, as a hand-written list or another tool would store it.
         if (!reference.startsWith('/') || reference.contains('\0') || reference.size() > MaxPathBytes)
             return std::nullopt;
@@ -113,6 +130,8 @@ std::optional<Decoded> decode(const QByteArray &reference)
     Decoded d;
     Identity &saved = d.identity;
     stream >> d.path >> saved.dev >> saved.ino >> saved.hasBirth >> saved.birthSec >> saved.birthNSec >> saved.size >> saved.mtimeSec;
+    if (withHandle)
+        stream >> saved.handle;
     if (stream.status() != QDataStream::Ok || !d.path.startsWith('/'))
         return std::nullopt;
     return d;
@@ -125,7 +144,7 @@ class InodeSearch
 public:
     void want(qsizetype index, const QByteArray &oldPath, const Identity &identity)
     {
-        m_wanted.insert(identity.ino, {index, identity, oldPath});
+        m_wanted.insert(identity.ino, {index, identity});
         m_devices.insert(identity.dev);
         ++m_missing;
         for (QByteArray dir = parentOf(oldPath); dir != "/"; dir = parentOf(dir))
@@ -150,7 +169,6 @@ private:
     {
         qsizetype index;
         Identity identity;
-        QByteArray oldPath;
     };
 
     void searchBelow(const QByteArray &root)
@@ -196,7 +214,7 @@ private:
         if (!found)
             return;
         for (auto it = m_wanted.find(ino); it != m_wanted.end() && it.key() == ino; ++it) {
-            if (!m_found.contains(it->index) && sameFile(it->identity, it->oldPath, *found, child))
+            if (!m_found.contains(it->index) && sameFile(it->identity, *found, child))
                 m_found.insert(it->index, child);
         }
     }
@@ -224,7 +242,7 @@ QByteArray make(const QString &path)
     QDataStream stream(&out, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_6_0);
     stream.writeRawData(Magic.constData(), int(Magic.size()));
-    stream << bytes << id->dev << id->ino << id->hasBirth << id->birthSec << id->birthNSec << id->size << id->mtimeSec;
+    stream << bytes << id->dev << id->ino << id->hasBirth << id->birthSec << id->birthNSec << id->size << id->mtimeSec << id->handle;
     return out;
 }
 

@@ -5,6 +5,7 @@
 #include <QTest>
 #include <QUrl>
 
+#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,6 +31,9 @@ private Q_SLOTS:
         QTest::newRow("moved by the user") << "mv" << true;
         QTest::newRow("deleted; another user's new file in a shared folder gets its inode") << "nobody" << false;
         QTest::newRow("deleted; another file of the user's own gets its inode") << "own" << false;
+        // Name, size and the second it was written are not identity.
+        QTest::newRow("deleted; a new file of the same name elsewhere gets its inode") << "same name" << false;
+        QTest::newRow("deleted; a new file of the same size and second gets its inode") << "same size" << false;
     }
     void onlyTheSameFileIsFoundAgain()
     {
@@ -61,10 +65,16 @@ private Q_SLOTS:
             QVERIFY(QFile::rename(item, other));
         } else {
             QVERIFY(QFile::remove(item));
-            other = after == QLatin1String("nobody") ? shared + QStringLiteral("/evil.sh") : root + QStringLiteral("/kept/notes.txt");
+            other = after == QLatin1String("nobody")      ? shared + QStringLiteral("/evil.sh")
+                  : after == QLatin1String("same name") ? root + QStringLiteral("/kept/report.sh")
+                  : after == QLatin1String("same size") ? root + QStringLiteral("/kept/other.sh")
+                                                        : root + QStringLiteral("/kept/notes.txt");
+            const QByteArray text = after.startsWith(QLatin1String("same")) ? "#!/bin/sh\necho evil\n" : "other things entirely\n";
             const QStringList as = after == QLatin1String("nobody") ? QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")}
                                                                    : QStringList{QStringLiteral("--reuid=0")};
-            QVERIFY(Test::run(QStringLiteral("setpriv"), as + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("echo 'other things entirely' > '%1'").arg(other)}));
+            QVERIFY(Test::run(QStringLiteral("setpriv"), as + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("printf '%1' > '%2'").arg(QString::fromLatin1(text), other)}));
+            const timespec times[2] = {before.st_atim, before.st_mtim};
+            QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         }
         struct stat now{};
         ::stat(QFile::encodeName(other).constData(), &now);
