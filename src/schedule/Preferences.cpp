@@ -249,10 +249,16 @@ bool Preferences::keepProblemFileAside()
     // every key of ours that could be read is set again. Anything else parsed out of a damaged
     // file is most likely its damage (100 MB of junk reads as 100,000 keys): the copy keeps it.
     QList<std::pair<QString, QVariant>> readable;
+    QStringList unknown;
     for (const QString &key : m_settings.allKeys()) {
         if (Keys::isKnown(key))
             readable.append({key, m_settings.value(key)});
+        else
+            unknown << key;
     }
+    // Gone from memory too, whatever QSettings would merge back from what it parsed.
+    for (const QString &key : std::as_const(unknown))
+        m_settings.remove(key);
     // The copy holds it now; a fresh file gets our own private mode instead of the odd one it had.
     ::unlink(QFile::encodeName(original).constData());
     for (const auto &[key, value] : std::as_const(readable)) {
