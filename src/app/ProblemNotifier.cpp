@@ -48,6 +48,7 @@ std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kin
     // At quit: the session is going away, the history keeps them.
     case History::Kind::ScriptEndedByQuit:
     case History::Kind::NotStarted:
+    case History::Kind::DidNotQuit:
     case History::Kind::MailSent:
         return std::nullopt;
     }

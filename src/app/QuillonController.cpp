@@ -37,6 +37,8 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
     , m_mail(m_preferences, &m_password)
     , m_launcher(m_preferences, platform.workspace, platform.scripts,
                  [this](const QString &body, const QString &subject) { sendMail(body, subject); })
+    , m_heartbeat(QFileInfo(platform.historyFile.isEmpty() ? History::defaultFileName() : platform.historyFile).absolutePath()
+                  + QStringLiteral("/running"))
 {
     connect(&m_mail, &MailDispatcher::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
     // Only once the quit has come to the deliveries: earlier steps may still be under way.
@@ -84,11 +86,26 @@ void QuillonController::awakeFromNib()
     m_platform.power.registerForNotifications();
 
     wireHistory();
+    const Heartbeat::Last last = m_heartbeat.read(m_preferences.fileName());
+    if (!last.quitNormally) {
+        const QString since = last.savedAt.isValid() ? formatMediumDateTime(last.savedAt) : tr("the last quit");
+        systemLog(QStringLiteral("Quillon did not quit normally; changes since %1 were not saved.").arg(since));
+        m_history->record(History::Kind::DidNotQuit, {}, {}, tr("Quillon did not quit normally; changes since %1 were not saved").arg(since));
+    }
     const bool wasRunning = m_preferences.boolValue(Keys::TimersRunning);
     if (m_preferences.rememberItems()) {
         m_schedule.restoreItems();
-        recordMissedWhileOff(wasRunning);
+        recordMissedWhileOff(wasRunning, last.runningUntil);
     }
+    m_heartbeat.begin(m_platform.clock.now(), m_schedule.timersRunning());
+    // Every change of what is armed, and now and then while it runs: a kill loses at most a turn.
+    connect(&m_schedule, &Schedule::runningStateChanged, this, &QuillonController::beatSoon);
+    connect(&m_schedule, &Schedule::rowChanged, this, &QuillonController::beatSoon);
+    for (auto signal : {&Schedule::rowsInserted, &Schedule::reset, &Schedule::reloadTable})
+        connect(&m_schedule, signal, this, &QuillonController::beatSoon);
+    auto *beats = new QTimer(this);
+    connect(beats, &QTimer::timeout, this, &QuillonController::beatSoon);
+    beats->start(std::chrono::minutes(1));
     showUnseenProblems();
     m_password.migrate();
 
@@ -151,17 +168,30 @@ void QuillonController::wireHistory()
     });
 }
 
-// A schedule saved as running whose items' times passed while Quillon was not running: each
-// one nothing was done about is missed.
-void QuillonController::recordMissedWhileOff(bool wasRunning)
+void QuillonController::beatSoon()
 {
-    if (!wasRunning)
+    if (std::exchange(m_beatQueued, true))
+        return;
+    QTimer::singleShot(0, this, [this] {
+        m_beatQueued = false;
+        // After the quit's own word, nothing more: the file says the quit was clean.
+        if (!m_terminated)
+            m_heartbeat.beat(m_platform.clock.now(), m_schedule.timersRunning());
+    });
+}
+
+// A schedule saved as running whose items' moments came after it was last seen running: armed,
+// and nobody was there to open them. An item whose moment had passed before (opened then, added
+// with a past date, dropped by Stop) is not missed, whatever the history holds.
+void QuillonController::recordMissedWhileOff(bool wasRunning, const std::optional<QDateTime> &runningUntil)
+{
+    if (!wasRunning || !runningUntil)
         return;
     const QDateTime now = m_platform.clock.now();
     QList<int> missed;
     for (int row = 0; row < m_schedule.count() && row < m_schedule.dates().size(); ++row) {
         const QDateTime date = m_schedule.dates().at(row);
-        if (date <= now && !m_history->handled(m_schedule.paths().at(row), date)) {
+        if (date > *runningUntil && date <= now) {
             m_history->record(History::Kind::Missed, m_schedule.paths().at(row), date, QStringLiteral("Quillon was not running"));
             missed << row;
         }
@@ -289,6 +319,7 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems())
         m_schedule.saveItems();
+    m_heartbeat.quit(m_platform.clock.now(), m_schedule.timersRunning());
     m_schedule.freeze();
     m_history->flush();
     m_window->hide();

@@ -2,6 +2,7 @@
 
 #include "Launcher.h"
 #include "MailDispatcher.h"
+#include "Heartbeat.h"
 #include "HistoryWindow.h"
 #include "MailPassword.h"
 #include "Preferences.h"
@@ -109,7 +110,9 @@ private:
     void quitAfterDeliveries();
     void exitNow();
     void wireHistory();
-    void recordMissedWhileOff(bool wasRunning);
+    void recordMissedWhileOff(bool wasRunning, const std::optional<QDateTime> &runningUntil);
+    // The heartbeat says where the schedule stands, once per event-loop turn however often asked.
+    void beatSoon();
     void deliver(SimpleSMTP *delivery);
     void showUnseenProblems();
 
@@ -122,6 +125,8 @@ private:
     Launcher m_launcher;
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<History> m_history;
+    Heartbeat m_heartbeat;
+    bool m_beatQueued = false;
     std::unique_ptr<ProblemNotifier> m_notifier;
     QPointer<HistoryWindow> m_historyWindow;
     // When each item now opening was due: what the launcher reports later belongs to that date.

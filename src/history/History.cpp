@@ -49,6 +49,7 @@ bool History::isProblem(Kind kind)
     case Kind::MailRefused:
     case Kind::MailFailed:
     case Kind::NotStarted:
+    case Kind::DidNotQuit:
         return true;
     case Kind::Opened:
     case Kind::ScriptFinished:
@@ -63,7 +64,7 @@ bool History::isProblem(Kind kind)
 QString History::problemKinds()
 {
     QStringList kinds;
-    for (int k = int(Kind::Opened); k <= int(Kind::NotStarted); ++k) {
+    for (int k = int(Kind::Opened); k <= int(Kind::DidNotQuit); ++k) {
         if (isProblem(Kind(k)))
             kinds << QString::number(k);
     }
@@ -95,6 +96,8 @@ QString History::kindText(Kind kind)
         return tr("Mail failed");
     case Kind::NotStarted:
         return tr("Not started");
+    case Kind::DidNotQuit:
+        return tr("Did not quit normally");
     }
     return {};
 }

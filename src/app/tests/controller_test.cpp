@@ -123,6 +123,54 @@ private Q_SLOTS:
         }
     }
 
+    // Missed is what was armed while Quillon last ran and came while it was off, never what the
+    // history lacks: an item opened before the quit stays opened when the history is lost, one
+    // added with a past date is never missed. A run that ended without its quit is told.
+    void missedIsWhatWasArmedWhileOff_data()
+    {
+        QTest::addColumn<int>("due"); // s after the first start
+        QTest::addColumn<bool>("historyLost");
+        QTest::addColumn<bool>("killed"); // a second run ends without its quit
+        QTest::addColumn<QStringList>("recorded"); // at the last start, newest first
+        QTest::newRow("due while off") << 600 << false << false << QStringList{"Missed"};
+        QTest::newRow("opened, then the history was lost") << 30 << true << false << QStringList{};
+        QTest::newRow("added with a past date") << -30 << false << false << QStringList{};
+        QTest::newRow("due after a run that was killed") << 600 << false << true << QStringList{"Missed", "Did not quit normally"};
+    }
+    void missedIsWhatWasArmedWhileOff()
+    {
+        QFETCH(int, due);
+        QFETCH(bool, historyLost);
+        QFETCH(bool, killed);
+        QFETCH(QStringList, recorded);
+        const QString item = m_config->filePath(QStringLiteral("item.txt")), later = m_config->filePath(QStringLiteral("later.txt"));
+        QVERIFY(Test::writeFile(item) && Test::writeFile(later));
+        start();
+        m_controller->preferences().setValue(Keys::OpenMissedItems, false);
+        m_controller->editor().add({item}, Test::at(due));
+        m_controller->editor().add({later}, Test::at(36'000)); // keeps the schedule running
+        m_controller->schedule().startStopButtonClicked();
+        m_clock->advance(60'000);
+        QCOMPARE(m_workspace.opened, due == 30 ? QStringList{item} : QStringList{});
+        m_controller->applicationWillTerminate();
+        m_controller.reset();
+        if (historyLost)
+            QVERIFY(QFile::remove(History::defaultFileName()));
+        if (killed) {
+            start();
+            QCoreApplication::processEvents();
+            m_controller.reset(); // no quit: as SIGKILL leaves it
+        }
+        m_clock->advance(1200'000);
+        start();
+        m_controller->showHistory();
+        HistoryModel *model = m_controller->historyWindow()->model();
+        QStringList what;
+        for (int row = 0; row < model->rowCount(); ++row)
+            what << model->index(row, HistoryModel::WhatColumn).data().toString();
+        QVERIFY2(what == recorded, qPrintable(what.join(QLatin1Char(','))));
+    }
+
     // GNOME has no tray: the window is shown and closed minimised, so a running Quillon stays in reach.
     void withoutATrayTheWindowStaysReachable()
     {
