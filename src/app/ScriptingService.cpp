@@ -58,7 +58,7 @@ bool ScriptingService::registerOn(QDBusConnection bus)
     // Without queueing: a second Quillon (another settings file) must not wait for the name and
     // take it over later from under the scripts that talk to the first.
     if (!bus.registerService(QLatin1String(ServiceName))) {
-        systemLog(QStringLiteral("The session bus name %1 belongs to another program; scripts cannot reach this Quillon.").arg(QLatin1String(ServiceName)));
+        systemLog(QStringLiteral("The session bus name %1 belongs to another program or another Quillon.").arg(QLatin1String(ServiceName)));
         bus.unregisterObject(QLatin1String(ObjectPath));
         return false;
     }

@@ -84,7 +84,14 @@ SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
     const QString folder = privateFolder(settingsFile);
     if (folder.isEmpty())
         return;
-    const QByteArray key = QCryptographicHash::hash(QFile::encodeName(QFileInfo(settingsFile).absoluteFilePath()), QCryptographicHash::Sha256).toHex().left(16);
+    // The real path: ~/.config reached through a link is the same settings file.
+    const QString settingsFolder = QFileInfo(QFileInfo(settingsFile).absolutePath()).canonicalFilePath();
+    const QString realFile = settingsFolder.isEmpty() ? QFileInfo(settingsFile).absoluteFilePath() : settingsFolder + QLatin1Char('/') + QFileInfo(settingsFile).fileName();
+    if (!settingsFolder.isEmpty() && notALockFile(settingsFolder + QStringLiteral("/Quillon.instance.lock")).isEmpty()) {
+        m_settingsLock = std::make_unique<QLockFile>(settingsFolder + QStringLiteral("/Quillon.instance.lock"));
+        m_settingsLock->setStaleLockTime(0);
+    }
+    const QByteArray key = QCryptographicHash::hash(QFile::encodeName(realFile), QCryptographicHash::Sha256).toHex().left(16);
     m_base = folder + QStringLiteral("/quillon-") + QString::fromLatin1(key);
     // Reading a FIFO in the lock's place would hold this start, and every later one, for ever; a
     // folder there would make every start think another holds it. Such a thing is left alone and
@@ -119,6 +126,10 @@ SingleInstance::Claim SingleInstance::claim(const QByteArray &activationToken)
         return Claim::Impossible;
     const QString socket = m_base + QStringLiteral(".socket");
     if (m_lock->tryLock(0)) {
+        if (settingsHeldElsewhere()) {
+            m_lock->unlock();
+            return Claim::Elsewhere;
+        }
         // A socket left by a crash is ours to replace now.
         QLocalServer::removeServer(socket);
         m_server.setSocketOptions(QLocalServer::UserAccessOption);
@@ -130,7 +141,26 @@ SingleInstance::Claim SingleInstance::claim(const QByteArray &activationToken)
         systemLog(QStringLiteral("Cannot create the instance lock %1.lock.").arg(m_base));
         return Claim::Impossible;
     }
-    return handOver(validToken(activationToken)) ? Claim::HandedOver : Claim::Ours;
+    if (handOver(validToken(activationToken)))
+        return Claim::HandedOver;
+    if (settingsHeldElsewhere()) {
+        m_lock->unlock();
+        m_server.close();
+        return Claim::Elsewhere;
+    }
+    return Claim::Ours;
+}
+
+// Another start on these settings from a runtime folder of its own: its socket is out of reach,
+// so nothing can be handed over; a second schedule over the same list is never run.
+bool SingleInstance::settingsHeldElsewhere()
+{
+    if (!m_settingsLock || m_settingsLock->tryLock(0) || m_settingsLock->error() != QLockFile::LockFailedError)
+        return false;
+    qint64 pid = 0;
+    m_settingsLock->getLockInfo(&pid, nullptr, nullptr);
+    systemLog(QStringLiteral("Another Quillon (process %1) runs on these settings from another runtime folder; not starting a second one.").arg(pid));
+    return true;
 }
 
 namespace {

@@ -12,7 +12,8 @@ namespace Quillon {
 // open every item twice, whatever display each one shows on. The first start holds a lock file and
 // listens on a local socket beside it in the user's private runtime folder; a later start hands
 // over to it and ends. A lock left by a crashed instance names a process that no longer runs, and
-// is taken over.
+// is taken over. The settings file is known by its real path (a folder reached through a link is
+// the same folder), and a second lock in that folder catches a start whose runtime folder differs.
 class SingleInstance final : public QObject
 {
     Q_OBJECT
@@ -20,9 +21,10 @@ class SingleInstance final : public QObject
 public:
     explicit SingleInstance(const QString &settingsFile, QObject *parent = nullptr);
 
-    enum class Claim { Ours, HandedOver, Impossible };
+    enum class Claim { Ours, HandedOver, Elsewhere, Impossible };
     // Ours: this process is the one. HandedOver: another one runs and was asked to show its window.
-    // Impossible: no private place for the lock (said in the log).
+    // Elsewhere: another one runs on these settings from another session's runtime folder, out of
+    // reach (said in the log). Impossible: no private place for the lock (said in the log).
     // activationToken: what this start's launcher gave it for raising a window, passed on.
     Claim claim(const QByteArray &activationToken = {});
 
@@ -32,10 +34,13 @@ Q_SIGNALS:
 
 private:
     bool handOver(const QByteArray &activationToken);
+    bool settingsHeldElsewhere();
     static QString privateFolder(const QString &settingsFile);
 
     QString m_base;
     std::unique_ptr<QLockFile> m_lock;
+    // In the settings folder itself, whatever runtime folder each start has.
+    std::unique_ptr<QLockFile> m_settingsLock;
     QLocalServer m_server;
 };
 

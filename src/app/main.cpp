@@ -20,6 +20,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QIcon>
 #include <QStandardPaths>
 
@@ -110,6 +111,9 @@ int main(int argc, char *argv[])
         break;
     case SingleInstance::Claim::HandedOver:
         return 0;
+    case SingleInstance::Claim::Elsewhere:
+        std::fputs("quillon: another Quillon runs on these settings in another session (see the log above); not starting, so that no item opens twice\n", stderr);
+        return 1;
     case SingleInstance::Claim::Impossible:
         std::fputs("quillon: no private folder for the instance lock (see the log above); not starting, so that no item opens twice\n", stderr);
         return 1;
@@ -151,7 +155,14 @@ int main(int argc, char *argv[])
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
     // Scripts in the session reach the list through the bus; without one Quillon works on alone.
     ScriptingService scripting(controller);
-    scripting.registerOn(QDBusConnection::sessionBus());
+    // The lock above already keeps a second Quillon of these settings out: whoever holds the name is
+    // another program or a Quillon of other settings, and scripts would drive the wrong list.
+    if (!scripting.registerOn(QDBusConnection::sessionBus()) && QDBusConnection::sessionBus().isConnected()
+        && QDBusConnection::sessionBus().interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName))) {
+        std::fputs("quillon: the session bus name org.quillon.Quillon belongs to another program or to a Quillon of other settings; "
+                   "not starting, so that scripts cannot reach the wrong list\n", stderr);
+        return 1;
+    }
     QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller](const QByteArray &token) {
         systemLog(token.isEmpty() ? QStringLiteral("Another start asked for the window.")
                                   : QStringLiteral("Another start asked for the window, with an activation token."));

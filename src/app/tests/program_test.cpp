@@ -61,6 +61,43 @@ private Q_SLOTS:
         QVERIFY(Test::endsCleanly(first, SIGTERM));
     }
 
+    // One Quillon per settings file, however the second start reaches it: through a link to the
+    // settings folder, with another private runtime folder, or with none.
+    void oneInstancePerSettingsFile_data()
+    {
+        QTest::addColumn<QString>("config");  // the second start's XDG_CONFIG_HOME
+        QTest::addColumn<QString>("runtime"); // and its XDG_RUNTIME_DIR; empty: unset
+        QTest::newRow("settings through a link, another runtime folder") << "link" << "runtime2";
+        QTest::newRow("another private runtime folder") << "config" << "runtime2";
+        QTest::newRow("no runtime folder") << "config" << "";
+    }
+    void oneInstancePerSettingsFile()
+    {
+        QFETCH(QString, config);
+        QFETCH(QString, runtime);
+        QTemporaryDir session;
+        QVERIFY(QDir().mkpath(session.filePath(QStringLiteral("config/Quillon"))) && QDir().mkpath(session.filePath(QStringLiteral("runtime2"))));
+        QFile::setPermissions(session.filePath(QStringLiteral("runtime2")), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QVERIFY(QFile::link(session.filePath(QStringLiteral("config")), session.filePath(QStringLiteral("link"))));
+        QProcess first;
+        start(first, session);
+        // Up and running: its heartbeat comes once the list is read, after the signal handlers.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(session.filePath(QStringLiteral("state/Quillon/running"))), 10'000);
+        QProcess second;
+        QProcessEnvironment env = Test::sessionEnvironment(session);
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
+        if (runtime.isEmpty())
+            env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+        else
+            env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
+        second.setProcessEnvironment(env);
+        second.start(QStringLiteral(QUILLON_BINARY), {});
+        QVERIFY(second.waitForFinished(15'000));
+        QVERIFY2(second.readAllStandardError().contains("another Quillon runs on these settings"), "the second start says why it ends");
+        QCOMPARE(second.exitCode(), 1);
+        QVERIFY(Test::endsCleanly(first, SIGTERM));
+    }
+
     void staleLockFromAKilledInstanceDoesNotBlock()
     {
         QTemporaryDir session;
