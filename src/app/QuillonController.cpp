@@ -131,9 +131,9 @@ void QuillonController::wireHistory()
         }
         if (m_late.contains(path)) {
             const QDateTime due = m_late.take(path);
-            const qint64 minutes = due.secsTo(m_platform.clock.now()) / 60;
+            const QString late = History::latenessText(due.secsTo(m_platform.clock.now()));
             m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, due,
-                              failure.isEmpty() ? QStringLiteral("%1, %2 min late").arg(how).arg(minutes) : failure);
+                              failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, late) : failure);
             return;
         }
         m_history->record(failure.isEmpty() ? History::Kind::Opened : History::Kind::OpenFailed, path, m_due.take(path), failure.isEmpty() ? how : failure);

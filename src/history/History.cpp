@@ -71,6 +71,17 @@ QString History::problemKinds()
     return kinds.join(QLatin1Char(','));
 }
 
+QString History::latenessText(qint64 seconds)
+{
+    if (seconds < 120)
+        return tr("%n s late", nullptr, int(qMax<qint64>(seconds, 0)));
+    if (seconds < 120 * 60)
+        return tr("%n min late", nullptr, int(seconds / 60));
+    if (seconds < 48 * 3600)
+        return tr("%n h late", nullptr, int(seconds / 3600));
+    return tr("%n days late", nullptr, int(seconds / 86400));
+}
+
 QString History::kindText(Kind kind)
 {
     switch (kind) {

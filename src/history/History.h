@@ -51,6 +51,8 @@ public:
     static QString defaultFileName();
     static bool isProblem(Kind kind);
     static QString kindText(Kind kind);
+    // How late, in the unit that fits: "35 s late", "12 min late", "5 h late", "4 days late".
+    static QString latenessText(qint64 seconds);
     // The kinds that are problems, for a query: "2,4,6,9,10".
     static QString problemKinds();
     // A path as the file stores it (its bytes), and back; older rows hold UTF-8 text.

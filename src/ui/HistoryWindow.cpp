@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeySequence>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QShortcut>
@@ -47,9 +48,16 @@ void HistoryModel::refresh()
         return;
     }
     QStringList where;
+    // What happened is stored as a number: the kinds whose words hold the text are looked up here.
+    QStringList kinds;
+    for (int k = int(History::Kind::Opened); k <= int(History::Kind::DidNotQuit); ++k) {
+        if (!m_text.isEmpty() && History::kindText(History::Kind(k)).contains(m_text, Qt::CaseInsensitive))
+            kinds << QString::number(k);
+    }
     if (!m_text.isEmpty())
         // A path is kept as bytes, which LIKE does not match against text.
-        where << QStringLiteral("(CAST(path AS TEXT) LIKE ? ESCAPE '\\' OR detail LIKE ? ESCAPE '\\')");
+        where << QStringLiteral("(CAST(path AS TEXT) LIKE ? ESCAPE '\\' OR detail LIKE ? ESCAPE '\\'%1)")
+                     .arg(kinds.isEmpty() ? QString() : QStringLiteral(" OR kind IN (%1)").arg(kinds.join(QLatin1Char(','))));
     if (m_problemsOnly)
         where << QStringLiteral("kind IN (%1)").arg(History::problemKinds());
     QSqlQuery query(QSqlDatabase::database(m_history.connectionName(), false));
@@ -70,12 +78,13 @@ void HistoryModel::refresh()
 
 QString HistoryModel::pathAt(int row) const
 {
-    return History::pathOf(record(row).value(Path));
+    // From the query itself: record() asks data() for every field, which answers for what is shown.
+    return History::pathOf(QSqlQueryModel::data(createIndex(row, Path), Qt::DisplayRole));
 }
 
 int HistoryModel::columnCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : 4;
+    return parent.isValid() ? 0 : ColumnCount;
 }
 
 QVariant HistoryModel::data(const QModelIndex &index, int role) const
@@ -87,13 +96,19 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
     const auto kind = History::Kind(field(Kind).toInt());
     if (role == Qt::ToolTipRole && index.column() == ItemColumn)
         return FileName::display(History::pathOf(field(Path)));
+    // A long detail is cut by the column; the whole of it shows on hovering.
+    if (role == Qt::ToolTipRole && index.column() == DetailColumn && !field(Detail).toString().isEmpty())
+        return field(Detail);
     if (role == Qt::ForegroundRole && History::isProblem(kind) && index.column() == WhatColumn)
         return QColor(Qt::darkRed);
     if (role != Qt::DisplayRole)
         return {};
     switch (index.column()) {
     case WhenColumn:
-        return formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(field(At).toLongLong()));
+        return formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(field(At).toLongLong(), Qt::UTC));
+    case DueColumn:
+        // When it was due, beside when something happened: a missed item's row is written on waking.
+        return field(Scheduled).isNull() ? QString() : formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(field(Scheduled).toLongLong(), Qt::UTC));
     case ItemColumn: {
         const QString path = FileName::display(History::pathOf(field(Path)));
         return path.isEmpty() ? tr("(mail)") : path.section(QLatin1Char('/'), -1);
@@ -113,6 +128,8 @@ QVariant HistoryModel::headerData(int section, Qt::Orientation orientation, int 
     switch (section) {
     case WhenColumn:
         return tr("When");
+    case DueColumn:
+        return tr("Due");
     case ItemColumn:
         return tr("Item");
     case WhatColumn:
@@ -135,14 +152,17 @@ HistoryWindow::HistoryWindow(History &history, Workspace &workspace, QWidget *pa
     auto *filters = new QHBoxLayout;
     m_filter = new QLineEdit(this);
     m_filter->setObjectName(QStringLiteral("historyFilter"));
-    m_filter->setPlaceholderText(tr("Filter by item or detail"));
+    m_filter->setPlaceholderText(tr("Filter by item, detail or what happened"));
     m_filter->setAccessibleName(tr("Filter"));
     m_filter->setClearButtonEnabled(true);
     m_kinds = new QComboBox(this);
     m_kinds->setObjectName(QStringLiteral("historyKinds"));
     m_kinds->setAccessibleName(tr("Show"));
     m_kinds->addItems({tr("Everything"), tr("Problems only")});
+    auto *kindsLabel = new QLabel(tr("&Show:"), this);
+    kindsLabel->setBuddy(m_kinds);
     filters->addWidget(m_filter, 1);
+    filters->addWidget(kindsLabel);
     filters->addWidget(m_kinds);
     layout->addLayout(filters);
 
@@ -160,6 +180,7 @@ HistoryWindow::HistoryWindow(History &history, Workspace &workspace, QWidget *pa
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().height() + 8);
     m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::WhenColumn, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::DueColumn, QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::ItemColumn, QHeaderView::Interactive);
     m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::WhatColumn, QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setStretchLastSection(true);
@@ -203,7 +224,9 @@ void HistoryWindow::showRowMenu(const QPoint &at)
             m_workspace.selectFile(path);
     })->setEnabled(!paths.isEmpty());
     menu->addAction(tr("&Copy"), this, [paths] { QApplication::clipboard()->setText(FileName::display(paths.join(QLatin1Char('\n')))); })->setEnabled(!paths.isEmpty());
-    menu->popup(m_table->viewport()->mapToGlobal(at));
+    // Just beside the pointer: placed under it, the release of the right button that opened the
+    // menu lands on Open Now and opens the file.
+    menu->popup(m_table->viewport()->mapToGlobal(at) + QPoint(2, 2));
 }
 
 } // namespace Quillon

@@ -17,10 +17,11 @@ class HistoryModel final : public QSqlQueryModel
 {
     Q_OBJECT
 public:
-    enum Column { WhenColumn, ItemColumn, WhatColumn, DetailColumn };
+    enum Column { WhenColumn, DueColumn, ItemColumn, WhatColumn, DetailColumn, ColumnCount };
     explicit HistoryModel(History &history, QObject *parent = nullptr);
 
-    // Records whose item or detail contain text; only problems when problemsOnly.
+    // Records whose item, detail or what happened ("missed", "failed") contain text; only
+    // problems when problemsOnly.
     void setFilter(const QString &text, bool problemsOnly);
     void refresh();
     QString pathAt(int row) const;

@@ -16,6 +16,10 @@
 #include "TestSupport.h"
 
 #include <QCheckBox>
+#include <QTableView>
+#include <QStandardPaths>
+#include <QProcess>
+#include <QClipboard>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
@@ -116,6 +120,9 @@ private Q_SLOTS:
                 QCOMPARE(model->rowCount(), catchUp ? 2 : 1);
                 model->setFilter(QStringLiteral("Köln"), false);
                 QCOMPARE(model->rowCount(), 0);
+                // And by what happened.
+                model->setFilter(QStringLiteral("missed"), false);
+                QCOMPARE(model->rowCount(), 1);
             }
             m_controller->applicationWillTerminate();
             m_controller.reset();
@@ -169,6 +176,58 @@ private Q_SLOTS:
         for (int row = 0; row < model->rowCount(); ++row)
             what << model->index(row, HistoryModel::WhatColumn).data().toString();
         QVERIFY2(what == recorded, qPrintable(what.join(QLatin1Char(','))));
+    }
+
+    // The History's row actions as a user reaches them, with real input on the shown window: a
+    // click selects a row, Ctrl+C copies its file, and each menu entry is taken by its key.
+    void historyActionsWithRealInput()
+    {
+        if (QGuiApplication::platformName() != QLatin1String("xcb") || QStandardPaths::findExecutable(QStringLiteral("xdotool")).isEmpty())
+            QSKIP("Real input needs an X server and xdotool.");
+        const QString item = m_config->filePath(QStringLiteral("Résumé 100%.txt"));
+        QVERIFY(Test::writeFile(item));
+        start();
+        m_controller->history().record(History::Kind::Missed, item, Test::at(-60), QStringLiteral("the computer was asleep"));
+        m_controller->history().record(History::Kind::MailSent, {}, {}, QStringLiteral("Quillon launched path..."));
+        m_controller->showHistory();
+        HistoryWindow *window = m_controller->historyWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        QTableView *table = window->table();
+        // The missed record is the oldest, the last row; new records come in above it.
+        const auto toTheRow = [table] {
+            const QPoint row = table->viewport()->mapToGlobal(table->visualRect(table->model()->index(table->model()->rowCount() - 1, HistoryModel::ItemColumn)).center());
+            return QStringList{QStringLiteral("mousemove"), QString::number(row.x()), QString::number(row.y())};
+        };
+        const auto xdotool = [](const QStringList &arguments) { QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), arguments), 0); };
+        xdotool(toTheRow() + QStringList{QStringLiteral("click"), QStringLiteral("1")});
+        QTRY_COMPARE(table->selectionModel()->selectedRows().size(), 1);
+        QCOMPARE(table->selectionModel()->selectedRows().first().row(), 1);
+        xdotool({QStringLiteral("key"), QStringLiteral("ctrl+c")});
+        QTRY_COMPARE(QApplication::clipboard()->text(), item);
+        QApplication::clipboard()->clear();
+        const QList<std::pair<QString, std::function<bool()>>> entries{
+            {QStringLiteral("o"), [&] { return m_workspace.opened == QStringList{item}; }},
+            {QStringLiteral("f"), [&] { return m_workspace.selected == QStringList{item}; }},
+            {QStringLiteral("c"), [&] { return QApplication::clipboard()->text() == item; }},
+        };
+        for (const auto &[key, done] : entries) {
+            m_workspace.opened.clear();
+            m_workspace.selected.clear();
+            QTRY_COMPARE(table->model()->rowCount(), key == QLatin1String("o") ? 2 : 3);
+            QTRY_VERIFY(!QApplication::activePopupWidget());
+            // The click that opens the menu must not choose from it.
+            QTest::qWait(200); // the last entry's work (a refresh, the clipboard) done, as a person waits
+            xdotool(toTheRow() + QStringList{QStringLiteral("click"), QStringLiteral("3")});
+            QTRY_VERIFY2(qobject_cast<QMenu *>(QApplication::activePopupWidget()), qPrintable(key));
+            QTest::qWait(100);
+            QVERIFY(m_workspace.opened.isEmpty() && m_workspace.selected.isEmpty());
+            const QList<QAction *> actions = QApplication::activePopupWidget()->actions();
+            QVERIFY(std::all_of(actions.begin(), actions.end(), [](QAction *action) { return action->isEnabled(); }));
+            xdotool({QStringLiteral("key"), key});
+            QTRY_VERIFY2(done(), qPrintable(key));
+        }
+        // Open Now's own record came in, above the rest.
+        QCOMPARE(table->model()->rowCount(), 3);
     }
 
     // GNOME has no tray: the window is shown and closed minimised, so a running Quillon stays in reach.

@@ -127,6 +127,23 @@ private Q_SLOTS:
         QCOMPARE(S_ISDIR(st.st_mode), found == QLatin1String("folder"));
     }
 
+    void latenessInTheUnitThatFits_data()
+    {
+        QTest::addColumn<qint64>("seconds");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("seconds") << qint64(35) << "35 s late";
+        QTest::newRow("just under two minutes") << qint64(119) << "119 s late";
+        QTest::newRow("minutes") << qint64(12 * 60 + 59) << "12 min late";
+        QTest::newRow("hours") << qint64(5 * 3600) << "5 h late";
+        QTest::newRow("days") << qint64(4 * 86400 + 7) << "4 days late";
+    }
+    void latenessInTheUnitThatFits()
+    {
+        QFETCH(qint64, seconds);
+        QFETCH(QString, text);
+        QCOMPARE(History::latenessText(seconds), text);
+    }
+
     // Nothing can be created there, not even by root; recording goes on, in memory only.
     void nowhereToWriteLeavesItOff()
     {
