@@ -11,6 +11,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <memory>
+
 using namespace Quillon;
 using Kind = History::Kind;
 
@@ -37,9 +39,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_bus.start());
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-        QVERIFY(m_mock.start({QStringLiteral("--template"), QStringLiteral("notification_daemon"), QStringLiteral("-p"),
-                              QStringLiteral("{\"capabilities\": \"body actions\"}")},
-                             Service));
+        QVERIFY(startServer("body actions"));
     }
 
     void problemsAreGroupedAndReplaced()
@@ -96,10 +96,42 @@ private Q_SLOTS:
         QCOMPARE(calls().at(3).summary, QStringLiteral("Quillon opened 1 item"));
     }
 
+    // Whatever the server is and whenever it comes: control and direction characters never reach
+    // it, markup is escaped unless it is known to show plain text (also before its answer, and for
+    // a server started later), and a click on another program's notification is not ours.
+    void whatGoesOutIsSafe()
+    {
+        const QString hostile = QStringLiteral("550 <a href=\"https://evil.example\">x</a> & <img src=\"y\">\u202e\x1b[31m\rdone");
+        const QString stripped = QStringLiteral("550 <a href=\"https://evil.example\">x</a> & <img src=\"y\">[31mdone");
+        QVERIFY(startServer("body actions")); // no calls of the test before
+        DesktopNotifications notifications(QDBusConnection::sessionBus());
+        QSignalSpy clicked(&notifications, &DesktopNotifications::actionInvoked);
+        uint ours = 0;
+        notifications.notify(0, QStringLiteral("Mail\u202e refused"), hostile, {}, [&ours](uint id) { ours = id; }); // before the capabilities
+        QTRY_VERIFY(ours != 0);
+        QTRY_VERIFY(notifications.supportsActions());
+        notifications.notify(0, QStringLiteral("Mail refused"), hostile, {}, [](uint) {});
+        QTRY_COMPARE(calls().size(), 2);
+        QCOMPARE(calls().at(0).summary, QStringLiteral("Mail refused"));
+        QCOMPARE(calls().at(0).body, stripped.toHtmlEscaped());
+        QCOMPARE(calls().at(1).body, stripped); // this server shows plain text
+        emitAction(ours + 100, QStringLiteral("show-history"));
+        emitAction(ours, QStringLiteral("show-history"));
+        QTRY_COMPARE(clicked.size(), 1);
+        QCOMPARE(clicked.at(0).at(0).toUInt(), ours);
+
+        // Another server takes over, one that reads markup.
+        QVERIFY(startServer("body body-markup actions"));
+        QTest::qWait(300);
+        notifications.notify(0, QStringLiteral("Mail refused"), hostile, {}, [](uint) {});
+        QTRY_COMPARE(calls().size(), 1);
+        QCOMPARE(calls().at(0).body, stripped.toHtmlEscaped());
+    }
+
 private:
     QList<Notify> calls()
     {
-        const QDBusArgument list = m_mock.control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
+        const QDBusArgument list = m_mock->control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
         QList<Notify> out;
         list.beginArray();
         while (!list.atEnd()) {
@@ -125,11 +157,20 @@ private:
     }
     void emitAction(uint id, const QString &key)
     {
-        m_mock.control(Path, QStringLiteral("EmitSignal"), {Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
+        m_mock->control(Path, QStringLiteral("EmitSignal"), {Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
+    }
+
+    bool startServer(const char *capabilities)
+    {
+        m_mock.reset(); // its name goes with it
+        m_mock = std::make_unique<Test::DBusMock>();
+        return m_mock->start({QStringLiteral("--template"), QStringLiteral("notification_daemon"), QStringLiteral("-p"),
+                              QStringLiteral("{\"capabilities\": \"%1\"}").arg(QLatin1String(capabilities))},
+                             Service);
     }
 
     Test::PrivateBus m_bus;
-    Test::DBusMock m_mock;
+    std::unique_ptr<Test::DBusMock> m_mock;
 };
 
 QTEST_GUILESS_MAIN(NotificationsTest)

@@ -9,7 +9,9 @@
 namespace Quillon {
 
 // The freedesktop Notifications service on the session bus. Every call is asynchronous; without
-// a service nothing is shown and nothing breaks.
+// a service nothing is shown and nothing breaks. What goes out is safe whatever the server is:
+// bodies are escaped unless the server is known to show them as plain text, control and
+// direction characters never leave, and only clicks on our own notifications are acted on.
 class DesktopNotifications final : public QObject
 {
     Q_OBJECT
@@ -21,7 +23,10 @@ public:
     // it (0 when there was no answer). actions: key, label, key, label, ... (dropped when the
     // server cannot show them).
     void notify(uint replaces, const QString &summary, const QString &body, const QStringList &actions, std::function<void(uint)> done);
-    bool supportsActions() const { return m_actions; }
+    bool supportsActions() const { return m_capabilities == Capabilities::Known && m_actions; }
+    // A body as it may go to a server: without control and direction characters, and escaped
+    // where the server may read markup.
+    static QString safeText(const QString &text, bool markup);
 
 Q_SIGNALS:
     void actionInvoked(uint id, const QString &key);
@@ -30,9 +35,16 @@ private Q_SLOTS:
     void onActionInvoked(uint id, const QString &key);
 
 private:
+    // Asked at the start and again whenever another server takes the name.
+    void askCapabilities();
+
     QDBusConnection m_bus;
+    enum class Capabilities { Unknown, Known };
+    Capabilities m_capabilities = Capabilities::Unknown;
     bool m_actions = false;
     bool m_markup = false;
+    // The ids the server gave our notifications, newest last; another program's are not ours.
+    QList<uint> m_ours;
 };
 
 } // namespace Quillon
