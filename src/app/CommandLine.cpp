@@ -2,6 +2,7 @@
 
 #include "Countdown.h"
 #include "LaunchTimeText.h"
+#include "Log.h"
 #include "MediumDateFormat.h"
 #include "Preferences.h"
 #include "SavedList.h"
@@ -73,6 +74,16 @@ bool startInstance(const QDBusConnection &bus)
     return false;
 }
 
+// The instance's Running property.
+bool scheduleRuns(const QDBusConnection &bus)
+{
+    QDBusMessage get = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+                                                      QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    get << QLatin1String(ScriptingService::InterfaceName) << QStringLiteral("Running");
+    const QDBusMessage reply = bus.call(get, QDBus::Block, 10'000);
+    return reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+}
+
 struct Reply
 {
     QDBusMessage message;
@@ -87,7 +98,7 @@ Reply call(const QDBusConnection &bus, const QString &method, const QVariantList
     return {bus.call(message, QDBus::Block, 120'000)};
 }
 
-int printList(const ListedItems &items, bool json)
+int printList(const ListedItems &items, bool json, bool running)
 {
     const QDateTime now = QDateTime::currentDateTime();
     if (json) {
@@ -107,18 +118,20 @@ int printList(const ListedItems &items, bool json)
         say(stdout, CommandLine::tr("The list is empty."));
         return CommandLine::Done;
     }
+    // A countdown for an item that will never open would be a lie: a stopped schedule says so.
+    say(stdout, running ? CommandLine::tr("The schedule runs.") : CommandLine::tr("The schedule is stopped: nothing opens until it is started (quillon start)."));
     QStringList dates, states;
     qsizetype dateWidth = 0, stateWidth = 0;
     for (const ListedItem &item : items) {
         const QDateTime date = QDateTime::fromSecsSinceEpoch(item.date);
         dates << formatMediumDateTime(date);
-        states << (item.fired ? CommandLine::tr("opened") : countdownText(double(now.msecsTo(date)) / 1000.0).trimmed());
+        states << (item.fired ? CommandLine::tr("opened") : running ? countdownText(double(now.msecsTo(date)) / 1000.0).trimmed() : CommandLine::tr("not armed"));
         dateWidth = std::max(dateWidth, dates.last().size());
         stateWidth = std::max(stateWidth, states.last().size());
     }
     const int rowWidth = int(QString::number(items.size()).size());
     for (qsizetype i = 0; i < items.size(); ++i)
-        say(stdout, QStringLiteral("%1  %2  %3  %4").arg(i + 1, rowWidth).arg(dates.at(i), -int(dateWidth)).arg(states.at(i), -int(stateWidth)).arg(items.at(i).path));
+        say(stdout, QStringLiteral("%1  %2  %3  %4").arg(i + 1, rowWidth).arg(dates.at(i), -int(dateWidth)).arg(states.at(i), -int(stateWidth)).arg(escapeControls(items.at(i).path)));
     return CommandLine::Done;
 }
 
@@ -145,7 +158,9 @@ bool CommandLine::isVerb(const QString &word)
 QString CommandLine::help()
 {
     return tr("Commands (each talks to the running Quillon; add and start start one when none runs):\n"
-              "  add FILE… --at TIME   Schedule files or folders.      quillon add ~/notes.txt --at \"tomorrow 07:00\"\n"
+              "  add FILE… --at TIME [--start]\n"
+              "                        Schedule files or folders;      quillon add ~/notes.txt --at \"tomorrow 07:00\" --start\n"
+              "                        --start starts the schedule.\n"
               "  list [--json]         Show the list, rows from 1.     quillon list --json\n"
               "  remove ROW…           Remove rows as list shows them. quillon remove 2 3\n"
               "  start                 Start the schedule.             quillon start\n"
@@ -161,8 +176,11 @@ int CommandLine::run(const QStringList &arguments)
     QCommandLineParser parser;
     const QCommandLineOption at(QStringLiteral("at"), tr("When to open the files."), QStringLiteral("TIME"));
     const QCommandLineOption json(QStringLiteral("json"), tr("Print the list as JSON."));
-    if (verb == QLatin1String("add"))
+    const QCommandLineOption startToo(QStringLiteral("start"), tr("Start the schedule too, if it is stopped."));
+    if (verb == QLatin1String("add")) {
         parser.addOption(at);
+        parser.addOption(startToo);
+    }
     if (verb == QLatin1String("list"))
         parser.addOption(json);
     if (!parser.parse(arguments.mid(1)))
@@ -206,13 +224,12 @@ int CommandLine::run(const QStringList &arguments)
     if (!instanceRuns(bus)) {
         if (verb == QLatin1String("list")) {
             const Preferences preferences;
-            return printList([&] {
-                const SavedList saved = SavedList::read(preferences, QDateTime::currentDateTime());
-                ListedItems items;
-                for (qsizetype i = 0; i < saved.paths.size(); ++i)
-                    items.append({saved.paths.at(i), saved.dates.value(i).toSecsSinceEpoch(), false});
-                return items;
-            }(), parser.isSet(json));
+            const SavedList saved = SavedList::read(preferences, QDateTime::currentDateTime());
+            ListedItems items;
+            for (qsizetype i = 0; i < saved.paths.size(); ++i)
+                items.append({saved.paths.at(i), saved.dates.value(i).toSecsSinceEpoch(), false});
+            // Nothing runs it now, whatever the file says it did.
+            return printList(items, parser.isSet(json), false);
         }
         if (!bus.isConnected())
             return refused(tr("there is no session bus to reach Quillon on"));
@@ -235,9 +252,18 @@ int CommandLine::run(const QStringList &arguments)
     if (!reply.ok())
         return refused(reply.message.errorMessage());
     if (verb == QLatin1String("list"))
-        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json));
-    if (verb == QLatin1String("add"))
-        say(stdout, tr("%n item(s) added.", nullptr, reply.message.arguments().value(0).toInt()));
+        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json), scheduleRuns(bus));
+    if (verb == QLatin1String("add")) {
+        const int added = reply.message.arguments().value(0).toInt();
+        say(stdout, tr("%n item(s) added.", nullptr, added));
+        if (!scheduleRuns(bus)) {
+            if (!parser.isSet(startToo)) {
+                say(stderr, tr("The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).", nullptr, added));
+            } else if (const Reply started = call(bus, QStringLiteral("Start")); !started.ok()) {
+                return refused(started.message.errorMessage());
+            }
+        }
+    }
     return Done;
 }
 

@@ -67,7 +67,11 @@ void QuillonController::awakeFromNib()
     connect(&m_schedule, &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
     connect(&m_schedule, &Schedule::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
     connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::quitWhenIdle, Qt::QueuedConnection);
-    connect(&m_schedule, &Schedule::stoppedByUser, this, [this] { m_launcher.dropScheduled(); });
+    // Their moments are past: without a record nothing would ever say that they did not open.
+    connect(&m_schedule, &Schedule::stoppedByUser, this, [this] {
+        for (const QString &path : m_launcher.dropScheduled())
+            m_history->record(History::Kind::NotStarted, path, m_due.take(path), tr("it waited for a script when the schedule was stopped"));
+    });
     connect(m_window.get(), &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
     connect(m_window.get(), &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
     connect(m_window.get(), &MainWindow::preferencesRequested, this, &QuillonController::showPreferences);

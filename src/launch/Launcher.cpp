@@ -97,10 +97,16 @@ void Launcher::openThoseThatWaited()
     armWaitTimer();
 }
 
-void Launcher::dropScheduled()
+QStringList Launcher::dropScheduled()
 {
-    m_waiting.removeIf([](const Pending &pending) { return pending.origin == Origin::Schedule; });
+    QStringList dropped;
+    m_waiting.removeIf([&dropped](const Pending &pending) {
+        if (pending.origin == Origin::Schedule)
+            dropped << pending.path;
+        return pending.origin == Origin::Schedule;
+    });
     drain();
+    return dropped;
 }
 
 void Launcher::whenIdle(std::function<void()> idle)

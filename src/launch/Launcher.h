@@ -54,8 +54,9 @@ public:
     // At quit: ends a running script (stopped is called once it is gone) and forgets the launches
     // waiting behind it; the paths that waited.
     QStringList abandon(std::function<void()> stopped = [] {});
-    // The schedule was stopped: what its timers queued and has not started yet is dropped.
-    void dropScheduled();
+    // The schedule was stopped: what its timers queued and has not started yet is dropped; the
+    // paths that were.
+    QStringList dropScheduled();
     bool isIdle() const { return !m_scriptRunning && m_waiting.isEmpty(); }
     // Called once, as soon as no script runs and nothing waits (at once when that is so now).
     void whenIdle(std::function<void()> idle);

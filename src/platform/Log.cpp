@@ -10,9 +10,11 @@ LogSink &sink()
     return s;
 }
 
+} // namespace
+
 // Server replies and file names end up in log lines: a CR or LF in them would forge lines of its
 // own, an ESC would colour the terminal, a right-to-left override would turn the text around.
-QString escaped(const QString &line)
+QString escapeControls(const QString &line)
 {
     QString out;
     out.reserve(line.size());
@@ -33,11 +35,10 @@ QString escaped(const QString &line)
     }
     return out;
 }
-} // namespace
 
 void systemLog(const QString &raw)
 {
-    const QString line = escaped(raw);
+    const QString line = escapeControls(raw);
     if (sink()) {
         sink()(line);
         return;

@@ -10,6 +10,10 @@ namespace Quillon {
 // and direction-changing characters are escaped (\n, \x1b, \u{202e}): one event, one line.
 void systemLog(const QString &line);
 
+// A text with its control and direction-changing characters written out as escapes, as log lines
+// have them: what a terminal shows of a file name, and no more.
+QString escapeControls(const QString &text);
+
 // Tests capture log lines instead of reading stderr. Pass an empty function to restore stderr.
 using LogSink = std::function<void(const QString &line)>;
 void setLogSink(LogSink sink);

@@ -33,7 +33,7 @@ private Q_SLOTS:
         QVERIFY(m_daemon.start());
         m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_daemon.address(), QStringLiteral("test")));
         QVERIFY(m_bus->isConnected());
-        for (const char *name : {"a.txt", "Grüße/c.txt"})
+        for (const char *name : {"a.txt", "Grüße/c.txt", "forged\n2  row.txt"})
             QVERIFY(Test::writeFile(m_home.filePath(QString::fromUtf8(name)), "x"));
         // A program by its content: launched, it leaves its mark.
         QVERIFY(Test::writeFile(file("b.txt"), "#!/bin/sh\ntouch '" + file("launched").toUtf8() + "'\n", true));
@@ -82,6 +82,15 @@ private Q_SLOTS:
         QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9";
         QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1";
         QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1";
+        // What the command line says is what happened: a stopped schedule opens nothing.
+        const QStringList inAnHour{QStringLiteral("--at"), QStringLiteral("+1h")};
+        QTest::newRow("stop") << QStringList{QStringLiteral("stop")} << 0 << "";
+        QTest::newRow("add into a stopped schedule says so") << QStringList{QStringLiteral("add"), file("a.txt")} + inAnHour << 0 << "The schedule is stopped";
+        QTest::newRow("list of a stopped schedule counts nothing down") << QStringList{QStringLiteral("list")} << 0 << "not armed";
+        QTest::newRow("add --start starts it") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--start")} + inAnHour << 0 << "1 item added";
+        QTest::newRow("list of a running schedule") << QStringList{QStringLiteral("list")} << 0 << "The schedule runs.";
+        QTest::newRow("a name that would forge a row") << QStringList{QStringLiteral("add"), file("forged\n2  row.txt")} + inAnHour << 0 << "1 item added";
+        QTest::newRow("list writes it escaped") << QStringList{QStringLiteral("list")} << 0 << "forged\\n2  row.txt";
     }
     void commandLineExitCodes()
     {

@@ -179,7 +179,7 @@ private Q_SLOTS:
         m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
         bool idle = false;
         m_launcher->whenIdle([&idle] { idle = true; });
-        m_launcher->dropScheduled();
+        QCOMPARE(m_launcher->dropScheduled(), QStringList{"/doc"});
         m_scripts.finishRunning();
         QVERIFY(m_workspace.opened.isEmpty());
         QCOMPARE(m_scripts.ran.size(), 2);
