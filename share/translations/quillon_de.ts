@@ -21,7 +21,9 @@
     <message>
         <location filename="../../src/app/CommandLine.cpp" line="147"/>
         <source>Commands (each talks to the running Quillon; add and start start one when none runs):
-  add FILE… --at TIME   Schedule files or folders.      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot;
+  add FILE… --at TIME [--start]
+                        Schedule files or folders;      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot; --start
+                        --start starts the schedule.
   list [--json]         Show the list, rows from 1.     quillon list --json
   remove ROW…           Remove rows as list shows them. quillon remove 2 3
   start                 Start the schedule.             quillon start
@@ -31,7 +33,9 @@ TIME: &quot;2026-12-01 07:00&quot; (local time), ISO 8601 with an offset, +10m, 
 Exit status: 0 done, 1 refused (the reason is on standard error), 2 wrong use.
 </source>
         <translation>Befehle (jeder spricht mit dem laufenden Quillon; add und start starten eines, wenn keines läuft):
-  add DATEI… --at ZEIT  Dateien oder Ordner planen.         quillon add ~/notizen.txt --at &quot;tomorrow 07:00&quot;
+  add DATEI… --at ZEIT [--start]
+                        Dateien oder Ordner planen;         quillon add ~/notizen.txt --at &quot;tomorrow 07:00&quot; --start
+                        --start startet den Zeitplan.
   list [--json]         Die Liste zeigen, Zeilen ab 1.      quillon list --json
   remove ZEILE…         Zeilen entfernen, wie list sie zeigt. quillon remove 2 3
   start                 Den Zeitplan starten.               quillon start
