@@ -8,6 +8,7 @@
 #include "Preferences.h"
 #include "SettingsKeys.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -105,6 +106,12 @@ void PreferencesDialog::writePending()
 void PreferencesDialog::showTestOutcome(const QString &text)
 {
     m_testOutcome->setText(text);
+    // Read out where it appears: a screen reader user has no other way to learn it came.
+    m_testOutcome->setAccessibleName(text);
+    QAccessibleEvent named(m_testOutcome, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&named);
+    QAccessibleEvent alert(m_testOutcome, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 void PreferencesDialog::hideEvent(QHideEvent *event)
@@ -278,13 +285,26 @@ QWidget *PreferencesDialog::buildMailPage()
     test->setObjectName(QStringLiteral("testEmailButton"));
     // Enter in a mail field must not send a mail.
     test->setAutoDefault(false);
-    connect(test, &QPushButton::clicked, this, &PreferencesDialog::testEmailRequested);
+    // With what was just typed: the message goes to the settings the window shows.
+    connect(test, &QPushButton::clicked, this, [this] {
+        writePending();
+        Q_EMIT testEmailRequested();
+    });
     m_testOutcome = new QLabel(page);
     m_testOutcome->setObjectName(QStringLiteral("testOutcome"));
     m_testOutcome->setWordWrap(true);
     m_testOutcome->setTextInteractionFlags(Qt::TextSelectableByMouse);
     form->addRow(test);
     form->addRow(m_testOutcome);
+    // A result for other settings would say something false about these.
+    for (auto *edit : page->findChildren<QLineEdit *>())
+        connect(edit, &QLineEdit::textEdited, m_testOutcome, &QLabel::clear);
+    for (auto *spin : page->findChildren<QSpinBox *>())
+        connect(spin, &QSpinBox::valueChanged, m_testOutcome, &QLabel::clear);
+    for (auto *box : page->findChildren<QCheckBox *>())
+        connect(box, &QCheckBox::toggled, m_testOutcome, &QLabel::clear);
+    for (auto *combo : page->findChildren<QComboBox *>())
+        connect(combo, &QComboBox::activated, m_testOutcome, &QLabel::clear);
     return page;
 }
 

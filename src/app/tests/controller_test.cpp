@@ -16,6 +16,8 @@
 #include "TestSupport.h"
 
 #include <QCheckBox>
+#include <QLineEdit>
+#include <QSpinBox>
 #include <QTableView>
 #include <QStandardPaths>
 #include <QProcess>
@@ -429,34 +431,47 @@ private Q_SLOTS:
         QCOMPARE(m_workspace.opened, QStringList{"/2"});
     }
 
-    // "Send Test Message" says next to the button what became of it.
+    // "Send Test Message" says next to the button what became of it, for the settings the window
+    // shows, a port typed a moment ago included; a result is gone once a field changes.
     void testMessageSaysWhatHappened_data()
     {
         QTest::addColumn<bool>("serverUp");
+        QTest::addColumn<bool>("typeClosedPort"); // the file names the server; the window then another port
         QTest::addColumn<QString>("outcome");
-        QTest::newRow("sent") << true << "Sent to ann@example.org";
-        QTest::newRow("connection refused") << false << "Not sent: Connection refused";
+        QTest::newRow("sent") << true << false << "Sent to ann@example.org";
+        QTest::newRow("connection refused") << false << false << "Not sent: Connection refused";
+        QTest::newRow("a closed port typed just before") << true << true << "Not sent: Connection refused";
     }
     void testMessageSaysWhatHappened()
     {
         QFETCH(bool, serverUp);
+        QFETCH(bool, typeClosedPort);
         QFETCH(QString, outcome);
         QTemporaryDir certs;
         MailTest::Server server;
         QTcpServer closed;
-        QVERIFY(serverUp ? server.start(certs, {}) : closed.listen(QHostAddress::LocalHost));
-        const int port = serverUp ? server.port : closed.serverPort();
+        QVERIFY(closed.listen(QHostAddress::LocalHost));
+        const int closedPort = closed.serverPort();
         closed.close();
+        if (serverUp)
+            QVERIFY(server.start(certs, {}));
         start();
         m_controller->preferences().setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
-                                               {Keys::ServerPort, port}});
+                                               {Keys::ServerPort, serverUp ? server.port : closedPort}});
         m_controller->showPreferences();
         auto *dialog = m_controller->fileListWindow()->findChild<PreferencesDialog *>();
         QVERIFY(dialog);
         auto *label = dialog->findChild<QLabel *>(QStringLiteral("testOutcome"));
+        if (typeClosedPort) {
+            auto *port = dialog->findChild<QSpinBox *>(QString(Keys::ServerPort));
+            port->selectAll();
+            QTest::keyClicks(port, QString::number(closedPort));
+        }
         QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
         QCOMPARE(label->text(), QStringLiteral("Sending…"));
         QTRY_VERIFY2_WITH_TIMEOUT(label->text().startsWith(outcome), qPrintable(label->text()), 15'000);
+        QTest::keyClicks(dialog->findChild<QLineEdit *>(QString(Keys::ServerAddress)), QStringLiteral("x"));
+        QVERIFY(label->text().isEmpty());
     }
 
 private:
