@@ -201,9 +201,12 @@ int CommandLine::run(const QStringList &arguments)
             return usage(verb, tr("no file given"));
         if (!parser.isSet(at))
             return usage(verb, tr("--at TIME is needed"));
-        const std::optional<QDateTime> when = parseLaunchTime(parser.value(at), QDateTime::currentDateTime());
+        QString note;
+        const std::optional<QDateTime> when = parseLaunchTime(parser.value(at), QDateTime::currentDateTime(), &note);
         if (!when)
             return usage(verb, tr("cannot read the time '%1'").arg(parser.value(at)));
+        if (!note.isEmpty())
+            say(stderr, note);
         QStringList paths;
         for (const QString &word : words)
             paths << QDir::cleanPath(QFileInfo(word).absoluteFilePath());

@@ -247,13 +247,22 @@ private Q_SLOTS:
         QTest::newRow("unit missing") << "+10" << QDateTime();
         QTest::newRow("impossible date") << "2026-02-30 07:00" << QDateTime();
         QTest::newRow("tomorrow without a time") << "tomorrow" << QDateTime();
+        // The hour the clocks skip in spring: the first moment after it, however it is written, and said.
+        const QDateTime afterTheGap(QDate(2027, 3, 28), QTime(1, 0), Qt::UTC); // 03:00 in Berlin
+        QTest::newRow("in the skipped hour, as a date") << "2027-03-28 02:30" << afterTheGap;
+        QTest::newRow("in the skipped hour, tomorrow") << "tomorrow 02:30" << afterTheGap;
+        QTest::newRow("in the skipped hour, its next coming") << "02:30" << afterTheGap;
     }
     void launchTimeText()
     {
         QFETCH(QString, text);
         QFETCH(QDateTime, expected);
-        const QDateTime now(QDate(2026, 11, 23), QTime(13, 40, 20, 500), Qt::LocalTime);
-        const std::optional<QDateTime> parsed = parseLaunchTime(text, now);
+        const bool inTheGap = QByteArray(QTest::currentDataTag()).contains("skipped hour");
+        const QDateTime now = inTheGap ? QDateTime(QDate(2027, 3, 27), QTime(13, 40, 20, 500), Qt::LocalTime)
+                                       : QDateTime(QDate(2026, 11, 23), QTime(13, 40, 20, 500), Qt::LocalTime);
+        QString note;
+        const std::optional<QDateTime> parsed = parseLaunchTime(text, now, &note);
+        QCOMPARE(note.isEmpty(), !inTheGap);
         QCOMPARE(parsed.has_value(), expected.isValid());
         if (parsed)
             QCOMPARE(parsed->toMSecsSinceEpoch(), expected.toMSecsSinceEpoch());
