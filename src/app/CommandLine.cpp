@@ -98,7 +98,7 @@ Reply call(const QDBusConnection &bus, const QString &method, const QVariantList
     return {bus.call(message, QDBus::Block, 120'000)};
 }
 
-int printList(const ListedItems &items, bool json, bool running)
+int printList(const ListedItems &items, bool json, bool running, const ListedOutcomes &outcomes = {})
 {
     const QDateTime now = QDateTime::currentDateTime();
     if (json) {
@@ -109,7 +109,10 @@ int printList(const ListedItems &items, bool json, bool running)
                                      {QStringLiteral("path"), items.at(i).path},
                                      {QStringLiteral("date"), items.at(i).date},
                                      {QStringLiteral("dateText"), date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate)},
-                                     {QStringLiteral("opened"), items.at(i).fired}});
+                                     {QStringLiteral("opened"), items.at(i).fired},
+                                     // What became of it: "opened" says only that its time came.
+                                     {QStringLiteral("outcome"), outcomes.value(i).outcome.isEmpty() ? QJsonValue() : QJsonValue(outcomes.value(i).outcome)},
+                                     {QStringLiteral("outcomeReason"), outcomes.value(i).reason}});
         }
         std::fputs(QJsonDocument(array).toJson(QJsonDocument::Indented).constData(), stdout);
         return CommandLine::Done;
@@ -122,10 +125,19 @@ int printList(const ListedItems &items, bool json, bool running)
     say(stdout, running ? CommandLine::tr("The schedule runs.") : CommandLine::tr("The schedule is stopped: nothing opens until it is started (quillon start)."));
     QStringList dates, states;
     qsizetype dateWidth = 0, stateWidth = 0;
-    for (const ListedItem &item : items) {
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const ListedItem &item = items.at(i);
         const QDateTime date = QDateTime::fromSecsSinceEpoch(item.date);
         dates << formatMediumDateTime(date);
-        states << (item.fired ? CommandLine::tr("opened") : running ? countdownText(double(now.msecsTo(date)) / 1000.0).trimmed() : CommandLine::tr("not armed"));
+        const QString outcome = outcomes.value(i).outcome;
+        if (outcome == QLatin1String("failed"))
+            states << CommandLine::tr("could not open");
+        else if (outcome == QLatin1String("not-started"))
+            states << CommandLine::tr("not started");
+        else if (outcome == QLatin1String("opened-late"))
+            states << CommandLine::tr("opened late");
+        else
+            states << (item.fired || !outcome.isEmpty() ? CommandLine::tr("opened") : running ? countdownText(double(now.msecsTo(date)) / 1000.0).trimmed() : CommandLine::tr("not armed"));
         dateWidth = std::max(dateWidth, dates.last().size());
         stateWidth = std::max(stateWidth, states.last().size());
     }
@@ -192,6 +204,8 @@ int CommandLine::run(const QStringList &arguments)
     qRegisterMetaType<ListedItem>();
     qDBusRegisterMetaType<ListedItem>();
     qDBusRegisterMetaType<ListedItems>();
+    qDBusRegisterMetaType<ListedOutcome>();
+    qDBusRegisterMetaType<ListedOutcomes>();
     const QDBusConnection bus = QDBusConnection::sessionBus();
 
     QVariantList callArguments;
@@ -254,8 +268,12 @@ int CommandLine::run(const QStringList &arguments)
     const Reply reply = call(bus, method, callArguments);
     if (!reply.ok())
         return refused(reply.message.errorMessage());
-    if (verb == QLatin1String("list"))
-        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json), scheduleRuns(bus));
+    if (verb == QLatin1String("list")) {
+        // An older instance has no Outcomes: the list is still shown.
+        const Reply outcomes = call(bus, QStringLiteral("Outcomes"));
+        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json), scheduleRuns(bus),
+                         outcomes.ok() ? qdbus_cast<ListedOutcomes>(outcomes.message.arguments().value(0)) : ListedOutcomes());
+    }
     if (verb == QLatin1String("add")) {
         const int added = reply.message.arguments().value(0).toInt();
         say(stdout, tr("%n item(s) added.", nullptr, added));

@@ -69,8 +69,10 @@ void QuillonController::awakeFromNib()
     connect(&m_schedule, &Schedule::quitRequested, this, &QuillonController::quitWhenIdle, Qt::QueuedConnection);
     // Their moments are past: without a record nothing would ever say that they did not open.
     connect(&m_schedule, &Schedule::stoppedByUser, this, [this] {
-        for (const QString &path : m_launcher.dropScheduled())
+        for (const QString &path : m_launcher.dropScheduled()) {
             m_history->record(History::Kind::NotStarted, path, m_due.take(path), tr("it waited for a script when the schedule was stopped"));
+            tellRow(path, Schedule::Outcome::Kind::NotStarted, tr("it waited for a script when the schedule was stopped"));
+        }
     });
     connect(m_window.get(), &MainWindow::startStopRequested, &m_schedule, &Schedule::startStopButtonClicked);
     connect(m_window.get(), &MainWindow::launchAllNowRequested, this, &QuillonController::launchAllNow);
@@ -120,17 +122,24 @@ void QuillonController::awakeFromNib()
 void QuillonController::wireHistory()
 {
     History &history = *m_history;
-    connect(&m_schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date) { m_due.insert(path, date); });
+    connect(&m_schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64 item) {
+        m_due.insert(path, date);
+        m_launchedItem.insert(path, item);
+    });
     connect(&m_schedule, &Schedule::missed, this, [&history](const QString &path, const QDateTime &date) {
         history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep"));
     });
-    connect(&m_schedule, &Schedule::caughtUp, this, [this](const QString &path, const QDateTime &date) { m_late.insert(path, date); });
+    connect(&m_schedule, &Schedule::caughtUp, this, [this](const QString &path, const QDateTime &date, quint64 item) {
+        m_late.insert(path, date);
+        m_launchedItem.insert(path, item);
+    });
     m_launcher.setLateReport([this](const QString &path, const QString &reason) { m_waitedBehindScript.insert(path, reason); });
     m_platform.workspace.setOutcomeHandler([this](const QString &path, const QString &how, const QString &failure) {
         if (m_waitedBehindScript.contains(path)) {
             const QString reason = m_waitedBehindScript.take(path);
             m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, m_due.take(path),
                               failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, reason) : failure);
+            tellRow(path, failure.isEmpty() ? Schedule::Outcome::Kind::OpenedLate : Schedule::Outcome::Kind::Failed, failure.isEmpty() ? reason : failure);
             return;
         }
         if (m_late.contains(path)) {
@@ -138,14 +147,18 @@ void QuillonController::wireHistory()
             const QString late = History::latenessText(due.secsTo(m_platform.clock.now()));
             m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, due,
                               failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, late) : failure);
+            tellRow(path, failure.isEmpty() ? Schedule::Outcome::Kind::OpenedLate : Schedule::Outcome::Kind::Failed, failure.isEmpty() ? late : failure);
             return;
         }
         m_history->record(failure.isEmpty() ? History::Kind::Opened : History::Kind::OpenFailed, path, m_due.take(path), failure.isEmpty() ? how : failure);
+        tellRow(path, failure.isEmpty() ? Schedule::Outcome::Kind::Opened : Schedule::Outcome::Kind::Failed, failure);
     });
     m_launcher.setScriptReport([this](const QString &path, Launcher::ScriptEnd end, const QString &detail) {
         const QDateTime due = m_late.contains(path) ? m_late.take(path) : m_due.take(path);
         static constexpr History::Kind kinds[] = {History::Kind::ScriptFinished, History::Kind::ScriptFailed, History::Kind::ScriptEndedByQuit};
         m_history->record(kinds[int(end)], path, due, detail);
+        if (end != Launcher::ScriptEnd::EndedByQuit)
+            tellRow(path, end == Launcher::ScriptEnd::Finished ? Schedule::Outcome::Kind::Opened : Schedule::Outcome::Kind::Failed, detail);
     });
     connect(&history, &History::recorded, this, [this](const History::Record &record) {
         if (m_notifier)
@@ -170,6 +183,14 @@ void QuillonController::wireHistory()
         else
             window->statusBar()->showMessage(tr("The history cannot be written now (%1); it is kept until it can be.").arg(why));
     });
+}
+
+// The row a scheduled launch of this path belongs to learns what became of it; a launch the user
+// asked for (Open Now) belongs to no row.
+void QuillonController::tellRow(const QString &path, Schedule::Outcome::Kind kind, const QString &reason)
+{
+    if (const quint64 item = m_launchedItem.take(path))
+        m_schedule.setOutcome(item, {kind, reason});
 }
 
 void QuillonController::beatSoon()

@@ -113,6 +113,7 @@ private:
     void recordMissedWhileOff(bool wasRunning, const std::optional<QDateTime> &runningUntil);
     // The heartbeat says where the schedule stands, once per event-loop turn however often asked.
     void beatSoon();
+    void tellRow(const QString &path, Schedule::Outcome::Kind kind, const QString &reason);
     void deliver(SimpleSMTP *delivery);
     void showUnseenProblems();
 
@@ -133,6 +134,8 @@ private:
     QHash<QString, QDateTime> m_due;
     QHash<QString, QDateTime> m_late;
     QHash<QString, QString> m_waitedBehindScript;
+    // The row each path's last scheduled launch came from, until its outcome is told.
+    QHash<QString, quint64> m_launchedItem;
     int m_unseenProblems = 0;
     QTimer *m_updateDisplayTimer = nullptr;
     QSystemTrayIcon *m_tray = nullptr;

@@ -31,15 +31,33 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item)
     return argument;
 }
 
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedOutcome &outcome)
+{
+    argument.beginStructure();
+    argument << outcome.outcome << outcome.reason;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedOutcome &outcome)
+{
+    argument.beginStructure();
+    argument >> outcome.outcome >> outcome.reason;
+    argument.endStructure();
+    return argument;
+}
+
 ScriptingService::ScriptingService(QuillonController &controller, QObject *parent)
     : QObject(parent)
     , m_controller(controller)
 {
     qDBusRegisterMetaType<ListedItem>();
     qDBusRegisterMetaType<ListedItems>();
+    qDBusRegisterMetaType<ListedOutcome>();
+    qDBusRegisterMetaType<ListedOutcomes>();
     Schedule &schedule = controller.schedule();
     connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
-    connect(&schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date) {
+    connect(&schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) {
         Q_EMIT Launched(path, date.toSecsSinceEpoch());
     });
 }
@@ -192,6 +210,19 @@ ListedItems ScriptingService::List()
         items.append({schedule.paths().at(row), date.isValid() ? date.toSecsSinceEpoch() : 0, slot && !slot->isValid()});
     }
     return items;
+}
+
+ListedOutcomes ScriptingService::Outcomes()
+{
+    const Schedule &schedule = m_controller.schedule();
+    ListedOutcomes outcomes;
+    outcomes.reserve(schedule.count());
+    for (int row = 0; row < schedule.count(); ++row) {
+        const Schedule::Outcome outcome = schedule.outcomeAt(row);
+        static const char *const keys[] = {"", "opened", "opened-late", "failed", "not-started"};
+        outcomes.append({QLatin1String(keys[int(outcome.kind)]), outcome.reason});
+    }
+    return outcomes;
 }
 
 void ScriptingService::Remove(const QList<int> &rows)

@@ -23,8 +23,18 @@ struct ListedItem
 };
 using ListedItems = QList<ListedItem>;
 
+// What became of each row's last launch, as Outcomes() gives it beside List(): a(ss).
+struct ListedOutcome
+{
+    QString outcome; // "", "opened", "opened-late", "failed", "not-started"
+    QString reason;
+};
+using ListedOutcomes = QList<ListedOutcome>;
+
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedItem &item);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item);
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedOutcome &outcome);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedOutcome &outcome);
 
 // The list of the running instance for scripts in the user's session: every change is the
 // window's own edit (undoable there), and bad input is refused whole with the reason.
@@ -51,6 +61,7 @@ public:
 public Q_SLOTS:
     Q_SCRIPTABLE int Add(const QStringList &paths, qint64 date);
     Q_SCRIPTABLE Quillon::ListedItems List();
+    Q_SCRIPTABLE Quillon::ListedOutcomes Outcomes();
     Q_SCRIPTABLE void Remove(const QList<int> &rows);
     Q_SCRIPTABLE void SetDate(const QList<int> &rows, qint64 date);
     Q_SCRIPTABLE void Start();
@@ -91,3 +102,4 @@ private:
 } // namespace Quillon
 
 Q_DECLARE_METATYPE(Quillon::ListedItem)
+Q_DECLARE_METATYPE(Quillon::ListedOutcome)

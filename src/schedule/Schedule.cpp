@@ -154,10 +154,20 @@ void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
             selected[size_t(row)] = true;
     }
     for (qsizetype i = 0; i < m_dates.size(); ++i) {
-        if (selected[size_t(i)])
+        if (selected[size_t(i)]) {
             m_dates[i] = instant(date);
+            // A new moment: what became of the last one no longer says anything about it.
+            m_outcomes.remove(m_ids.at(i));
+        }
     }
     datesChanged();
+}
+
+void Schedule::setOutcome(quint64 id, const Outcome &outcome)
+{
+    m_outcomes.insert(id, outcome);
+    if (const int row = rowOf(id); row >= 0)
+        Q_EMIT rowChanged(row);
 }
 
 void Schedule::setDateAt(int row, const QDateTime &date)

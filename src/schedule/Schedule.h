@@ -68,6 +68,16 @@ public:
     Snapshot snapshot() const { return {m_paths, m_dates, m_ids}; }
     void restore(const Snapshot &snapshot);
     quint64 idAt(int row) const { return row >= 0 && row < m_ids.size() ? m_ids.at(row) : 0; }
+
+    // What became of a row's last launch: the check mark says the time came, this what followed.
+    struct Outcome
+    {
+        enum class Kind { None, Opened, OpenedLate, Failed, NotStarted };
+        Kind kind = Kind::None;
+        QString reason; // in words, for a failure or a late opening
+    };
+    void setOutcome(quint64 id, const Outcome &outcome);
+    Outcome outcomeAt(int row) const { return m_outcomes.value(idAt(row)); }
     int rowOf(quint64 id) const { return int(m_ids.indexOf(id)); }
 
     void saveItems();
@@ -114,12 +124,13 @@ Q_SIGNALS:
     void quitRequested();
     // The schedule stopped without the user asking: text says why, for a status line.
     void stoppedByItself(const QString &text);
-    // An item's time came and it was handed to the launcher; date is the time it was due.
-    void launched(const QString &path, const QDateTime &date);
+    // An item's time came and it was handed to the launcher; date is the time it was due, item
+    // its row's identity.
+    void launched(const QString &path, const QDateTime &date, quint64 item);
     // An item's time passed while the computer slept (or Quillon was not running); date is when it was due.
     void missed(const QString &path, const QDateTime &date);
     // A missed item is opened now, late (told just before); date is when it was due.
-    void caughtUp(const QString &path, const QDateTime &date);
+    void caughtUp(const QString &path, const QDateTime &date, quint64 item);
     // The user stopped a running schedule (not the last launch ending it).
     void stoppedByUser();
 
@@ -148,6 +159,7 @@ private:
     quint64 m_nextId = 1;
     // The last moment each row fired at (or was caught up for).
     QHash<quint64, qint64> m_lastFired;
+    QHash<quint64, Outcome> m_outcomes;
     bool m_timersRunning = false;
     qint32 m_timersRemaining = 0;
     QHash<const ItemTimer *, qsizetype> m_slotIndex;

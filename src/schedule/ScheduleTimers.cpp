@@ -148,9 +148,9 @@ void Schedule::launch(const TimerSlot &timer)
 {
     if (m_frozen)
         return;
-    // Told first: what the launcher reports about the opening belongs to this date.
-    Q_EMIT launched(timer->path(), timer->fireDate());
     const qsizetype k = slotOf(timer);
+    // Told first: what the launcher reports about the opening belongs to this date and row.
+    Q_EMIT launched(timer->path(), timer->fireDate(), k >= 0 ? idAt(int(k)) : 0);
     if (k >= 0)
         m_lastFired.insert(idAt(int(k)), timer->fireMSecs());
     if (m_launchItem)
@@ -291,7 +291,7 @@ void Schedule::catchUp(QList<int> rows)
     if (m_timersRunning)
         restartTimers();
     for (const Due &item : std::as_const(due)) {
-        Q_EMIT caughtUp(item.path, item.date);
+        Q_EMIT caughtUp(item.path, item.date, item.item);
         if (m_launchItem)
             m_launchItem(item.path, item.item);
     }

@@ -107,6 +107,17 @@ QVariant ItemTableModel::cellValue(Column column, int row) const
             return {};
         return formatMediumDateTime(m_schedule.dates().at(row));
     case CheckColumn: {
+        // The check says the time came; what followed shows too: a problem is never a green check.
+        switch (m_schedule.outcomeAt(row).kind) {
+        case Schedule::Outcome::Kind::Failed:
+        case Schedule::Outcome::Kind::NotStarted:
+            return imageNamed(QStringLiteral("Problem.tiff"));
+        case Schedule::Outcome::Kind::Opened:
+        case Schedule::Outcome::Kind::OpenedLate:
+            return imageNamed(QStringLiteral("Check.tiff"));
+        case Schedule::Outcome::Kind::None:
+            break;
+        }
         const TimerSlot &slot = m_schedule.timers().at(row);
         if (!slot)
             return {};
@@ -144,6 +155,20 @@ QVariant ItemTableModel::toolTip(int column, int row) const
     }
     if (column == FileColumn || column == NameColumn)
         return FileName::display(m_schedule.paths().at(row));
+    if (column == CheckColumn) {
+        const Schedule::Outcome outcome = m_schedule.outcomeAt(row);
+        switch (outcome.kind) {
+        case Schedule::Outcome::Kind::Failed:
+            return tr("Could not open: %1").arg(outcome.reason);
+        case Schedule::Outcome::Kind::NotStarted:
+            return tr("Not started: %1").arg(outcome.reason);
+        case Schedule::Outcome::Kind::OpenedLate:
+            return tr("Opened late (%1)").arg(outcome.reason);
+        case Schedule::Outcome::Kind::Opened:
+        case Schedule::Outcome::Kind::None:
+            break;
+        }
+    }
     if (column == CheckColumn && slot) {
         if (!slot->isValid())
             return tr("Opened at %1").arg(QLocale().toString(slot->fireDate().time(), QStringLiteral("HH:mm:ss")));
@@ -166,11 +191,25 @@ QVariant ItemTableModel::data(const QModelIndex &index, int role) const
         return image ? cellValue(column, index.row()) : QVariant();
     case Qt::ToolTipRole:
         return toolTip(column, index.row());
+    case Qt::AccessibleDescriptionRole:
+        return column == CheckColumn ? toolTip(column, index.row()) : QVariant();
     case Qt::AccessibleTextRole:
         if (column == CheckColumn) {
             const QVariant v = cellValue(column, index.row());
             if (!v.isValid())
                 return QString();
+            switch (m_schedule.outcomeAt(index.row()).kind) {
+            case Schedule::Outcome::Kind::Failed:
+                return tr("Could not be opened");
+            case Schedule::Outcome::Kind::NotStarted:
+                return tr("Not started");
+            case Schedule::Outcome::Kind::OpenedLate:
+                return tr("Opened late");
+            case Schedule::Outcome::Kind::Opened:
+                return tr("Opened");
+            case Schedule::Outcome::Kind::None:
+                break;
+            }
             const TimerSlot &slot = m_schedule.timers().at(index.row());
             return slot && !slot->isValid() ? tr("Opened") : tr("Waiting");
         }

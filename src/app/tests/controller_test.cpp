@@ -232,6 +232,42 @@ private Q_SLOTS:
         QCOMPARE(table->model()->rowCount(), 3);
     }
 
+    // The check says the time came; what became of the item shows beside it, to the eye, to a
+    // screen reader and to scripts: a failure is never a green check.
+    void rowSaysWhatBecameOfIt_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("opens");
+        QTest::addColumn<QString>("heard");
+        QTest::addColumn<QString>("outcome");
+        QTest::addColumn<QString>("tip");
+        QTest::newRow("opened") << "a.txt" << true << "Opened" << "opened" << "Opened at";
+        QTest::newRow("could not be opened") << "gone.txt" << false << "Could not be opened" << "failed" << "Could not open: it could not be opened";
+        QTest::newRow("a script that failed") << "job.scpt" << true << "Could not be opened" << "failed" << "Could not open: exit status 3";
+    }
+    void rowSaysWhatBecameOfIt()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, opens);
+        QFETCH(QString, heard);
+        QFETCH(QString, outcome);
+        QFETCH(QString, tip);
+        const QString item = m_config->filePath(name);
+        QVERIFY(Test::writeFile(item));
+        m_workspace.openSucceeds = opens;
+        m_scripts.outcomes[item] = {true, std::nullopt, QStringLiteral("exit status 3"), {}, {}, {}};
+        start();
+        m_controller->editor().add({item}, Test::at(30));
+        m_controller->schedule().startStopButtonClicked();
+        m_clock->advance(31'000);
+        const QModelIndex check = m_controller->fileListWindow()->model()->index(0, ItemTableModel::CheckColumn);
+        QTRY_COMPARE(check.data(Qt::AccessibleTextRole).toString(), heard);
+        QVERIFY2(check.data(Qt::ToolTipRole).toString().startsWith(tip), qPrintable(check.data(Qt::ToolTipRole).toString()));
+        QCOMPARE(check.data(Qt::AccessibleDescriptionRole), check.data(Qt::ToolTipRole));
+        ScriptingService scripting(*m_controller);
+        QCOMPARE(scripting.Outcomes().value(0).outcome, outcome);
+    }
+
     // GNOME has no tray: the window is shown and closed minimised, so a running Quillon stays in reach.
     void withoutATrayTheWindowStaysReachable()
     {
