@@ -26,6 +26,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTableView>
 #include <QUndoStack>
@@ -418,6 +419,10 @@ void MainWindow::restoreWindowState()
     m_fileTable->restoreHeader(state.headerState());
     if (!state.restoreGeometry(*this))
         resize(860, 480);
+    // Saved on a larger screen or at another scale (860 px at 150 % is wider than 1280): never
+    // larger than the screen it comes back on.
+    if (const QScreen *on = screen())
+        resize(size().boundedTo(on->availableGeometry().size()));
 }
 
 } // namespace Quillon

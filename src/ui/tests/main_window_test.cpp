@@ -25,6 +25,7 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QStatusBar>
+#include <QScreen>
 #include <QTest>
 #include <QUndoStack>
 
@@ -248,6 +249,16 @@ private Q_SLOTS:
         // Wide again: every button is back.
         m_window->resize(1200, 400);
         QTRY_VERIFY(!m_window->findChild<QPushButton *>(QStringLiteral("invertSelectionButton"))->isHidden());
+    }
+
+    // Saved on a larger screen, or at a larger scale: it comes back no larger than this screen.
+    void windowComesBackNoLargerThanItsScreen()
+    {
+        const QSize screen = m_window->screen()->availableGeometry().size();
+        m_window->resize(screen * 2);
+        m_window->saveWindowState();
+        MainWindow again(*m_editor, m_prefs, m_workspace);
+        QVERIFY2(again.width() <= screen.width() && again.height() <= screen.height(), qPrintable(QStringLiteral("%1x%2").arg(again.width()).arg(again.height())));
     }
 
     // Enter on a typed folder path goes into the folder; the button still reads "Choose" and adds.
