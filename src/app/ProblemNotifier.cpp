@@ -49,6 +49,7 @@ std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kin
     case History::Kind::ScriptEndedByQuit:
     case History::Kind::NotStarted:
     case History::Kind::DidNotQuit:
+    case History::Kind::DatesMoved:
     case History::Kind::MailSent:
         return std::nullopt;
     }

@@ -100,7 +100,12 @@ void QuillonController::awakeFromNib()
     }
     const bool wasRunning = m_preferences.boolValue(Keys::TimersRunning);
     if (m_preferences.rememberItems()) {
-        m_schedule.restoreItems();
+        // Kept as it always was (the saved dates stay whole), and made visible.
+        if (const int shifted = m_schedule.restoreItems(); shifted >= 0) {
+            const QString text = tr("A saved item could not be found: the dates from row %1 on may belong to the items above them.").arg(shifted + 1);
+            m_history->record(History::Kind::DatesMoved, {}, {}, text);
+            m_window->statusBar()->showMessage(text);
+        }
         recordMissedWhileOff(wasRunning, last.runningUntil);
     }
     m_heartbeat.begin(m_platform.clock.now(), m_schedule.timersRunning());
@@ -342,8 +347,10 @@ void QuillonController::applicationWillTerminate()
     if (std::exchange(m_terminated, true))
         return;
     m_window->saveWindowState();
-    if (m_preferences.rememberItems())
-        m_schedule.saveItems();
+    if (m_preferences.rememberItems()) {
+        for (const QString &path : m_schedule.saveItems())
+            m_history->record(History::Kind::DatesMoved, path, {}, tr("it could not be saved; the items after it will show the dates before theirs at the next start"));
+    }
     m_heartbeat.quit(m_platform.clock.now(), m_schedule.timersRunning());
     m_schedule.freeze();
     m_history->flush();

@@ -50,6 +50,7 @@ bool History::isProblem(Kind kind)
     case Kind::MailFailed:
     case Kind::NotStarted:
     case Kind::DidNotQuit:
+    case Kind::DatesMoved:
         return true;
     case Kind::Opened:
     case Kind::ScriptFinished:
@@ -64,7 +65,7 @@ bool History::isProblem(Kind kind)
 QString History::problemKinds()
 {
     QStringList kinds;
-    for (int k = int(Kind::Opened); k <= int(Kind::DidNotQuit); ++k) {
+    for (int k = int(Kind::Opened); k <= int(Kind::DatesMoved); ++k) {
         if (isProblem(Kind(k)))
             kinds << QString::number(k);
     }
@@ -109,6 +110,8 @@ QString History::kindText(Kind kind)
         return tr("Not started");
     case Kind::DidNotQuit:
         return tr("Did not quit normally");
+    case Kind::DatesMoved:
+        return tr("Dates may have moved");
     }
     return {};
 }

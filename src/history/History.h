@@ -30,7 +30,7 @@ public:
     // Stored as numbers: never renumber.
     enum class Kind {
         Opened = 1, OpenFailed = 2, ScriptFinished = 3, ScriptFailed = 4, ScriptEndedByQuit = 5,
-        Missed = 6, OpenedLate = 7, MailSent = 8, MailRefused = 9, MailFailed = 10, NotStarted = 11, DidNotQuit = 12
+        Missed = 6, OpenedLate = 7, MailSent = 8, MailRefused = 9, MailFailed = 10, NotStarted = 11, DidNotQuit = 12, DatesMoved = 13
     };
     struct Record
     {

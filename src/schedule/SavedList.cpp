@@ -35,14 +35,16 @@ QVariantList asList(const QVariant &value)
 }
 } // namespace
 
-void SavedList::write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running)
+QStringList SavedList::write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running)
 {
     QVariantList items;
     items.reserve(paths.size());
+    QStringList leftOut;
     for (const QString &path : paths) {
         const QByteArray reference = FileReference::make(path);
         if (reference.isEmpty()) {
             systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(FileName::display(path)));
+            leftOut << path;
             continue;
         }
         items.append(reference);
@@ -54,6 +56,7 @@ void SavedList::write(Preferences &preferences, const QStringList &paths, const 
     for (const QDateTime &date : dates)
         values.append(date.isValid() ? QVariant(date.toUTC()) : QVariant(date));
     preferences.setValues({{Keys::Items, items}, {Keys::Dates, values}, {Keys::TimersRunning, running}});
+    return leftOut;
 }
 
 SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
@@ -78,12 +81,20 @@ SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
     for (const std::optional<QString> &path : FileReference::resolveAll(references)) {
         if (!path) {
             systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
+            if (!datesAbsent && saved.shiftedFrom < 0)
+                saved.shiftedFrom = int(saved.paths.size());
             continue;
         }
         saved.paths.append(*path);
         if (datesAbsent)
             saved.dates.append(now);
     }
+    // The items behind a missing one take the dates before theirs; it is kept so, and told. Items
+    // and dates that disagree in number (an item left out at the save) may have moved anywhere.
+    if (saved.shiftedFrom < 0 && !datesAbsent && saved.dates.size() != references.size())
+        saved.shiftedFrom = 0;
+    if (saved.shiftedFrom >= saved.paths.size())
+        saved.shiftedFrom = -1;
     return saved;
 }
 

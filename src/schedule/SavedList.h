@@ -19,8 +19,13 @@ struct SavedList
     QList<QDateTime> dates;
     // Absent from the file: the schedule keeps what it had.
     std::optional<bool> running;
+    // The first row whose date may be another item's: a saved item before it was not found, and
+    // the dates are kept whole, so the later ones move up. -1 when the list is whole.
+    int shiftedFrom = -1;
 
-    static void write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running);
+    // The paths left out (no reference could be made): the items after them take earlier dates
+    // at the next start.
+    static QStringList write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running);
     // Dates that cannot be read, and every date when none were saved, are now.
     static SavedList read(const Preferences &preferences, const QDateTime &now);
 };

@@ -214,12 +214,12 @@ void Schedule::restore(const Snapshot &snapshot)
     Q_EMIT restored();
 }
 
-void Schedule::saveItems()
+QStringList Schedule::saveItems()
 {
-    SavedList::write(m_preferences, m_paths, m_dates, m_timersRunning);
+    return SavedList::write(m_preferences, m_paths, m_dates, m_timersRunning);
 }
 
-void Schedule::restoreItems()
+int Schedule::restoreItems()
 {
     Q_EMIT aboutToReset();
     SavedList saved = SavedList::read(m_preferences, now());
@@ -235,6 +235,7 @@ void Schedule::restoreItems()
     Q_EMIT reloadTable();
     if (m_timersRunning)
         startTimers(true);
+    return saved.shiftedFrom;
 }
 
 } // namespace Quillon

@@ -80,8 +80,10 @@ public:
     Outcome outcomeAt(int row) const { return m_outcomes.value(idAt(row)); }
     int rowOf(quint64 id) const { return int(m_ids.indexOf(id)); }
 
-    void saveItems();
-    void restoreItems();
+    // The paths that could not be saved (their later items' dates move at the next start).
+    QStringList saveItems();
+    // The first restored row whose date may be another item's, or -1 (see SavedList).
+    int restoreItems();
 
     void startTimers(bool quiet);
     void invalidateTimers(bool keepSlots);

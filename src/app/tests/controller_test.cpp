@@ -154,6 +154,8 @@ private Q_SLOTS:
         QFETCH(QStringList, recorded);
         const QString item = m_config->filePath(QStringLiteral("item.txt")), later = m_config->filePath(QStringLiteral("later.txt"));
         QVERIFY(Test::writeFile(item) && Test::writeFile(later));
+        // Qt keeps the first settings folder it saw: an earlier test's list must not come back.
+        Preferences().setValues({{Keys::Items, QVariantList{}}, {Keys::Dates, QVariantList{}}, {Keys::TimersRunning, false}});
         start();
         m_controller->preferences().setValue(Keys::OpenMissedItems, false);
         m_controller->editor().add({item}, Test::at(due));
