@@ -41,8 +41,9 @@ std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kin
     case History::Kind::MailRefused:
     case History::Kind::MailFailed:
         return Group::Mail;
-    case History::Kind::Opened:
     case History::Kind::OpenedLate:
+        return Group::Late;
+    case History::Kind::Opened:
     case History::Kind::ScriptFinished:
         return Group::Launch;
     // At quit: the session is going away, the history keeps them.
@@ -61,6 +62,8 @@ void ProblemNotifier::notice(const History::Record &record)
     const std::optional<Group> group = groupOf(record.kind);
     if (!group)
         return;
+    if (*group == Group::Late)
+        caughtUp(record.path);
     const bool problems = !m_preferences.contains(Keys::NotifyProblems) || m_preferences.boolValue(Keys::NotifyProblems);
     if (*group == Group::Launch ? !m_preferences.boolValue(Keys::NotifyEveryLaunch) : !problems)
         return;
@@ -75,7 +78,26 @@ void ProblemNotifier::notice(const History::Record &record)
     if (!record.path.isEmpty() && !shown.items.contains(record.path))
         shown.items << record.path;
     shown.reason = record.detail;
+    shown.reasons.insert(record.path, record.detail);
     show(*group);
+}
+
+void ProblemNotifier::caughtUp(const QString &path)
+{
+    Shown &missed = m_shown[Group::Missed];
+    if (!missed.items.removeOne(path))
+        return;
+    if (!missed.items.isEmpty()) {
+        show(Group::Missed);
+        return;
+    }
+    // Nothing is left to open: the notice and its Open Now go; the late one says what happened.
+    m_notifications.close(missed.id);
+    if (missed.waiting)
+        m_withdrawnMissed = missed.generation;
+    const int generation = missed.generation + 1;
+    missed = Shown{};
+    missed.generation = generation;
 }
 
 void ProblemNotifier::show(Group group)
@@ -110,9 +132,19 @@ void ProblemNotifier::show(Group group)
             summary = n == 1 ? tr("1 item was missed while the computer slept") : tr("%1 items were missed while the computer slept").arg(n);
         actions << OpenMissed << tr("Open Now");
         break;
-    case Group::ScriptFailed:
-        summary = tr("A script failed");
-        body += QLatin1String(": ") + shown.reason;
+    case Group::ScriptFailed: {
+        summary = n == 1 ? tr("A script failed") : tr("%1 scripts failed").arg(n);
+        // Each with its own reason: three failures are three stories.
+        QStringList lines;
+        for (const QString &path : shown.items.mid(0, 5))
+            lines << path.section(QLatin1Char('/'), -1) + QLatin1String(": ") + shown.reasons.value(path, shown.reason);
+        if (shown.items.size() > 5)
+            lines << tr("and %1 more").arg(shown.items.size() - 5);
+        body = lines.join(QLatin1Char('\n'));
+        break;
+    }
+    case Group::Late:
+        summary = n == 1 ? tr("1 missed item was opened late") : tr("%1 missed items were opened late").arg(n);
         break;
     case Group::Mail:
         summary = tr("Mail could not be sent");
@@ -126,9 +158,12 @@ void ProblemNotifier::show(Group group)
     m_notifications.notify(shown.id, summary, body, actions, [this, group, generation = shown.generation](uint id) {
         Shown &now = m_shown[group];
         now.waiting = false;
-        // An answer for a notification that has since been left behind names no current one.
+        // An answer for a notification that has since been left behind names no current one; one
+        // withdrawn meanwhile (its missed items all caught up) goes as soon as it has an id.
         if (id != 0 && generation == now.generation)
             now.id = id;
+        else if (id != 0 && group == Group::Missed && generation == m_withdrawnMissed)
+            m_notifications.close(id);
         if (std::exchange(now.again, false))
             show(group);
     });

@@ -27,24 +27,29 @@ Q_SIGNALS:
     void openNowRequested(const QStringList &paths);
 
 private:
-    enum class Group { OpenFailed, Missed, ScriptFailed, Mail, Launch };
+    enum class Group { OpenFailed, Missed, Late, ScriptFailed, Mail, Launch };
     struct Shown
     {
         uint id = 0;
         qint64 lastMSecs = 0;
         QStringList items;
         QString reason;
+        QHash<QString, QString> reasons; // each item's own, where they differ (failed scripts)
         int generation = 0;
         bool waiting = false;
         bool again = false;
     };
     static std::optional<Group> groupOf(History::Kind kind);
     void show(Group group);
+    // A missed item that catch-up is opening is no longer missed: without it, the missed notice
+    // offers Open Now only for the rest, and gives way to the late one when none is left.
+    void caughtUp(const QString &path);
 
     DesktopNotifications &m_notifications;
     Preferences &m_preferences;
     WallClock &m_clock;
     QHash<Group, Shown> m_shown;
+    int m_withdrawnMissed = -1;
 };
 
 } // namespace Quillon

@@ -128,7 +128,67 @@ private Q_SLOTS:
         QCOMPARE(calls().at(0).body, stripped.toHtmlEscaped());
     }
 
+    // Missed items that catch-up opens are told as opened late, never with an Open Now that would
+    // open them again; failed scripts are each named with their own reason.
+    void caughtUpAndFailedScriptsAreToldAsTheyWere()
+    {
+        QVERIFY(startServer("body actions"));
+        TestSettings settings;
+        Preferences preferences;
+        FakeClock clock(Test::Now);
+        DesktopNotifications notifications(QDBusConnection::sessionBus());
+        ProblemNotifier notifier(notifications, preferences, clock);
+        QTRY_VERIFY(notifications.supportsActions());
+        const auto record = [&](const char *name, Kind kind, const QString &detail) {
+            notifier.notice({clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail});
+        };
+        record("a.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
+        record("b.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
+        QTRY_COMPARE(calls().size(), 2);
+        // The two notices go out in either order.
+        const auto last = [this](const QString &summary) {
+            const QList<Notify> all = calls();
+            for (auto it = all.rbegin(); it != all.rend(); ++it) {
+                if (it->summary == summary)
+                    return *it;
+            }
+            return Notify();
+        };
+        record("a.txt", Kind::OpenedLate, QStringLiteral("document, 10 min late"));
+        QTRY_COMPARE(calls().size(), 4);
+        QCOMPARE(last(QStringLiteral("1 item was missed while Quillon was not running")).body, QStringLiteral("b.txt")); // Open Now for b only
+        QCOMPARE(last(QStringLiteral("1 missed item was opened late")).actions, (QStringList{"show-history", "Show History"}));
+        record("b.txt", Kind::OpenedLate, QStringLiteral("document, 10 min late"));
+        QTRY_COMPARE(calls().size(), 5);
+        QCOMPARE(calls().at(4).summary, QStringLiteral("2 missed items were opened late"));
+        QTRY_COMPARE(closed(), QList<uint>{1}); // the missed notice, with its Open Now, is gone
+
+        for (const char *name : {"backup.scpt", "sync.scpt", "mail.scpt"})
+            record(name, Kind::ScriptFailed, QStringLiteral("exit status %1").arg(qstrlen(name)));
+        // Updated in place as they come: the last word names all three.
+        QTRY_COMPARE(calls().constLast().summary, QStringLiteral("3 scripts failed"));
+        QCOMPARE(calls().constLast().body, QStringLiteral("backup.scpt: exit status 11\nsync.scpt: exit status 9\nmail.scpt: exit status 9"));
+    }
+
 private:
+    QList<uint> closed()
+    {
+        const QDBusArgument list = m_mock->control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
+        QList<uint> ids;
+        list.beginArray();
+        while (!list.atEnd()) {
+            quint64 time = 0;
+            QString method;
+            QVariantList args;
+            list.beginStructure();
+            list >> time >> method >> args;
+            list.endStructure();
+            if (method == QLatin1String("CloseNotification"))
+                ids << (args.value(0).canConvert<QDBusVariant>() ? args.value(0).value<QDBusVariant>().variant() : args.value(0)).toUInt();
+        }
+        list.endArray();
+        return ids;
+    }
     QList<Notify> calls()
     {
         const QDBusArgument list = m_mock->control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();

@@ -87,6 +87,12 @@ void DesktopNotifications::notify(uint replaces, const QString &summary, const Q
     });
 }
 
+void DesktopNotifications::close(uint id)
+{
+    if (m_bus.isConnected() && id != 0)
+        m_bus.asyncCall(QDBusMessage::createMethodCall(Service, Path, Interface, QStringLiteral("CloseNotification")) << id);
+}
+
 void DesktopNotifications::onActionInvoked(uint id, const QString &key)
 {
     // The signal goes to every client of the server: another program's notification is not ours.

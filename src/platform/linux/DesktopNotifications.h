@@ -23,6 +23,8 @@ public:
     // it (0 when there was no answer). actions: key, label, key, label, ... (dropped when the
     // server cannot show them).
     void notify(uint replaces, const QString &summary, const QString &body, const QStringList &actions, std::function<void(uint)> done);
+    // Takes a notification of ours away.
+    void close(uint id);
     bool supportsActions() const { return m_capabilities == Capabilities::Known && m_actions; }
     // A body as it may go to a server: without control and direction characters, and escaped
     // where the server may read markup.
