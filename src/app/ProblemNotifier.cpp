@@ -92,9 +92,11 @@ void ProblemNotifier::caughtUp(const QString &path)
         return;
     }
     // Nothing is left to open: the notice and its Open Now go; the late one says what happened.
-    m_notifications.close(missed.id);
+    // A notice still on its way is closed when the server's answer gives its id.
     if (missed.waiting)
         m_withdrawnMissed = missed.generation;
+    else
+        m_notifications.close(missed.id);
     const int generation = missed.generation + 1;
     missed = Shown{};
     missed.generation = generation;

@@ -171,48 +171,47 @@ private Q_SLOTS:
     }
 
 private:
-    QList<uint> closed()
+    // The mock's log of one method's calls, each as its arguments.
+    QList<QVariantList> calledWith(const QString &method)
     {
         const QDBusArgument list = m_mock->control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
-        QList<uint> ids;
+        QList<QVariantList> out;
         list.beginArray();
         while (!list.atEnd()) {
             quint64 time = 0;
-            QString method;
+            QString name;
             QVariantList args;
             list.beginStructure();
-            list >> time >> method >> args;
+            list >> time >> name >> args;
             list.endStructure();
-            if (method == QLatin1String("CloseNotification"))
-                ids << (args.value(0).canConvert<QDBusVariant>() ? args.value(0).value<QDBusVariant>().variant() : args.value(0)).toUInt();
+            if (name != method)
+                continue;
+            for (QVariant &arg : args)
+                arg = arg.canConvert<QDBusVariant>() ? arg.value<QDBusVariant>().variant() : arg;
+            out << args;
         }
         list.endArray();
+        return out;
+    }
+    QList<uint> closed()
+    {
+        QList<uint> ids;
+        for (const QVariantList &args : calledWith(QStringLiteral("CloseNotification")))
+            ids << args.value(0).toUInt();
         return ids;
     }
     QList<Notify> calls()
     {
-        const QDBusArgument list = m_mock->control(Path, QStringLiteral("GetCalls")).arguments().value(0).value<QDBusArgument>();
         QList<Notify> out;
-        list.beginArray();
-        while (!list.atEnd()) {
-            quint64 time = 0;
-            QString method;
-            QVariantList args;
-            list.beginStructure();
-            list >> time >> method >> args;
-            list.endStructure();
-            if (method != QLatin1String("Notify"))
-                continue;
-            const auto value = [](const QVariant &v) { return v.canConvert<QDBusVariant>() ? v.value<QDBusVariant>().variant() : v; };
+        for (const QVariantList &args : calledWith(QStringLiteral("Notify"))) {
             Notify n;
-            n.replaces = value(args.value(1)).toUInt();
-            n.summary = value(args.value(3)).toString();
-            n.body = value(args.value(4)).toString();
-            n.actions = qdbus_cast<QStringList>(value(args.value(5)));
-            n.desktopEntry = qdbus_cast<QVariantMap>(value(args.value(6))).value(QStringLiteral("desktop-entry")).toString();
+            n.replaces = args.value(1).toUInt();
+            n.summary = args.value(3).toString();
+            n.body = args.value(4).toString();
+            n.actions = qdbus_cast<QStringList>(args.value(5));
+            n.desktopEntry = qdbus_cast<QVariantMap>(args.value(6)).value(QStringLiteral("desktop-entry")).toString();
             out << n;
         }
-        list.endArray();
         return out;
     }
     void emitAction(uint id, const QString &key)
