@@ -581,12 +581,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="173"/>
-        <source>&amp;Remove Selected Items</source>
-        <translation>Ausgewählte Einträge &amp;entfernen</translation>
+        <source>Re&amp;move Selected Items</source>
+        <translation>Ausgewählte Einträge ent&amp;fernen</translation>
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="175"/>
-        <source>Move &amp;Up</source>
+        <source>Mo&amp;ve Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
@@ -612,7 +612,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>&amp;Invert Selection</source>
-        <translation>Auswahl &amp;umkehren</translation>
+        <translation>Auswahl um&amp;kehren</translation>
     </message>
     <message>
         <location filename="../../src/ui/MainWindow.cpp" line="189"/>

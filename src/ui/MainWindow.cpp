@@ -171,9 +171,9 @@ void MainWindow::buildMenus()
     edit->addAction(undo);
     edit->addAction(redo);
     edit->addSeparator();
-    m_removeAction = edit->addAction(tr("&Remove Selected Items"), this, &MainWindow::removeSelectedRows);
+    m_removeAction = edit->addAction(tr("Re&move Selected Items"), this, &MainWindow::removeSelectedRows);
     m_removeAction->setShortcut(QKeySequence::Delete);
-    QAction *up = edit->addAction(tr("Move &Up"), this, [this] { moveSelectedRow(-1); });
+    QAction *up = edit->addAction(tr("Mo&ve Up"), this, [this] { moveSelectedRow(-1); });
     up->setObjectName(QStringLiteral("moveUpAction"));
     up->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Up));
     QAction *down = edit->addAction(tr("Move Do&wn"), this, [this] { moveSelectedRow(+1); });
