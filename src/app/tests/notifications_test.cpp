@@ -30,6 +30,16 @@ struct Notify
 };
 } // namespace
 
+// The notifier as the application makes it, on the test's server, with settings of its own.
+struct Notifier
+{
+    TestSettings settings;
+    Preferences preferences;
+    FakeClock clock{Test::Now};
+    DesktopNotifications notifications{QDBusConnection::sessionBus()};
+    ProblemNotifier notifier{notifications, preferences, clock};
+};
+
 // What dbusmock's notification daemon is told on a private session bus, and an action sent back.
 class NotificationsTest : public QObject
 {
@@ -44,15 +54,11 @@ private Q_SLOTS:
 
     void problemsAreGroupedAndReplaced()
     {
-        TestSettings settings;
-        Preferences preferences;
-        FakeClock clock(Test::Now);
-        DesktopNotifications notifications(QDBusConnection::sessionBus());
-        ProblemNotifier notifier(notifications, preferences, clock);
-        QTRY_VERIFY(notifications.supportsActions());
+        Notifier n;
+        QTRY_VERIFY(n.notifications.supportsActions());
 
-        notifier.notice({clock.now(), QStringLiteral("/home/ann/a <1>.txt"), Test::at(-60), Kind::Missed, QStringLiteral("the computer was asleep")});
-        notifier.notice({clock.now(), QStringLiteral("/home/ann/b.txt"), Test::at(-30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/a <1>.txt"), Test::at(-60), Kind::Missed, QStringLiteral("the computer was asleep")});
+        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/b.txt"), Test::at(-30), Kind::Missed, QStringLiteral("the computer was asleep")});
         QTRY_COMPARE(calls().size(), 2);
         const QList<Notify> first = calls();
         QCOMPARE(first.at(0).replaces, 0u);
@@ -63,15 +69,15 @@ private Q_SLOTS:
         QCOMPARE(first.at(1).desktopEntry, QStringLiteral("org.quillon.Quillon"));
 
         // A minute later it is news of its own.
-        clock.advance(61'000);
-        notifier.notice({clock.now(), QStringLiteral("/home/ann/c.txt"), Test::at(30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        n.clock.advance(61'000);
+        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/c.txt"), Test::at(30), Kind::Missed, QStringLiteral("the computer was asleep")});
         QTRY_COMPARE(calls().size(), 3);
         QCOMPARE(calls().at(2).replaces, 0u);
         QCOMPARE(calls().at(2).summary, QStringLiteral("1 item was missed while the computer slept"));
 
         // Open Now, clicked on that notification, opens what it names.
-        QSignalSpy openNow(&notifier, &ProblemNotifier::openNowRequested);
-        QSignalSpy history(&notifier, &ProblemNotifier::historyRequested);
+        QSignalSpy openNow(&n.notifier, &ProblemNotifier::openNowRequested);
+        QSignalSpy history(&n.notifier, &ProblemNotifier::historyRequested);
         // The server's id comes with Notify's answer, which may still be on its way: a user clicks again.
         const auto clickOpenNow = [&] {
             if (openNow.isEmpty())
@@ -85,11 +91,11 @@ private Q_SLOTS:
         QTRY_COMPARE(history.size(), 1);
 
         // Launches only when asked for; problems not when turned off.
-        notifier.notice({clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document")});
-        preferences.setValue(Keys::NotifyProblems, false);
-        notifier.notice({clock.now(), QStringLiteral("/y"), Test::at(30), Kind::OpenFailed, QStringLiteral("gone")});
-        preferences.setValue(Keys::NotifyEveryLaunch, true);
-        notifier.notice({clock.now(), QStringLiteral("/z"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        n.notifier.notice({n.clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        n.preferences.setValue(Keys::NotifyProblems, false);
+        n.notifier.notice({n.clock.now(), QStringLiteral("/y"), Test::at(30), Kind::OpenFailed, QStringLiteral("gone")});
+        n.preferences.setValue(Keys::NotifyEveryLaunch, true);
+        n.notifier.notice({n.clock.now(), QStringLiteral("/z"), Test::at(30), Kind::Opened, QStringLiteral("document")});
         QTRY_COMPARE(calls().size(), 4);
         QTest::qWait(200);
         QCOMPARE(calls().size(), 4);
@@ -133,14 +139,10 @@ private Q_SLOTS:
     void caughtUpAndFailedScriptsAreToldAsTheyWere()
     {
         QVERIFY(startServer("body actions"));
-        TestSettings settings;
-        Preferences preferences;
-        FakeClock clock(Test::Now);
-        DesktopNotifications notifications(QDBusConnection::sessionBus());
-        ProblemNotifier notifier(notifications, preferences, clock);
-        QTRY_VERIFY(notifications.supportsActions());
+        Notifier n;
+        QTRY_VERIFY(n.notifications.supportsActions());
         const auto record = [&](const char *name, Kind kind, const QString &detail) {
-            notifier.notice({clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail});
+            n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail});
         };
         record("a.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
         record("b.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
