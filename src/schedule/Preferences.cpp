@@ -297,6 +297,13 @@ bool Preferences::readsBackAsWritten() const
             return false;
         done += n;
     }
+    // The descriptor's number comes back on the next call, and QSettings answers a file of the same
+    // name, size and time from its cache without parsing it: "5" saved over "6" would read back as
+    // the old value. Each read-back gets a time of its own.
+    static qint64 readBacks = 0;
+    const struct timespec stamp[2] = {{0, UTIME_OMIT}, {time_t(++readBacks), 0}};
+    if (::futimens(memory, stamp) != 0)
+        return false;
     QSettings onDisk(QStringLiteral("/proc/self/fd/%1").arg(memory), QSettings::IniFormat);
     if (onDisk.status() != QSettings::NoError)
         return false;
