@@ -9,17 +9,76 @@
         <translation>quillon %1: %2 (siehe quillon --help)</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="107"/>
+        <location filename="../../src/app/CommandLine.cpp" line="104"/>
+        <source>due</source>
+        <translation>fällig</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="108"/>
+        <source>%n hr(s)</source>
+        <translation>
+            <numerusform>%n Std.</numerusform>
+            <numerusform>%n Std.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="110"/>
+        <source>%n min(s)</source>
+        <translation>
+            <numerusform>%n Min.</numerusform>
+            <numerusform>%n Min.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="112"/>
+        <source>%n sec(s)</source>
+        <translation>
+            <numerusform>%n Sek.</numerusform>
+            <numerusform>%n Sek.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="136"/>
         <source>The list is empty.</source>
         <translation>Die Liste ist leer.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="115"/>
+        <location filename="../../src/app/CommandLine.cpp" line="140"/>
+        <source>The schedule runs.</source>
+        <translation>Der Zeitplan läuft.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="140"/>
+        <source>The schedule is stopped: nothing opens until it is started (quillon start).</source>
+        <translation>Der Zeitplan ist angehalten: nichts wird geöffnet, bis er gestartet wird (quillon start).</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="149"/>
+        <source>could not open</source>
+        <translation>nicht geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="151"/>
+        <source>not started</source>
+        <translation>nicht gestartet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="153"/>
+        <source>opened late</source>
+        <translation>verspätet geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="155"/>
         <source>opened</source>
         <translation>geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="147"/>
+        <location filename="../../src/app/CommandLine.cpp" line="155"/>
+        <source>not armed</source>
+        <translation>nicht gestellt</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="187"/>
         <source>Commands (each talks to the running Quillon; add and start start one when none runs):
   add FILE… --at TIME [--start]
                         Schedule files or folders;      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot; --start
@@ -46,57 +105,62 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="162"/>
+        <location filename="../../src/app/CommandLine.cpp" line="204"/>
         <source>When to open the files.</source>
         <translation>Wann die Dateien geöffnet werden.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="163"/>
+        <location filename="../../src/app/CommandLine.cpp" line="205"/>
         <source>Print the list as JSON.</source>
         <translation>Die Liste als JSON ausgeben.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="172"/>
+        <location filename="../../src/app/CommandLine.cpp" line="206"/>
+        <source>Start the schedule too, if it is stopped.</source>
+        <translation>Auch den Zeitplan starten, falls er angehalten ist.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="217"/>
         <source>unexpected argument &apos;%1&apos;</source>
         <translation>unerwartetes Argument „%1“</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="183"/>
+        <location filename="../../src/app/CommandLine.cpp" line="230"/>
         <source>no file given</source>
         <translation>keine Datei angegeben</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="185"/>
+        <location filename="../../src/app/CommandLine.cpp" line="232"/>
         <source>--at TIME is needed</source>
         <translation>--at ZEIT fehlt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="188"/>
+        <location filename="../../src/app/CommandLine.cpp" line="236"/>
         <source>cannot read the time &apos;%1&apos;</source>
         <translation>die Zeit „%1“ ist nicht lesbar</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="197"/>
+        <location filename="../../src/app/CommandLine.cpp" line="247"/>
         <source>give the rows to remove as numbers from 1, as list shows them</source>
         <translation>die zu entfernenden Zeilen als Zahlen ab 1 angeben, wie list sie zeigt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="218"/>
+        <location filename="../../src/app/CommandLine.cpp" line="267"/>
         <source>there is no session bus to reach Quillon on</source>
         <translation>es gibt keinen Sitzungsbus, über den Quillon erreichbar wäre</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="220"/>
+        <location filename="../../src/app/CommandLine.cpp" line="269"/>
         <source>Quillon is not running</source>
         <translation>Quillon läuft nicht</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="222"/>
+        <location filename="../../src/app/CommandLine.cpp" line="271"/>
         <source>Quillon could not be started</source>
         <translation>Quillon konnte nicht gestartet werden</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="231"/>
+        <location filename="../../src/app/CommandLine.cpp" line="280"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform>
@@ -104,11 +168,19 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="240"/>
+        <location filename="../../src/app/CommandLine.cpp" line="294"/>
         <source>%n item(s) added.</source>
         <translation>
             <numerusform>%n Objekt hinzugefügt.</numerusform>
             <numerusform>%n Objekte hinzugefügt.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="297"/>
+        <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
+        <translation>
+            <numerusform>Der Zeitplan ist angehalten: das Objekt wird erst geöffnet, wenn er gestartet wird (quillon start, oder add mit --start).</numerusform>
+            <numerusform>Der Zeitplan ist angehalten: die Objekte werden erst geöffnet, wenn er gestartet wird (quillon start, oder add mit --start).</numerusform>
         </translation>
     </message>
 </context>
@@ -156,6 +228,14 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <location filename="../../src/mail/MailAddress.cpp" line="18"/>
         <source>it holds an invisible formatting character</source>
         <translation>sie enthält ein unsichtbares Formatierungszeichen</translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::CommandLine</name>
+    <message>
+        <location filename="../../src/app/LaunchTimeText.cpp" line="33"/>
+        <source>%1 %2 does not exist here (the clocks go forward); %3 is used.</source>
+        <translation>%1 %2 gibt es hier nicht (die Uhren werden vorgestellt); %3 wird verwendet.</translation>
     </message>
 </context>
 <context>
@@ -217,10 +297,13 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <source>Launch date and time of the selected item:</source>
         <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
     </message>
-    <message>
+    <message numerus="yes">
         <location filename="../../src/ui/DateWindow.cpp" line="137"/>
-        <source>Launch date and time of %1 selected items:</source>
-        <translation>Startdatum und -uhrzeit von %1 ausgewählten Einträgen:</translation>
+        <source>Launch date and time of %n selected item(s):</source>
+        <translation>
+            <numerusform>Startdatum und -zeit des ausgewählten Objekts:</numerusform>
+            <numerusform>Startdatum und -zeit der %n ausgewählten Objekte:</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -239,81 +322,133 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 </context>
 <context>
     <name>Quillon::History</name>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="78"/>
+        <source>%n s late</source>
+        <translation>
+            <numerusform>%n s zu spät</numerusform>
+            <numerusform>%n s zu spät</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="80"/>
+        <source>%n min late</source>
+        <translation>
+            <numerusform>%n min zu spät</numerusform>
+            <numerusform>%n min zu spät</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="82"/>
+        <source>%n h late</source>
+        <translation>
+            <numerusform>%n h zu spät</numerusform>
+            <numerusform>%n h zu spät</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="83"/>
+        <source>%n days late</source>
+        <translation>
+            <numerusform>%n Tag zu spät</numerusform>
+            <numerusform>%n Tage zu spät</numerusform>
+        </translation>
+    </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="72"/>
+        <location filename="../../src/history/History.cpp" line="90"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="74"/>
+        <location filename="../../src/history/History.cpp" line="92"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="76"/>
+        <location filename="../../src/history/History.cpp" line="94"/>
         <source>Script finished</source>
         <translation>Skript beendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="78"/>
+        <location filename="../../src/history/History.cpp" line="96"/>
         <source>Script failed</source>
         <translation>Skript fehlgeschlagen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="80"/>
+        <location filename="../../src/history/History.cpp" line="98"/>
         <source>Script ended by quitting</source>
         <translation>Skript beim Beenden abgebrochen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="82"/>
+        <location filename="../../src/history/History.cpp" line="100"/>
         <source>Missed</source>
         <translation>Verpasst</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="84"/>
+        <location filename="../../src/history/History.cpp" line="102"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="86"/>
+        <location filename="../../src/history/History.cpp" line="104"/>
         <source>Mail sent</source>
         <translation>E-Mail gesendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="88"/>
+        <location filename="../../src/history/History.cpp" line="106"/>
         <source>Mail refused</source>
         <translation>E-Mail abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="90"/>
+        <location filename="../../src/history/History.cpp" line="108"/>
         <source>Mail failed</source>
         <translation>E-Mail fehlgeschlagen</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="110"/>
+        <source>Not started</source>
+        <translation>Nicht gestartet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="112"/>
+        <source>Did not quit normally</source>
+        <translation>Nicht normal beendet</translation>
+    </message>
+    <message>
+        <location filename="../../src/history/History.cpp" line="114"/>
+        <source>Dates may have moved</source>
+        <translation>Termine eventuell verschoben</translation>
     </message>
 </context>
 <context>
     <name>Quillon::HistoryModel</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="94"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="114"/>
         <source>(mail)</source>
         <translation>(E-Mail)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="110"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="130"/>
         <source>When</source>
         <translation>Wann</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="112"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="132"/>
+        <source>Due</source>
+        <translation>Fällig</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="134"/>
         <source>Item</source>
         <translation>Objekt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="114"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="136"/>
         <source>What</source>
         <translation>Was</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="116"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="138"/>
         <source>Detail</source>
         <translation>Einzelheiten</translation>
     </message>
@@ -321,48 +456,53 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::HistoryWindow</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="128"/>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="146"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="150"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="171"/>
         <source>History</source>
         <translation>Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="133"/>
-        <source>Filter by item or detail</source>
-        <translation>Nach Objekt oder Einzelheiten filtern</translation>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="155"/>
+        <source>Filter by item, detail or what happened</source>
+        <translation>Nach Objekt, Detail oder Ereignis filtern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="134"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="156"/>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="138"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="160"/>
         <source>Show</source>
         <translation>Anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="139"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="161"/>
         <source>Everything</source>
         <translation>Alles</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="139"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="161"/>
         <source>Problems only</source>
         <translation>Nur Probleme</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="195"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="162"/>
+        <source>&amp;Show:</source>
+        <translation>&amp;Zeigen:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="221"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="196"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="222"/>
         <source>Show in &amp;File Manager</source>
         <translation>Im &amp;Dateimanager zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="200"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="226"/>
         <source>&amp;Copy</source>
         <translation>&amp;Kopieren</translation>
     </message>
@@ -370,48 +510,82 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="142"/>
-        <source>Opens %1 (in %2 days)</source>
-        <translation>Öffnet %1 (in %2 Tagen)</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="142"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
         <source>Opens %1</source>
         <translation>Öffnet %1</translation>
     </message>
+    <message numerus="yes">
+        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
+        <source>Opens %1 (in %n day(s))</source>
+        <translation>
+            <numerusform>Öffnet %1 (in %n Tag)</numerusform>
+            <numerusform>Öffnet %1 (in %n Tagen)</numerusform>
+        </translation>
+    </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="148"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="162"/>
+        <source>Could not open: %1</source>
+        <translation>Konnte nicht geöffnet werden: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="164"/>
+        <source>Not started: %1</source>
+        <translation>Nicht gestartet: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="166"/>
+        <source>Opened late (%1)</source>
+        <translation>Verspätet geöffnet (%1)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Opened at %1</source>
         <translation>Geöffnet um %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="203"/>
+        <source>Could not be opened</source>
+        <translation>Konnte nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="205"/>
+        <source>Not started</source>
+        <translation>Nicht gestartet</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="207"/>
+        <source>Opened late</source>
+        <translation>Verspätet geöffnet</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="209"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="214"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="150"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="176"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="214"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="192"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="232"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="194"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -419,12 +593,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableView</name>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="19"/>
+        <location filename="../../src/ui/ItemTableView.cpp" line="38"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="55"/>
+        <location filename="../../src/ui/ItemTableView.cpp" line="75"/>
         <source>Drop files here or choose Add…</source>
         <translation>Dateien hier ablegen oder „Hinzufügen …“ wählen</translation>
     </message>
@@ -432,12 +606,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="69"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="70"/>
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="86"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -473,410 +647,408 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="150"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="122"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="345"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="129"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="147"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="148"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="148"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="153"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="156"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="160"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="173"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="174"/>
         <source>Re&amp;move Selected Items</source>
         <translation>Ausgewählte Einträge ent&amp;fernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="176"/>
         <source>Mo&amp;ve Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="181"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="185"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl um&amp;kehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="189"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="195"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="197"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="198"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="199"/>
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="204"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="206"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="337"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="338"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="343"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="346"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="347"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
-    <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="405"/>
-        <source>1 problem since you last looked</source>
-        <translation>1 Problem seit Ihrem letzten Blick</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="405"/>
-        <source>%1 problems since you last looked</source>
-        <translation>%1 Probleme seit Ihrem letzten Blick</translation>
+    <message numerus="yes">
+        <location filename="../../src/ui/MainWindow.cpp" line="406"/>
+        <source>%n problem(s) since you last looked</source>
+        <translation>
+            <numerusform>%n Problem seit Ihrem letzten Blick</numerusform>
+            <numerusform>%n Probleme seit Ihrem letzten Blick</numerusform>
+        </translation>
     </message>
 </context>
 <context>
     <name>Quillon::PreferencesDialog</name>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="69"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="70"/>
         <source>Quillon Preferences</source>
         <translation>Quillon-Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="71"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="72"/>
         <source>General</source>
         <translation>Allgemein</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="72"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="73"/>
         <source>Mail</source>
         <translation>E-Mail</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="121"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
         <source>Remember the list between sessions</source>
         <translation>Die Liste zwischen Sitzungen behalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="122"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
         <source>A dropped folder adds the files inside it</source>
         <translation>Ein abgelegter Ordner fügt die Dateien darin hinzu</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="123"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
         <source>…and the files in its subfolders</source>
         <translation>… und die Dateien in seinen Unterordnern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="133"/>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="163"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="140"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="170"/>
         <source>Never</source>
         <translation>Nie</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="135"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="142"/>
         <source>Repeat every</source>
         <translation>Wiederholen alle</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="145"/>
         <source>seconds</source>
         <translation>Sekunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="145"/>
         <source>minutes</source>
         <translation>Minuten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="145"/>
         <source>hours</source>
         <translation>Stunden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="138"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="145"/>
         <source>days</source>
         <translation>Tage</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="139"/>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="142"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="146"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="149"/>
         <source>Repeat unit</source>
         <translation>Wiederholungseinheit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="155"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="162"/>
         <source>Repeat every:</source>
         <translation>Wiederholen alle:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="158"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="165"/>
         <source>Quit after the last item has been opened</source>
         <translation>Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="162"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="169"/>
         <source> min</source>
         <translation> Min.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="166"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="173"/>
         <source>End a script after:</source>
         <translation>Skript beenden nach:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="168"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="175"/>
         <source>Open items missed while the computer was asleep or off</source>
         <translation>Objekte öffnen, die verpasst wurden, während der Rechner schlief oder aus war</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="169"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="176"/>
         <source>Notify me about problems</source>
         <translation>Bei Problemen benachrichtigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="171"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="178"/>
         <source>Notify me about every launch</source>
         <translation>Bei jedem Öffnen benachrichtigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="174"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="181"/>
         <source>Start Quillon when I log in</source>
         <translation>Quillon bei der Anmeldung starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="204"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="211"/>
         <source>This address cannot be used for mail: %1. It was not saved.</source>
         <translation>Diese Adresse kann nicht für E-Mails verwendet werden: %1. Sie wurde nicht gespeichert.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="219"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="226"/>
         <source>Send a message for each opened item</source>
         <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="220"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="227"/>
         <source>Send the result of each script</source>
         <translation>Das Ergebnis jedes Skripts senden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="221"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="228"/>
         <source>Recipient address:</source>
         <translation>Empfängeradresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="223"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="230"/>
         <source>Recipient name:</source>
         <translation>Empfängername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="225"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="232"/>
         <source>Outgoing server</source>
         <translation>Postausgangsserver</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="228"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="235"/>
         <source>Address:</source>
         <translation>Adresse:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="233"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="240"/>
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="236"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="243"/>
         <source>Port:</source>
         <translation>Port:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="237"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="244"/>
         <source>Use a secure connection (TLS)</source>
         <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="241"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="248"/>
         <source>Login</source>
         <translation>Anmeldung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="242"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="249"/>
         <source>Login:</source>
         <translation>Anmeldung:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="239"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="246"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="244"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="251"/>
         <source>Username:</source>
         <translation>Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="260"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="267"/>
         <source>Password:</source>
         <translation>Passwort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="264"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="271"/>
         <source>Without TLS the password is sent unencrypted.</source>
         <translation>Ohne TLS wird das Passwort unverschlüsselt gesendet.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="277"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="284"/>
         <source>Send Test Message</source>
         <translation>Testnachricht senden</translation>
     </message>
@@ -884,67 +1056,71 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ProblemNotifier</name>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="92"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="120"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="144"/>
         <source>and %1 more</source>
         <translation>und %1 weitere</translation>
     </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="98"/>
-        <source>1 item could not be opened</source>
-        <translation>1 Objekt konnte nicht geöffnet werden</translation>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="126"/>
+        <source>%n item(s) could not be opened</source>
+        <translation>
+            <numerusform>%n Objekt konnte nicht geöffnet werden</numerusform>
+            <numerusform>%n Objekte konnten nicht geöffnet werden</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="132"/>
+        <source>%n item(s) missed while Quillon was not running</source>
+        <translation>
+            <numerusform>%n Objekt wurde verpasst, während Quillon nicht lief</numerusform>
+            <numerusform>%n Objekte wurden verpasst, während Quillon nicht lief</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
+        <source>%n item(s) missed while the computer slept</source>
+        <translation>
+            <numerusform>%n Objekt wurde verpasst, während der Computer schlief</numerusform>
+            <numerusform>%n Objekte wurden verpasst, während der Computer schlief</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="138"/>
+        <source>%n script(s) failed</source>
+        <translation>
+            <numerusform>Ein Skript ist fehlgeschlagen</numerusform>
+            <numerusform>%n Skripte sind fehlgeschlagen</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="149"/>
+        <source>%n missed item(s) opened late</source>
+        <translation>
+            <numerusform>%n verpasstes Objekt wurde verspätet geöffnet</numerusform>
+            <numerusform>%n verpasste Objekte wurden verspätet geöffnet</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="156"/>
+        <source>Quillon opened %n item(s)</source>
+        <translation>
+            <numerusform>Quillon hat %n Objekt geöffnet</numerusform>
+            <numerusform>Quillon hat %n Objekte geöffnet</numerusform>
+        </translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="98"/>
-        <source>%1 items could not be opened</source>
-        <translation>%1 Objekte konnten nicht geöffnet werden</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="104"/>
-        <source>1 item was missed while Quillon was not running</source>
-        <translation>1 Objekt wurde verpasst, während Quillon nicht lief</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="104"/>
-        <source>%1 items were missed while Quillon was not running</source>
-        <translation>%1 Objekte wurden verpasst, während Quillon nicht lief</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="106"/>
-        <source>1 item was missed while the computer slept</source>
-        <translation>1 Objekt wurde verpasst, während der Rechner schlief</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="106"/>
-        <source>%1 items were missed while the computer slept</source>
-        <translation>%1 Objekte wurden verpasst, während der Rechner schlief</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="107"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="135"/>
         <source>Open Now</source>
         <translation>Jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="110"/>
-        <source>A script failed</source>
-        <translation>Ein Skript ist fehlgeschlagen</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="114"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="152"/>
         <source>Mail could not be sent</source>
         <translation>E-Mail konnte nicht gesendet werden</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="118"/>
-        <source>Quillon opened 1 item</source>
-        <translation>Quillon hat 1 Objekt geöffnet</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="118"/>
-        <source>Quillon opened %1 items</source>
-        <translation>Quillon hat %1 Objekte geöffnet</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="121"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="159"/>
         <source>Show History</source>
         <translation>Verlauf zeigen</translation>
     </message>
@@ -952,37 +1128,68 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::QuillonController</name>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="298"/>
+        <location filename="../../src/app/QuillonController.cpp" line="73"/>
+        <location filename="../../src/app/QuillonController.cpp" line="74"/>
+        <source>it waited for a script when the schedule was stopped</source>
+        <translation>es wartete auf ein Skript, als der Zeitplan angehalten wurde</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="97"/>
+        <source>the last quit</source>
+        <translation>dem letzten Beenden</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="99"/>
+        <source>Quillon did not quit normally; changes since %1 were not saved</source>
+        <translation>Quillon wurde nicht normal beendet; Änderungen seit %1 wurden nicht gespeichert</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="105"/>
+        <source>A saved item could not be found: the dates from row %1 on may belong to the items above them.</source>
+        <translation>Ein gespeichertes Objekt wurde nicht gefunden: die Termine ab Zeile %1 gehören eventuell zu den Objekten darüber.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="189"/>
+        <source>The history cannot be written now (%1); it is kept until it can be.</source>
+        <translation>Der Verlauf kann gerade nicht geschrieben werden (%1); er wird aufbewahrt, bis es geht.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="352"/>
+        <source>it could not be saved; the items after it will show the dates before theirs at the next start</source>
+        <translation>es konnte nicht gespeichert werden; die Objekte danach zeigen beim nächsten Start die Termine ihrer Vorgänger</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/QuillonController.cpp" line="397"/>
         <source>About Quillon</source>
         <translation>Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="299"/>
+        <location filename="../../src/app/QuillonController.cpp" line="398"/>
         <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
         <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="318"/>
+        <location filename="../../src/app/QuillonController.cpp" line="417"/>
         <source>Show Quillon</source>
         <translation>Quillon anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="319"/>
+        <location filename="../../src/app/QuillonController.cpp" line="418"/>
         <source>Quit</source>
         <translation>Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="384"/>
+        <location filename="../../src/app/QuillonController.cpp" line="491"/>
         <source>Sending…</source>
         <translation>Wird gesendet …</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="390"/>
+        <location filename="../../src/app/QuillonController.cpp" line="497"/>
         <source>Sent to %1</source>
         <translation>Gesendet an %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="391"/>
+        <location filename="../../src/app/QuillonController.cpp" line="498"/>
         <source>Not sent: %1</source>
         <translation>Nicht gesendet: %1</translation>
     </message>
@@ -1023,17 +1230,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ScriptingService</name>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="86"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="114"/>
         <source>The date %1 is out of range: Unix seconds from 0 to %2.</source>
         <translation>Das Datum %1 liegt außerhalb des Bereichs: Unix-Sekunden von 0 bis %2.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="92"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="120"/>
         <source>%1 needs at least one row.</source>
         <translation>%1 braucht mindestens eine Zeile.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="96"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="124"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform>
@@ -1041,22 +1248,28 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="118"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="148"/>
         <source>Add needs at least one path.</source>
         <translation>Add braucht mindestens einen Pfad.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="107"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="135"/>
         <source>Not an absolute path: &quot;%1&quot;.</source>
         <translation>Kein absoluter Pfad: „%1“.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="109"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="106"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="189"/>
+        <source>Quillon is quitting</source>
+        <translation>Quillon wird beendet</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ScriptingService.cpp" line="137"/>
         <source>No such file or folder: %1</source>
         <translation>Keine solche Datei und kein solcher Ordner: %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="187"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="234"/>
         <source>The schedule is running; stop it before removing items.</source>
         <translation>Der Zeitplan läuft; halten Sie ihn an, bevor Sie Objekte entfernen.</translation>
     </message>
@@ -1064,32 +1277,47 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::SimpleSMTP</name>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="44"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="46"/>
         <source>The recipient address cannot be used: %1.</source>
         <translation>Die Empfängeradresse kann nicht verwendet werden: %1.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="66"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="68"/>
         <source>An error occurred when sending email.</source>
         <translation>Beim Senden der E-Mail ist ein Fehler aufgetreten.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="154"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="68"/>
+        <source>Error (%1): %2</source>
+        <translation>Fehler (%1): %2</translation>
+    </message>
+    <message>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="161"/>
+        <source>the server offers no login; choose None under Authentication</source>
+        <translation>der Server bietet keine Anmeldung an; wählen Sie „Keine“ unter Authentifizierung</translation>
+    </message>
+    <message>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="163"/>
+        <source>the server does not offer the %1 login; it offers %2</source>
+        <translation>der Server bietet die Anmeldung %1 nicht an; er bietet %2 an</translation>
+    </message>
+    <message>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="165"/>
         <source>the server refused the login</source>
         <translation>der Server hat die Anmeldung abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="173"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="184"/>
         <source>the server refused the message: %1</source>
         <translation>der Server hat die Nachricht abgelehnt: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="184"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="203"/>
         <source>Message not sent. Server response: %1</source>
         <translation>Nachricht nicht gesendet. Antwort des Servers: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="202"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="221"/>
         <source>the session ended before the message was sent</source>
         <translation>die Verbindung endete, bevor die Nachricht gesendet war</translation>
     </message>
@@ -1145,6 +1373,19 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <location filename="../../src/schedule/Texts.h" line="24"/>
         <source>Time to Launch</source>
         <translation>Zeit bis zum Start</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <location filename="../../src/app/main.cpp" line="54"/>
+        <source>Quillon opens files, applications and scripts at the times you choose.</source>
+        <translation>Quillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/main.cpp" line="57"/>
+        <source>Start as the login session does: the schedule runs, the window stays hidden.</source>
+        <translation>So starten wie bei der Anmeldung: der Zeitplan läuft, das Fenster bleibt verborgen.</translation>
     </message>
 </context>
 </TS>

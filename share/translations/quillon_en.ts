@@ -1,10 +1,34 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
-<!-- English plural forms only: everything else shows as written in the source. -->
 <TS version="2.1" language="en">
 <context>
     <name>CommandLine</name>
     <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="108"/>
+        <source>%n hr(s)</source>
+        <translation>
+            <numerusform>%n hr</numerusform>
+            <numerusform>%n hrs</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="110"/>
+        <source>%n min(s)</source>
+        <translation>
+            <numerusform>%n min</numerusform>
+            <numerusform>%n mins</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="112"/>
+        <source>%n sec(s)</source>
+        <translation>
+            <numerusform>%n sec</numerusform>
+            <numerusform>%n secs</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="280"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>there is no row %1; the list has %n row</numerusform>
@@ -12,16 +36,83 @@
         </translation>
     </message>
     <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="294"/>
         <source>%n item(s) added.</source>
         <translation>
             <numerusform>%n item added.</numerusform>
             <numerusform>%n items added.</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <location filename="../../src/app/CommandLine.cpp" line="297"/>
+        <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
+        <translation>
+            <numerusform>The schedule is stopped: the item opens only once it is started (quillon start, or add with --start).</numerusform>
+            <numerusform>The schedule is stopped: the items open only once it is started (quillon start, or add with --start).</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::DateWindow</name>
+    <message numerus="yes">
+        <location filename="../../src/ui/DateWindow.cpp" line="137"/>
+        <source>Launch date and time of %n selected item(s):</source>
+        <translation>
+            <numerusform>Launch date and time of %n selected item:</numerusform>
+            <numerusform>Launch date and time of %n selected items:</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::History</name>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="78"/>
+        <source>%n s late</source>
+        <translation>
+            <numerusform>%n s late</numerusform>
+            <numerusform>%n s late</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="80"/>
+        <source>%n min late</source>
+        <translation>
+            <numerusform>%n min late</numerusform>
+            <numerusform>%n min late</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="82"/>
+        <source>%n h late</source>
+        <translation>
+            <numerusform>%n h late</numerusform>
+            <numerusform>%n h late</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/history/History.cpp" line="83"/>
+        <source>%n days late</source>
+        <translation>
+            <numerusform>%n day late</numerusform>
+            <numerusform>%n days late</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Quillon::ItemTableModel</name>
+    <message numerus="yes">
+        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
+        <source>Opens %1 (in %n day(s))</source>
+        <translation>
+            <numerusform>Opens %1 (in %n day)</numerusform>
+            <numerusform>Opens %1 (in %n days)</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>Quillon::MainWindow</name>
     <message numerus="yes">
+        <location filename="../../src/ui/MainWindow.cpp" line="86"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>Launch All Now opened %n item.</numerusform>
@@ -29,6 +120,15 @@
         </translation>
     </message>
     <message numerus="yes">
+        <location filename="../../src/ui/MainWindow.cpp" line="406"/>
+        <source>%n problem(s) since you last looked</source>
+        <translation>
+            <numerusform>%n problem since you last looked</numerusform>
+            <numerusform>%n problems since you last looked</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/ui/LaunchAllConfirmation.cpp" line="22"/>
         <source>Open all %n items now?</source>
         <translation>
             <numerusform>Open the item now?</numerusform>
@@ -37,8 +137,60 @@
     </message>
 </context>
 <context>
+    <name>Quillon::ProblemNotifier</name>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="126"/>
+        <source>%n item(s) could not be opened</source>
+        <translation>
+            <numerusform>%n item could not be opened</numerusform>
+            <numerusform>%n items could not be opened</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="132"/>
+        <source>%n item(s) missed while Quillon was not running</source>
+        <translation>
+            <numerusform>%n item was missed while Quillon was not running</numerusform>
+            <numerusform>%n items were missed while Quillon was not running</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
+        <source>%n item(s) missed while the computer slept</source>
+        <translation>
+            <numerusform>%n item was missed while the computer slept</numerusform>
+            <numerusform>%n items were missed while the computer slept</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="138"/>
+        <source>%n script(s) failed</source>
+        <translation>
+            <numerusform>A script failed</numerusform>
+            <numerusform>%n scripts failed</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="149"/>
+        <source>%n missed item(s) opened late</source>
+        <translation>
+            <numerusform>%n missed item was opened late</numerusform>
+            <numerusform>%n missed items were opened late</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/app/ProblemNotifier.cpp" line="156"/>
+        <source>Quillon opened %n item(s)</source>
+        <translation>
+            <numerusform>Quillon opened %n item</numerusform>
+            <numerusform>Quillon opened %n items</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>Quillon::ScriptingService</name>
     <message numerus="yes">
+        <location filename="../../src/app/ScriptingService.cpp" line="124"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Row %1 is out of range: the list has %n row, counted from 0.</numerusform>

@@ -1,6 +1,5 @@
 #include "CommandLine.h"
 
-#include "Countdown.h"
 #include "LaunchTimeText.h"
 #include "Log.h"
 #include "MediumDateFormat.h"
@@ -98,6 +97,22 @@ Reply call(const QDBusConnection &bus, const QString &method, const QVariantList
     return {bus.call(message, QDBus::Block, 120'000)};
 }
 
+// The table's countdown is fixed English text; the terminal speaks the user's language.
+QString timeLeft(qint64 secs)
+{
+    if (secs <= 0)
+        return CommandLine::tr("due");
+    const int h = int(std::min<qint64>(secs / 3600, INT_MAX)), m = int(secs % 3600 / 60), s = int(secs % 60);
+    QStringList parts;
+    if (h > 0)
+        parts << CommandLine::tr("%n hr(s)", nullptr, h);
+    if (m > 0)
+        parts << CommandLine::tr("%n min(s)", nullptr, m);
+    if (s > 0)
+        parts << CommandLine::tr("%n sec(s)", nullptr, s);
+    return parts.join(QLatin1Char(' '));
+}
+
 int printList(const ListedItems &items, bool json, bool running, const ListedOutcomes &outcomes = {})
 {
     const QDateTime now = QDateTime::currentDateTime();
@@ -137,7 +152,7 @@ int printList(const ListedItems &items, bool json, bool running, const ListedOut
         else if (outcome == QLatin1String("opened-late"))
             states << CommandLine::tr("opened late");
         else
-            states << (item.fired || !outcome.isEmpty() ? CommandLine::tr("opened") : running ? countdownText(double(now.msecsTo(date)) / 1000.0).trimmed() : CommandLine::tr("not armed"));
+            states << (item.fired || !outcome.isEmpty() ? CommandLine::tr("opened") : running ? timeLeft(now.secsTo(date)) : CommandLine::tr("not armed"));
         dateWidth = std::max(dateWidth, dates.last().size());
         stateWidth = std::max(stateWidth, states.last().size());
     }

@@ -123,19 +123,19 @@ void ProblemNotifier::show(Group group)
     QStringList actions;
     switch (group) {
     case Group::OpenFailed:
-        summary = n == 1 ? tr("1 item could not be opened") : tr("%1 items could not be opened").arg(n);
+        summary = tr("%n item(s) could not be opened", nullptr, n);
         if (n == 1)
             body += QLatin1String(": ") + shown.reason;
         break;
     case Group::Missed:
         if (shown.reason.contains(QLatin1String("not running")))
-            summary = n == 1 ? tr("1 item was missed while Quillon was not running") : tr("%1 items were missed while Quillon was not running").arg(n);
+            summary = tr("%n item(s) missed while Quillon was not running", nullptr, n);
         else
-            summary = n == 1 ? tr("1 item was missed while the computer slept") : tr("%1 items were missed while the computer slept").arg(n);
+            summary = tr("%n item(s) missed while the computer slept", nullptr, n);
         actions << OpenMissed << tr("Open Now");
         break;
     case Group::ScriptFailed: {
-        summary = n == 1 ? tr("A script failed") : tr("%1 scripts failed").arg(n);
+        summary = tr("%n script(s) failed", nullptr, n);
         // Each with its own reason: three failures are three stories.
         QStringList lines;
         for (const QString &path : shown.items.mid(0, 5))
@@ -146,14 +146,14 @@ void ProblemNotifier::show(Group group)
         break;
     }
     case Group::Late:
-        summary = n == 1 ? tr("1 missed item was opened late") : tr("%1 missed items were opened late").arg(n);
+        summary = tr("%n missed item(s) opened late", nullptr, n);
         break;
     case Group::Mail:
         summary = tr("Mail could not be sent");
         body = shown.reason;
         break;
     case Group::Launch:
-        summary = n == 1 ? tr("Quillon opened 1 item") : tr("Quillon opened %1 items").arg(n);
+        summary = tr("Quillon opened %n item(s)", nullptr, n);
         break;
     }
     actions << ShowHistory << tr("Show History");

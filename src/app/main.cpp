@@ -49,6 +49,14 @@ bool haveDisplay()
         return true; // offscreen, vnc, ...: Qt needs no display server for those
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
+void describeOptions(QCommandLineParser &parser, QCommandLineOption &autostart)
+{
+    parser.setApplicationDescription(QCoreApplication::translate("main", "Quillon opens files, applications and scripts at the times you choose."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    autostart.setDescription(QCoreApplication::translate("main", "Start as the login session does: the schedule runs, the window stays hidden."));
+    parser.addOption(autostart);
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -71,11 +79,9 @@ int main(int argc, char *argv[])
         return CommandLine::run(arguments);
     }
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Quillon opens files, applications and scripts at the times you choose."));
-    const QCommandLineOption helpOption = parser.addHelpOption();
-    const QCommandLineOption versionOption = parser.addVersionOption();
-    const QCommandLineOption autostart(QStringLiteral("autostart"), QStringLiteral("Start as the login session does: the schedule runs, the window stays hidden."));
-    parser.addOption(autostart);
+    QCommandLineOption autostart(QStringLiteral("autostart"));
+    describeOptions(parser, autostart);
+    const QCommandLineOption helpOption(QStringLiteral("help")), versionOption(QStringLiteral("version"));
     if (!parser.parse(arguments)) {
         std::fprintf(stderr, "quillon: %s (try --help)\n", qPrintable(parser.errorText()));
         return 2;
@@ -83,7 +89,11 @@ int main(int argc, char *argv[])
     if (parser.isSet(helpOption)) {
         QCoreApplication app(argc, argv);
         installTranslations(app);
-        const QString text = parser.helpText().replace(QCoreApplication::arguments().constFirst(), QLatin1String("quillon")) + QLatin1Char('\n') + CommandLine::help();
+        // Described again now that the translations are in: Qt's own texts are translated as they are added.
+        QCommandLineParser described;
+        QCommandLineOption autostartDescribed(QStringLiteral("autostart"));
+        describeOptions(described, autostartDescribed);
+        const QString text = described.helpText().replace(QCoreApplication::arguments().constFirst(), QLatin1String("quillon")) + QLatin1Char('\n') + CommandLine::help();
         std::fputs(text.toLocal8Bit().constData(), stdout);
         return 0;
     }

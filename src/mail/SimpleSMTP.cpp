@@ -7,12 +7,14 @@
 #include "MailSettings.h"
 #include "SmtpSession.h"
 
+#include <QLocale>
 #include <QStringDecoder>
 #include <QTimer>
 
 namespace Quillon {
 namespace {
 constexpr int ImplicitTlsPort = 465;
+constexpr const char *MechanismNames[] = {"", "PLAIN", "LOGIN", "CRAM-MD5"};
 
 QString errorText(const MailSettingsError &e)
 {
@@ -63,7 +65,7 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         _smtp->connectInBackgroundAndNotify(settings.useSSL() && port == ImplicitTlsPort);
     } catch (const MailSettingsError &e) {
         delete std::exchange(_smtp, nullptr);
-        controller.doAlert(tr("An error occurred when sending email."), errorText(e));
+        controller.doAlert(tr("An error occurred when sending email."), tr("Error (%1): %2").arg(e.name(), e.reason()));
         systemLog(errorText(e));
         _problem = e.reason();
         QTimer::singleShot(0, this, &SimpleSMTP::finished);
@@ -113,12 +115,12 @@ void SimpleSMTP::serviceInitialized()
     // Read again on purpose: this second reading decides. The mechanism is used whether or not
     // the server announced it, and a value outside 1 to 3 leaves the session idle.
     const int mechanism = settings.getSelectedLoginMechanism();
-    static const char *const names[] = {nullptr, "PLAIN", "LOGIN", "CRAM-MD5"};
     if (mechanism < 1 || mechanism > 3)
         return;
     try {
         const QString username = settings.getUsername();
-        const QString name = QString::fromLatin1(names[mechanism]);
+        const QString name = QString::fromLatin1(MechanismNames[mechanism]);
+        _mechanism = name;
         MailPassword *keyring = _controller->mailPassword();
         if (!keyring) {
             _smtp->authenticate(username, settings.getPassword(), name);
@@ -151,7 +153,16 @@ void SimpleSMTP::authenticationCompleted()
 
 void SimpleSMTP::authenticationFailed()
 {
-    _problem = tr("the server refused the login");
+    // The mechanism is tried even when the server did not announce it; then the refusal is not
+    // about the password, and the user must hear which setting to change.
+    const QStringList offered = _smtp->supportedMechanisms();
+    const QString &tried = _mechanism;
+    if (offered.isEmpty())
+        _problem = tr("the server offers no login; choose None under Authentication");
+    else if (!offered.contains(tried))
+        _problem = tr("the server does not offer the %1 login; it offers %2").arg(tried, QLocale().createSeparatedList(offered));
+    else
+        _problem = tr("the server refused the login");
     _refused = true;
     systemLog(QStringLiteral("Authentication failed! Closing the connection..."));
     _smtp->close();

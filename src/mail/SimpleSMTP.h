@@ -69,6 +69,7 @@ private:
     bool _sent = false;
     bool _refused = false;
     QString _problem;
+    QString _mechanism; // the login tried, for saying why it was refused
 };
 
 } // namespace Quillon

@@ -134,7 +134,7 @@ void DateWindow::setSelectionCount(int count)
     else if (count == 1)
         m_label->setText(tr("Launch date and time of the selected item:"));
     else
-        m_label->setText(tr("Launch date and time of %1 selected items:").arg(count));
+        m_label->setText(tr("Launch date and time of %n selected item(s):", nullptr, count));
 }
 
 } // namespace Quillon

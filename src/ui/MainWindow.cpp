@@ -403,7 +403,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::setUnseenProblems(int count)
 {
-    m_problems->setText(count == 1 ? tr("1 problem since you last looked") : tr("%1 problems since you last looked").arg(count));
+    m_problems->setText(tr("%n problem(s) since you last looked", nullptr, count));
     m_problems->setAccessibleName(m_problems->text());
     m_problems->setVisible(count > 0);
 }

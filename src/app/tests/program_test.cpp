@@ -156,12 +156,17 @@ private Q_SLOTS:
         QTest::addColumn<bool>("display");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("output");
-        QTest::newRow("--version") << QStringList{"--version"} << false << 0 << "quillon " QUILLON_VERSION "\n";
-        QTest::newRow("--help") << QStringList{"--help"} << false << 0 << "Usage: quillon [options]";
-        QTest::newRow("unknown option") << QStringList{"--frobnicate"} << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n";
-        QTest::newRow("stray argument") << QStringList{"file.txt"} << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n";
+        QTest::addColumn<QString>("language");
+        QTest::newRow("--version") << QStringList{"--version"} << false << 0 << "quillon " QUILLON_VERSION "\n" << "C";
+        QTest::newRow("--help") << QStringList{"--help"} << false << 0 << "Usage: quillon [options]\nQuillon opens files" << "C";
+        QTest::newRow("--help in German, Qt's own lines too") << QStringList{"--help"} << false << 0
+                                                             << "Aufruf: quillon [Optionen]\nQuillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.\n\n"
+                                                                "Optionen:\n  -h, --help     Zeigt"
+                                                             << "de_DE.UTF-8";
+        QTest::newRow("unknown option") << QStringList{"--frobnicate"} << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n" << "C";
+        QTest::newRow("stray argument") << QStringList{"file.txt"} << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n" << "C";
         QTest::newRow("no display") << QStringList{} << false << 1
-                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n";
+                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n" << "C";
     }
     void commandLine()
     {
@@ -169,8 +174,10 @@ private Q_SLOTS:
         QFETCH(bool, display);
         QFETCH(int, exitCode);
         QFETCH(QString, output);
+        QFETCH(QString, language);
         QTemporaryDir session;
         QProcessEnvironment env = Test::sessionEnvironment(session);
+        env.insert(QStringLiteral("LC_ALL"), language);
         if (!display)
             env.remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess p;
@@ -178,7 +185,7 @@ private Q_SLOTS:
         p.start(QStringLiteral(QUILLON_BINARY), arguments);
         QVERIFY(p.waitForFinished(10'000));
         QCOMPARE(p.exitCode(), exitCode);
-        const QString printed = QString::fromLocal8Bit(p.readAllStandardOutput() + p.readAllStandardError());
+        const QString printed = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
         QVERIFY2(printed.startsWith(output), qPrintable(printed));
         // Nothing written: no settings, no lock.
         QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList{QStringLiteral("runtime")});

@@ -80,29 +80,32 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("says");
-        QTest::newRow("add, no time") << QStringList{QStringLiteral("add"), file("a.txt")} << 2 << "--at";
-        QTest::newRow("add, unreadable time") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("soon")} << 2 << "soon";
-        QTest::newRow("add, missing file") << QStringList{QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m")} << 1 << "No such file";
-        QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9";
-        QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1";
-        QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1";
+        QTest::addColumn<QString>("language"); // LC_ALL of the command
+        QTest::newRow("add, no time") << QStringList{QStringLiteral("add"), file("a.txt")} << 2 << "--at" << "C";
+        QTest::newRow("add, unreadable time") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("soon")} << 2 << "soon" << "C";
+        QTest::newRow("add, missing file") << QStringList{QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m")} << 1 << "No such file" << "C";
+        QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9" << "C";
+        QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1" << "C";
+        QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1" << "C";
         // What the command line says is what happened: a stopped schedule opens nothing.
         const QStringList inAnHour{QStringLiteral("--at"), QStringLiteral("+1h")};
-        QTest::newRow("stop") << QStringList{QStringLiteral("stop")} << 0 << "";
-        QTest::newRow("add into a stopped schedule says so") << QStringList{QStringLiteral("add"), file("a.txt")} + inAnHour << 0 << "The schedule is stopped";
-        QTest::newRow("list of a stopped schedule counts nothing down") << QStringList{QStringLiteral("list")} << 0 << "not armed";
-        QTest::newRow("add --start starts it") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--start")} + inAnHour << 0 << "1 item added";
-        QTest::newRow("list of a running schedule") << QStringList{QStringLiteral("list")} << 0 << "The schedule runs.";
-        QTest::newRow("a name that would forge a row") << QStringList{QStringLiteral("add"), file("forged\n2  row.txt")} + inAnHour << 0 << "1 item added";
-        QTest::newRow("list writes it escaped") << QStringList{QStringLiteral("list")} << 0 << "forged\\n2  row.txt";
+        QTest::newRow("stop") << QStringList{QStringLiteral("stop")} << 0 << "" << "C";
+        QTest::newRow("add into a stopped schedule says so") << QStringList{QStringLiteral("add"), file("a.txt")} + inAnHour << 0 << "The schedule is stopped" << "C";
+        QTest::newRow("list of a stopped schedule counts nothing down") << QStringList{QStringLiteral("list")} << 0 << "not armed" << "C";
+        QTest::newRow("add --start starts it") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--start")} + inAnHour << 0 << "1 item added" << "C";
+        QTest::newRow("list of a running schedule") << QStringList{QStringLiteral("list")} << 0 << "The schedule runs." << "C";
+        QTest::newRow("a name that would forge a row") << QStringList{QStringLiteral("add"), file("forged\n2  row.txt")} + inAnHour << 0 << "1 item added" << "C";
+        QTest::newRow("list counts down in the user's language") << QStringList{QStringLiteral("list")} << 0 << " Min. " << "de_DE.UTF-8";
+        QTest::newRow("list writes it escaped") << QStringList{QStringLiteral("list")} << 0 << "forged\\n2  row.txt" << "C";
     }
     void commandLineExitCodes()
     {
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, says);
+        QFETCH(QString, language);
         ensureInstance();
-        const auto [code, out] = cli(arguments);
+        const auto [code, out] = cli(arguments, language);
         QCOMPARE(code, exitCode);
         QVERIFY2(QString::fromUtf8(out).contains(says), out.constData());
     }
@@ -293,18 +296,19 @@ private:
         return out;
     }
     QString file(const char *name) const { return m_home.filePath(QString::fromUtf8(name)); }
-    void startCli(QProcess &p, const QStringList &arguments) const
+    void startCli(QProcess &p, const QStringList &arguments, const QString &language = QStringLiteral("C")) const
     {
         QProcessEnvironment env = Test::sessionEnvironment(m_home);
+        env.insert(QStringLiteral("LC_ALL"), language);
         env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_daemon.address());
         p.setProcessEnvironment(env);
         p.setProcessChannelMode(QProcess::MergedChannels);
         p.start(QStringLiteral(QUILLON_BINARY), arguments);
     }
-    std::pair<int, QByteArray> cli(const QStringList &arguments) const
+    std::pair<int, QByteArray> cli(const QStringList &arguments, const QString &language = QStringLiteral("C")) const
     {
         QProcess p;
-        startCli(p, arguments);
+        startCli(p, arguments, language);
         if (!p.waitForFinished(30'000))
             return {-1, "timed out"};
         return {p.exitCode(), p.readAll()};

@@ -43,6 +43,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("log"); // after "Connecting..."; a line ending in * stands for any that begins with the rest
         QTest::addColumn<bool>("delivered");
         QTest::addColumn<QString>("alert");
+        QTest::addColumn<QString>("problem"); // what the user is told when nothing was sent
         const QStringList auth{QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password};
         const QString sent = QStringLiteral("Sent!");
         const QString closing = QStringLiteral("Closing the connection.");
@@ -50,37 +51,43 @@ private Q_SLOTS:
         const QString mechanisms = QStringLiteral("Available authentication mechanisms: *");
         const QString authDone = QStringLiteral("Authentication completed! Sending the message...");
         QTest::newRow("STARTTLS + CRAM-MD5") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} + auth << "127.0.0.1" << true << 3 << Password
-                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "";
+                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
         QTest::newRow("implicit TLS on 465 + LOGIN") << QStringList{QStringLiteral("--tls"), QStringLiteral("implicit"), QStringLiteral("--port"), QStringLiteral("465")} + auth
                                                   << "127.0.0.2" << true << 2 << Password
-                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "";
-        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closing, closed} << true << "";
+                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
+        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
         QTest::newRow("mechanism 0 with a user name set: no AUTH") << auth << "127.0.0.1" << false << 0 << Password
-                                                                  << QStringList{"Connected!", "Sending the message...", sent, closing, closed} << true << "";
-        QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong")
-                                        << QStringList{"Connected!", mechanisms, "Authentication failed! Closing the connection...", closed} << false << "";
+                                                                  << QStringList{"Connected!", "Sending the message...", sent, closing, closed} << true << "" << QString();
+        // What the user is told names the setting to change: the password, or the kind of login.
+        const QStringList refused{"Connected!", mechanisms, "Authentication failed! Closing the connection...", closed};
+        QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong") << refused << false << ""
+                                        << "the server refused the login";
+        QTest::newRow("PLAIN, the server offers no login") << QStringList{QStringLiteral("--no-auth")} << "127.0.0.1" << false << 1 << Password << refused
+                                                           << false << "" << "the server offers no login; choose None under Authentication";
+        QTest::newRow("LOGIN, the server offers PLAIN only") << auth + QStringList{QStringLiteral("--plain-only")} << "127.0.0.1" << false << 2 << Password
+                                                             << refused << false << "" << "the server does not offer the LOGIN login; it offers PLAIN";
         QTest::newRow("STARTTLS wanted, not offered") << QStringList{} << "127.0.0.1" << true << 0 << Password
                                                      << QStringList{"Connected!", "SSL handshaking...",
                                                                     "The mail session ended early: the server does not offer STARTTLS, and nothing is sent in clear.", closed}
-                                                     << false << "";
+                                                     << false << "" << QString();
         QTest::newRow("certificate for another name") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} << "127.0.0.3" << true << 0 << Password
                                                       << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate could not be verified*", closed}
-                                                      << false << "";
+                                                      << false << "" << QString();
         QTest::newRow("an address named by a DNS entry only") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--cert"),
                                                                        m_certs.filePath(QStringLiteral("dnsonly.pem")), QStringLiteral("--key"),
                                                                        m_certs.filePath(QStringLiteral("dnsonly-key.pem"))}
                                                          << "127.0.0.9" << true << 0 << Password
                                                          << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*", closed}
-                                                         << false << "";
+                                                         << false << "" << QString();
         QTest::newRow("password missing: logged, then the session idles out") << auth << "127.0.0.1" << false << 2 << QString()
                                                                             << QStringList{"Connected!", mechanisms,
                                                                                            "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
                                                                                            "The mail session ended early: nothing happened for 1 s.", closed}
-                                                                            << false << "";
+                                                                            << false << "" << QString();
         QTest::newRow("refused message") << QStringList{QStringLiteral("--refuse")} << "127.0.0.1" << false << 0 << Password
                                          << QStringList{"Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks",
                                                         "Closing the connection.", closed} << false
-                                         << "Message not sent. Server response: 550 Refused: no thanks";
+                                         << "Message not sent. Server response: 550 Refused: no thanks" << QString();
     }
     void deliversToARealServer()
     {
@@ -92,6 +99,7 @@ private Q_SLOTS:
         QFETCH(QStringList, log);
         QFETCH(bool, delivered);
         QFETCH(QString, alert);
+        QFETCH(QString, problem);
         if (server.contains(QLatin1String("465")) && ::geteuid() != 0)
             QSKIP("Binding port 465 needs root.");
         MailTest::Server peer;
@@ -115,8 +123,10 @@ private Q_SLOTS:
                 expected[i] = m_log[i];
         }
         QCOMPARE(m_log, expected);
-        if (mechanism > 0)
+        if (mechanism > 0 && !server.contains(QLatin1String("--no-auth")))
             QVERIFY2(m_log.at(expected.indexOf(QStringLiteral("Connected!")) + (useSSL ? 3 : 1)).contains(QLatin1String("PLAIN")), qPrintable(m_log.join(QLatin1Char('|'))));
+        if (!problem.isEmpty())
+            QCOMPARE(delivery.problem(), problem);
         QCOMPARE(controller.alerts, (alert.isEmpty() ? QList<QPair<QString, QString>>{} : QList<QPair<QString, QString>>{{alert, QString()}}));
 
         QTRY_COMPARE(peer.messages().size(), delivered ? 1 : 0);

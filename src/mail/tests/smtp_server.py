@@ -26,6 +26,8 @@ parser.add_argument("--key")
 parser.add_argument("--user", default="")
 parser.add_argument("--password", default="")
 parser.add_argument("--refuse", action="store_true")
+parser.add_argument("--no-auth", action="store_true", help="offer no login at all")
+parser.add_argument("--plain-only", action="store_true", help="offer PLAIN login only")
 parser.add_argument("--quiet", action="store_true", help="count messages, do not print them")
 args = parser.parse_args()
 
@@ -79,8 +81,11 @@ if args.tls != "none":
     context.load_cert_chain(args.cert, args.key)
 
 port = args.port or free_port(args.host)
-options = dict(hostname=args.host, port=port, server_hostname="quillon.test", authenticator=authenticator,
-               auth_require_tls=False)
+options = dict(hostname=args.host, port=port, server_hostname="quillon.test", authenticator=authenticator, auth_require_tls=False)
+if args.no_auth:
+    options.update(auth_exclude_mechanism=["LOGIN", "PLAIN", "CRAM-MD5"])
+if args.plain_only:
+    options.update(auth_exclude_mechanism=["LOGIN", "CRAM-MD5"])
 if args.tls == "starttls":
     options.update(tls_context=context, require_starttls=True)
 elif args.tls == "implicit":

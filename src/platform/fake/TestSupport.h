@@ -10,6 +10,8 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QCoreApplication>
+#include <QTranslator>
 
 #include <csignal>
 #include <fcntl.h>
@@ -18,6 +20,15 @@
 
 // What the tests share: a fixed "now", dates relative to it, files on disk, a private settings file.
 namespace Quillon::Test {
+
+// English plurals ("1 item", "2 items") come from a catalogue, as in the program.
+inline void installEnglish()
+{
+    auto *english = new QTranslator(QCoreApplication::instance());
+    if (english->load(QStringLiteral("quillon_en"), QStringLiteral(QUILLON_TRANSLATIONS_DIR)))
+        QCoreApplication::installTranslator(english);
+}
+inline const bool englishAtStart = (qAddPreRoutine(installEnglish), true);
 inline constexpr qint64 Now = 1'800'000'000'000;
 
 inline QDateTime at(double offsetSecs)
