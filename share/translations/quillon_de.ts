@@ -867,28 +867,28 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="72"/>
-        <source>General</source>
-        <translation>Allgemein</translation>
+        <source>&amp;General</source>
+        <translation>&amp;Allgemein</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="73"/>
-        <source>Mail</source>
-        <translation>E-Mail</translation>
+        <source>&amp;Mail</source>
+        <translation>&amp;E-Mail</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="128"/>
-        <source>Remember the list between sessions</source>
-        <translation>Die Liste zwischen Sitzungen behalten</translation>
+        <source>&amp;Remember the list between sessions</source>
+        <translation>Die &amp;Liste zwischen Sitzungen behalten</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="129"/>
-        <source>A dropped folder adds the files inside it</source>
-        <translation>Ein abgelegter Ordner fügt die Dateien darin hinzu</translation>
+        <source>A dropped &amp;folder adds the files inside it</source>
+        <translation>Ein abgelegter &amp;Ordner fügt die Dateien darin hinzu</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="130"/>
-        <source>…and the files in its subfolders</source>
-        <translation>… und die Dateien in seinen Unterordnern</translation>
+        <source>…and the files in its &amp;subfolders</source>
+        <translation>… und die Dateien in seinen &amp;Unterordnern</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="140"/>
@@ -929,13 +929,93 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="162"/>
-        <source>Repeat every:</source>
-        <translation>Wiederholen alle:</translation>
+        <source>Repeat &amp;every:</source>
+        <translation>&amp;Wiederholen alle:</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="165"/>
-        <source>Quit after the last item has been opened</source>
-        <translation>Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
+        <source>&amp;Quit after the last item has been opened</source>
+        <translation>&amp;Beenden, nachdem der letzte Eintrag geöffnet wurde</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="173"/>
+        <source>End a scrip&amp;t after:</source>
+        <translation>&amp;Skript beenden nach:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="175"/>
+        <source>&amp;Open items missed while the computer was asleep or off</source>
+        <translation>Objekte öffnen, die &amp;verpasst wurden, während der Rechner schlief oder aus war</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="176"/>
+        <source>&amp;Notify me about problems</source>
+        <translation>Bei &amp;Problemen benachrichtigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="178"/>
+        <source>Notify me about every &amp;launch</source>
+        <translation>Bei &amp;jedem Öffnen benachrichtigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="181"/>
+        <source>Start Quillon &amp;when I log in</source>
+        <translation>Quillon bei der A&amp;nmeldung starten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="226"/>
+        <source>&amp;Send a message for each opened item</source>
+        <translation>Für jeden geöffneten Eintrag eine &amp;Nachricht senden</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="227"/>
+        <source>Send the &amp;result of each script</source>
+        <translation>Das E&amp;rgebnis jedes Skripts senden</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="228"/>
+        <source>Recipient &amp;address:</source>
+        <translation>Empfängera&amp;dresse:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="230"/>
+        <source>Recipient &amp;name:</source>
+        <translation>Empfängerna&amp;me:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="235"/>
+        <source>A&amp;ddress:</source>
+        <translation>Adre&amp;sse:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="243"/>
+        <source>&amp;Port:</source>
+        <translation>P&amp;ort:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="244"/>
+        <source>Use a secure &amp;connection (TLS)</source>
+        <translation>Sichere &amp;Verbindung verwenden (TLS)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="249"/>
+        <source>&amp;Login:</source>
+        <translation>Anmeldun&amp;g:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="251"/>
+        <source>&amp;Username:</source>
+        <translation>&amp;Benutzername:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="267"/>
+        <source>Pass&amp;word:</source>
+        <translation>Pass&amp;wort:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="284"/>
+        <source>Send &amp;Test Message</source>
+        <translation>&amp;Testnachricht senden</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="169"/>
@@ -943,54 +1023,9 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation> Min.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="173"/>
-        <source>End a script after:</source>
-        <translation>Skript beenden nach:</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="175"/>
-        <source>Open items missed while the computer was asleep or off</source>
-        <translation>Objekte öffnen, die verpasst wurden, während der Rechner schlief oder aus war</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="176"/>
-        <source>Notify me about problems</source>
-        <translation>Bei Problemen benachrichtigen</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="178"/>
-        <source>Notify me about every launch</source>
-        <translation>Bei jedem Öffnen benachrichtigen</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="181"/>
-        <source>Start Quillon when I log in</source>
-        <translation>Quillon bei der Anmeldung starten</translation>
-    </message>
-    <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="211"/>
         <source>This address cannot be used for mail: %1. It was not saved.</source>
         <translation>Diese Adresse kann nicht für E-Mails verwendet werden: %1. Sie wurde nicht gespeichert.</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="226"/>
-        <source>Send a message for each opened item</source>
-        <translation>Für jeden geöffneten Eintrag eine Nachricht senden</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="227"/>
-        <source>Send the result of each script</source>
-        <translation>Das Ergebnis jedes Skripts senden</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="228"/>
-        <source>Recipient address:</source>
-        <translation>Empfängeradresse:</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="230"/>
-        <source>Recipient name:</source>
-        <translation>Empfängername:</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="232"/>
@@ -998,24 +1033,9 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Postausgangsserver</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="235"/>
-        <source>Address:</source>
-        <translation>Adresse:</translation>
-    </message>
-    <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="240"/>
         <source>Not set</source>
         <translation>Nicht gesetzt</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="243"/>
-        <source>Port:</source>
-        <translation>Port:</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="244"/>
-        <source>Use a secure connection (TLS)</source>
-        <translation>Sichere Verbindung verwenden (TLS)</translation>
     </message>
     <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="248"/>
@@ -1023,34 +1043,14 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Anmeldung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="249"/>
-        <source>Login:</source>
-        <translation>Anmeldung:</translation>
-    </message>
-    <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="246"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="251"/>
-        <source>Username:</source>
-        <translation>Benutzername:</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="267"/>
-        <source>Password:</source>
-        <translation>Passwort:</translation>
-    </message>
-    <message>
         <location filename="../../src/ui/PreferencesDialog.cpp" line="271"/>
         <source>Without TLS the password is sent unencrypted.</source>
         <translation>Ohne TLS wird das Passwort unverschlüsselt gesendet.</translation>
-    </message>
-    <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="284"/>
-        <source>Send Test Message</source>
-        <translation>Testnachricht senden</translation>
     </message>
 </context>
 <context>
@@ -1293,8 +1293,8 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
     <message>
         <location filename="../../src/mail/SimpleSMTP.cpp" line="161"/>
-        <source>the server offers no login; choose None under Authentication</source>
-        <translation>der Server bietet keine Anmeldung an; wählen Sie „Keine“ unter Authentifizierung</translation>
+        <source>the server offers no login; choose None for Login in Preferences</source>
+        <translation>der Server bietet keine Anmeldung an; wählen Sie „Keine“ bei „Anmeldung“ in den Einstellungen</translation>
     </message>
     <message>
         <location filename="../../src/mail/SimpleSMTP.cpp" line="163"/>

@@ -158,7 +158,7 @@ void SimpleSMTP::authenticationFailed()
     const QStringList offered = _smtp->supportedMechanisms();
     const QString &tried = _mechanism;
     if (offered.isEmpty())
-        _problem = tr("the server offers no login; choose None under Authentication");
+        _problem = tr("the server offers no login; choose None for Login in Preferences");
     else if (!offered.contains(tried))
         _problem = tr("the server does not offer the %1 login; it offers %2").arg(tried, QLocale().createSeparatedList(offered));
     else

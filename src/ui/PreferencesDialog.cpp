@@ -69,8 +69,8 @@ PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, 
     connect(&m_writeTimer, &QTimer::timeout, this, &PreferencesDialog::writePending);
     setWindowTitle(tr("Quillon Preferences"));
     auto *tabs = new QTabWidget(this);
-    tabs->addTab(buildGeneralPage(), tr("General"));
-    tabs->addTab(buildMailPage(), tr("Mail"));
+    tabs->addTab(buildGeneralPage(), tr("&General"));
+    tabs->addTab(buildMailPage(), tr("&Mail"));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     auto *layout = new QVBoxLayout(this);
@@ -125,9 +125,9 @@ QWidget *PreferencesDialog::buildGeneralPage()
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
     Preferences &p = m_preferences;
-    form->addRow(boolControl(p, Keys::RememberItems, tr("Remember the list between sessions"), p.rememberItems(), page));
-    auto *folders = boolControl(p, Keys::AddFolderFiles, tr("A dropped folder adds the files inside it"), p.addFolderFiles(), page);
-    auto *recursive = boolControl(p, Keys::AddFolderFilesRecursively, tr("…and the files in its subfolders"), p.addFolderFilesRecursively(), page);
+    form->addRow(boolControl(p, Keys::RememberItems, tr("&Remember the list between sessions"), p.rememberItems(), page));
+    auto *folders = boolControl(p, Keys::AddFolderFiles, tr("A dropped &folder adds the files inside it"), p.addFolderFiles(), page);
+    auto *recursive = boolControl(p, Keys::AddFolderFilesRecursively, tr("…and the files in its &subfolders"), p.addFolderFilesRecursively(), page);
     recursive->setEnabled(folders->isChecked());
     connect(folders, &QCheckBox::toggled, recursive, &QWidget::setEnabled);
     form->addRow(folders);
@@ -159,10 +159,10 @@ QWidget *PreferencesDialog::buildGeneralPage()
     connect(count, &QSpinBox::valueChanged, page, limitCount);
     // Spelled out, not addRow(text, layout): a label for a layout is nobody's buddy, and a screen
     // reader would not tie it to the count.
-    auto *repeatLabel = new QLabel(tr("Repeat every:"), page);
+    auto *repeatLabel = new QLabel(tr("Repeat &every:"), page);
     repeatLabel->setBuddy(count);
     form->addRow(repeatLabel, repeatRow);
-    form->addRow(boolControl(p, Keys::QuitWhenDone, tr("Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
+    form->addRow(boolControl(p, Keys::QuitWhenDone, tr("&Quit after the last item has been opened"), p.boolValue(Keys::QuitWhenDone), page));
     auto *scriptLimit = new QSpinBox(page);
     scriptLimit->setObjectName(QString(Keys::ScriptTimeLimit));
     scriptLimit->setRange(0, 24 * 60);
@@ -170,15 +170,15 @@ QWidget *PreferencesDialog::buildGeneralPage()
     scriptLimit->setSpecialValueText(tr("Never"));
     scriptLimit->setValue(p.intValue(Keys::ScriptTimeLimit) / 60);
     connect(scriptLimit, &QSpinBox::editingFinished, page, [&p, scriptLimit] { p.setValue(Keys::ScriptTimeLimit, scriptLimit->value() * 60); });
-    form->addRow(tr("End a script after:"), scriptLimit);
+    form->addRow(tr("End a scrip&t after:"), scriptLimit);
     // Off by default: items whose time passed unseen are recorded, not opened, unless asked.
-    form->addRow(boolControl(p, Keys::OpenMissedItems, tr("Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
-    form->addRow(boolControl(p, Keys::NotifyProblems, tr("Notify me about problems"),
+    form->addRow(boolControl(p, Keys::OpenMissedItems, tr("&Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
+    form->addRow(boolControl(p, Keys::NotifyProblems, tr("&Notify me about problems"),
                              !p.contains(Keys::NotifyProblems) || p.boolValue(Keys::NotifyProblems), page));
-    form->addRow(boolControl(p, Keys::NotifyEveryLaunch, tr("Notify me about every launch"), p.boolValue(Keys::NotifyEveryLaunch), page));
+    form->addRow(boolControl(p, Keys::NotifyEveryLaunch, tr("Notify me about every &launch"), p.boolValue(Keys::NotifyEveryLaunch), page));
 
     // Not a setting of the file: the session's autostart folder is the record.
-    auto *login = new QCheckBox(tr("Start Quillon when I log in"), page);
+    auto *login = new QCheckBox(tr("Start Quillon &when I log in"), page);
     login->setObjectName(QStringLiteral("autostart"));
     login->setChecked(Autostart::isEnabled());
     connect(login, &QCheckBox::toggled, page, [login](bool on) {
@@ -223,16 +223,16 @@ QWidget *PreferencesDialog::buildMailPage()
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
     Preferences &p = m_preferences;
-    form->addRow(boolControl(p, Keys::SendEmail, tr("Send a message for each opened item"), p.boolValue(Keys::SendEmail), page));
-    form->addRow(boolControl(p, Keys::EmailScriptResults, tr("Send the result of each script"), p.boolValue(Keys::EmailScriptResults), page));
-    form->addRow(tr("Recipient address:"), recipientControl(page));
+    form->addRow(boolControl(p, Keys::SendEmail, tr("&Send a message for each opened item"), p.boolValue(Keys::SendEmail), page));
+    form->addRow(boolControl(p, Keys::EmailScriptResults, tr("Send the &result of each script"), p.boolValue(Keys::EmailScriptResults), page));
+    form->addRow(tr("Recipient &address:"), recipientControl(page));
     form->addRow(m_addressProblem);
-    form->addRow(tr("Recipient name:"), textControl(p, Keys::RecipientName, page));
+    form->addRow(tr("Recipient &name:"), textControl(p, Keys::RecipientName, page));
     // Everything about the server in one group, apart from whom the mail is for.
     auto *group = new QGroupBox(tr("Outgoing server"), page);
     group->setObjectName(QStringLiteral("outgoingServer"));
     auto *server = new QFormLayout(group);
-    server->addRow(tr("Address:"), textControl(p, Keys::ServerAddress, group));
+    server->addRow(tr("A&ddress:"), textControl(p, Keys::ServerAddress, group));
     auto *port = new QSpinBox(group);
     port->setObjectName(QString(Keys::ServerPort));
     // 0 is "not set"; the getter accepts 1 to 65365.
@@ -240,15 +240,15 @@ QWidget *PreferencesDialog::buildMailPage()
     port->setSpecialValueText(tr("Not set"));
     port->setValue(p.intValue(Keys::ServerPort));
     connect(port, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::ServerPort, v); });
-    server->addRow(tr("Port:"), port);
-    QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure connection (TLS)"), p.boolValue(Keys::UseSSL), group);
+    server->addRow(tr("&Port:"), port);
+    QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure &connection (TLS)"), p.boolValue(Keys::UseSSL), group);
     server->addRow(secure);
     QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, group);
     // Named by its label, not announced by the value it shows.
     login->setAccessibleName(tr("Login"));
-    server->addRow(tr("Login:"), login);
+    server->addRow(tr("&Login:"), login);
     QLineEdit *username = textControl(p, Keys::LoginUsername, group);
-    server->addRow(tr("Username:"), username);
+    server->addRow(tr("&Username:"), username);
     QLineEdit *password = m_password ? new QLineEdit(group) : textControl(p, Keys::LoginPassword, group);
     password->setEchoMode(QLineEdit::Password);
     if (m_password) {
@@ -264,7 +264,7 @@ QWidget *PreferencesDialog::buildMailPage()
             password->setModified(false);
         });
     }
-    server->addRow(tr("Password:"), password);
+    server->addRow(tr("Pass&word:"), password);
     // A login without TLS sends the password as it is; it may be what the server wants, but the
     // user should know.
     // One line: a wrapped label in a form is given too little height and gets cut off.
@@ -281,7 +281,7 @@ QWidget *PreferencesDialog::buildMailPage()
     connect(login, &QComboBox::activated, page, enableLogin);
     connect(secure, &QCheckBox::toggled, page, enableLogin);
     form->addRow(group);
-    auto *test = new QPushButton(tr("Send Test Message"), page);
+    auto *test = new QPushButton(tr("Send &Test Message"), page);
     test->setObjectName(QStringLiteral("testEmailButton"));
     // Enter in a mail field must not send a mail.
     test->setAutoDefault(false);

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong") << refused << false << ""
                                         << "the server refused the login";
         QTest::newRow("PLAIN, the server offers no login") << QStringList{QStringLiteral("--no-auth")} << "127.0.0.1" << false << 1 << Password << refused
-                                                           << false << "" << "the server offers no login; choose None under Authentication";
+                                                           << false << "" << "the server offers no login; choose None for Login in Preferences";
         QTest::newRow("LOGIN, the server offers PLAIN only") << auth + QStringList{QStringLiteral("--plain-only")} << "127.0.0.1" << false << 2 << Password
                                                              << refused << false << "" << "the server does not offer the LOGIN login; it offers PLAIN";
         QTest::newRow("STARTTLS wanted, not offered") << QStringList{} << "127.0.0.1" << true << 0 << Password
