@@ -16,6 +16,7 @@
 #include "Translations.h"
 #include "UnixSignalWatcher.h"
 #include "WakeAlarms.h"
+#include "WaylandSeat.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -112,7 +113,11 @@ int main(int argc, char *argv[])
 
     // Read before Qt starts: the Wayland plugin takes it for a window of its own.
     const QByteArray activationToken = qgetenv("XDG_ACTIVATION_TOKEN");
+    const bool noSeat = WaylandSeat::compositorHasNoSeat();
+    if (noSeat)
+        WaylandSeat::disableInputMethod();
     QApplication app(argc, argv);
+    WaylandSeat::restoreInputMethod();
     QApplication::setDesktopFileName(QStringLiteral(QUILLON_APP_ID));
     // A second start hands over to the running one before it reads or writes the settings.
     SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/Quillon.conf"));
@@ -130,6 +135,8 @@ int main(int argc, char *argv[])
     }
 
     installTranslations(app);
+    if (noSeat)
+        systemLog(QStringLiteral("The Wayland compositor has no seat; text fields work without an input method."));
     QApplication::setStyle(new FocusRingStyle);
     trustCertificatesFromEnvironment();
     // Outside a full desktop Qt knows no icon theme; file icons then come from Adwaita.
