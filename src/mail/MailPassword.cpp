@@ -5,7 +5,14 @@
 #include "SecretStore.h"
 #include "SettingsKeys.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QPointer>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Quillon {
 
@@ -51,8 +58,37 @@ void MailPassword::removeFromFile()
 
 void MailPassword::keyringUnavailable(const QString &why)
 {
+    rememberRefusal();
     if (!std::exchange(m_saidUnavailable, true))
         systemLog(QStringLiteral("The desktop keyring cannot be used (%1); the mail password stays in the settings file.").arg(why));
+}
+
+// A keyring that could not take the password has usually asked the user (to unlock it, or to
+// choose a password for a new one) and been told no. Asking again at every start or every mail
+// would nag; the runtime folder lives as long as the login session, so the next login asks again.
+QString MailPassword::refusalMarker()
+{
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return runtime.isEmpty() ? QString() : runtime + QStringLiteral("/Quillon/keyring-refused");
+}
+
+bool MailPassword::refusedThisSession() const
+{
+    const QString marker = refusalMarker();
+    return m_refused || (!marker.isEmpty() && QFile::exists(marker));
+}
+
+void MailPassword::rememberRefusal()
+{
+    m_refused = true;
+    const QString marker = refusalMarker();
+    if (marker.isEmpty())
+        return;
+    const QByteArray folder = QFile::encodeName(QFileInfo(marker).absolutePath());
+    ::mkdir(folder.constData(), 0700);
+    const int fd = ::open(QFile::encodeName(marker).constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (fd >= 0)
+        ::close(fd);
 }
 
 void MailPassword::get(QObject *context, Done done)
@@ -62,7 +98,7 @@ void MailPassword::get(QObject *context, Done done)
         if (guard)
             done(password);
     };
-    if (!m_store) {
+    if (!m_store || refusedThisSession()) {
         const QString inFile = passwordInFile();
         QMetaObject::invokeMethod(this, [answer, inFile] { answer(inFile); }, Qt::QueuedConnection);
         return;
@@ -90,6 +126,11 @@ void MailPassword::set(const QString &password)
         m_preferences.setValue(Keys::LoginPassword, password);
         return;
     }
+    if (refusedThisSession()) {
+        keyringUnavailable(QStringLiteral("it failed earlier in this login session"));
+        m_preferences.setValue(Keys::LoginPassword, password);
+        return;
+    }
     enqueue([this, password](std::function<void()> next) {
         const auto done = [this, password, next](SecretStore::Result result, const QString &error) {
             if (result == SecretStore::Result::Unavailable) {
@@ -109,7 +150,7 @@ void MailPassword::set(const QString &password)
 
 void MailPassword::migrate()
 {
-    if (!m_store || m_migrating || passwordInFile().isEmpty())
+    if (!m_store || m_migrating || refusedThisSession() || passwordInFile().isEmpty())
         return;
     m_migrating = true;
     enqueue([this](std::function<void()> next) {

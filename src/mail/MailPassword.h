@@ -13,7 +13,8 @@ class SecretStore;
 
 // The mail password lives in the desktop's keyring. A password still in the settings file (an
 // older Quillon, or a time when no keyring answered) moves there once the keyring confirms it;
-// where no keyring answers, the settings file stays the store and the log says so once.
+// where no keyring answers, the settings file stays the store and the log says so once; and a
+// keyring that failed is not asked again until the next login.
 class MailPassword final : public QObject
 {
     Q_OBJECT
@@ -39,12 +40,16 @@ private:
     void enqueue(Step step);
     void runNext();
     void keyringUnavailable(const QString &why);
+    static QString refusalMarker();
+    bool refusedThisSession() const;
+    void rememberRefusal();
     QString passwordInFile() const;
     void removeFromFile();
 
     Preferences &m_preferences;
     SecretStore *m_store;
     bool m_saidUnavailable = false;
+    bool m_refused = false; // the keyring failed a call: not asked again in this session
     bool m_migrating = false;
     bool m_busy = false;
     QList<Step> m_steps;

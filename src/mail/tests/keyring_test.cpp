@@ -10,6 +10,23 @@
 using namespace Quillon;
 
 namespace {
+// A keyring whose every prompt the user dismisses.
+class RefusingStore final : public SecretStore
+{
+public:
+    int calls = 0;
+    void read(const QString &, ReadDone done) override { answerLater([done] { done(Result::Unavailable, {}, QStringLiteral("dismissed")); }); }
+    void write(const QString &, const QString &, Done done) override { answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); }); }
+    void remove(const QString &, Done done) override { answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); }); }
+
+private:
+    void answerLater(std::function<void()> answer)
+    {
+        ++calls;
+        QMetaObject::invokeMethod(qApp, std::move(answer), Qt::QueuedConnection);
+    }
+};
+
 const QString Old = QStringLiteral("old-p\u00e4ssword");
 const QString New = QStringLiteral("new-p\u00e4ssword");
 } // namespace
@@ -26,6 +43,9 @@ private Q_SLOTS:
     }
     void init()
     {
+        // A login session of its own for each test: what one remembers must not reach the next.
+        m_runtime = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_RUNTIME_DIR", m_runtime->path().toUtf8());
         m_settings.clear(m_prefs);
         m_log.clear();
     }
@@ -55,6 +75,42 @@ private Q_SLOTS:
         QTRY_COMPARE(*direct, New);
         password.set(QString());
         QTRY_COMPARE(read(password), QString());
+    }
+
+    // A keyring the user said no to is asked once per login session, not at every start or mail.
+    void aRefusedKeyringIsAskedOncePerSession_data()
+    {
+        QTest::addColumn<bool>("newLogin");
+        QTest::addColumn<int>("askedAfterRestart");
+        QTest::newRow("restarted in the same session") << false << 0;
+        QTest::newRow("after the next login") << true << 1;
+    }
+    void aRefusedKeyringIsAskedOncePerSession()
+    {
+        QFETCH(bool, newLogin);
+        QFETCH(int, askedAfterRestart);
+        m_settings.writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");
+        m_prefs.synchronize();
+        RefusingStore store;
+        {
+            MailPassword first(m_prefs, &store);
+            first.migrate();
+            QCOMPARE(read(first), Old);
+            QCOMPARE(store.calls, 1);
+            // Every mail, and a new password, go on without asking.
+            QCOMPARE(read(first), Old);
+            first.set(New);
+            QCOMPARE(read(first), New);
+            QCOMPARE(store.calls, 1);
+        }
+        QTemporaryDir nextLogin;
+        if (newLogin)
+            qputenv("XDG_RUNTIME_DIR", nextLogin.path().toUtf8());
+        MailPassword second(m_prefs, &store);
+        second.migrate();
+        QCOMPARE(read(second), New); // answered after the move was tried, if it was
+        QCOMPARE(store.calls, 1 + askedAfterRestart);
+        QCOMPARE(m_settings.read(QStringLiteral("loginPassword")).toString(), New);
     }
 
     // A delivery that needs the password waits for the keyring's answer and logs in with it.
@@ -92,6 +148,7 @@ private:
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
     std::unique_ptr<KeychainSecretStore> m_store;
+    std::unique_ptr<QTemporaryDir> m_runtime;
     Test::CapturedLog m_log;
 };
 
