@@ -11,10 +11,11 @@ RUN_DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libqt6sql6-sq
         libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
         adwaita-icon-theme qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n qt6-wayland libwayland-dev libcap2-bin qtkeychain-qt6-dev libsecret-1-0
 TEST_DEPS := xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev \
-        appstream dpkg-dev file gnome-keyring e2fsprogs weston python3-pyatspi at-spi2-core xdotool
+        appstream dpkg-dev file gnome-keyring e2fsprogs weston python3-pyatspi at-spi2-core xdotool \
+        clang-format clang-tidy
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps test-deps configure build build-app run test bench fuzz lint install package clean
+.PHONY: deps test-deps configure build build-app run test bench fuzz lint format format-check install package clean
 FUZZ_SECONDS ?= 600
 
 # Installs those of the packages named in its argument that are missing.
@@ -48,8 +49,17 @@ build-app: configure
 run: build-app
 	$(BUILD)/bin/quillon
 
-test: build
+test: build format-check
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 300
+
+# The C++ layout is .clang-format's: `make format` applies it, and the suite fails on a file it would change.
+CXX_FILES = $(shell git ls-files '*.cpp' '*.h')
+format:
+	clang-format -i --style=file $(CXX_FILES)
+
+format-check: test-deps
+	@clang-format --dry-run -Werror --style=file $(CXX_FILES) 2>&1 | grep -m 20 'error:' \
+	    && { echo "Unformatted C++ above: run make format."; exit 1; } || echo "format: the C++ files follow .clang-format"
 
 # Installs under PREFIX (default /usr/local); the wake helper gets its capability where setcap works.
 PREFIX ?= /usr/local
