@@ -2,9 +2,9 @@
 
 #include <QList>
 #include <QObject>
-#include <QTimer>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -19,21 +19,21 @@ inline void useHome(const QTemporaryDir &home)
 
 inline qint64 realtimeNs()
 {
-    timespec ts{};
+    timespec ts {};
     clock_gettime(CLOCK_REALTIME, &ts);
     return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
 }
 
 inline qint64 monotonicNs()
 {
-    timespec ts{};
+    timespec ts {};
     clock_gettime(CLOCK_MONOTONIC, &ts);
     return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
 }
 
 inline qint64 cpuNs()
 {
-    timespec ts{};
+    timespec ts {};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
     return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
 }
@@ -45,8 +45,7 @@ inline void printSpread(const char *label, QList<qint64> values)
         return;
     std::sort(values.begin(), values.end());
     const auto pick = [&](double q) { return values.at(std::min<qsizetype>(values.size() - 1, qsizetype(q * double(values.size())))); };
-    std::printf("%s: n=%lld median=%.3f ms p99=%.3f ms max=%.3f ms\n", label, (long long)values.size(), pick(0.5) / 1e6, pick(0.99) / 1e6,
-                values.last() / 1e6);
+    std::printf("%s: n=%lld median=%.3f ms p99=%.3f ms max=%.3f ms\n", label, (long long)values.size(), pick(0.5) / 1e6, pick(0.99) / 1e6, values.last() / 1e6);
 }
 
 // The longest the event loop goes without a turn, seen by a 1 ms precise timer.

@@ -43,7 +43,7 @@ int main(int argc, char *argv[])
 
     const QString script = dir.filePath(QStringLiteral("long.scpt"));
     Test::writeFile(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);
-    QStringList paths{script};
+    QStringList paths { script };
     for (int i = 0; i < Programs; ++i) {
         const QString exe = dir.filePath(QStringLiteral("prog%1").arg(i));
         Test::writeFile(exe, "#!/bin/sh\necho " + QByteArray::number(i) + " >> '" + QFile::encodeName(log) + "'\n", true);

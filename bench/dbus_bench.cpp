@@ -28,8 +28,8 @@ constexpr int Items = 10'000;
 // Sends the call and returns its round trip in ms once the reply is in; the loop turns meanwhile.
 double roundTrip(const QDBusConnection &bus, const QString &method, const QVariantList &arguments, QDBusMessage *reply = nullptr)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                                       QLatin1String(ScriptingService::InterfaceName), method);
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), method);
     call.setArguments(arguments);
     QElapsedTimer clock;
     clock.start();
@@ -71,7 +71,7 @@ int main(int argc, char *argv[])
     FakePowerService power;
     FakeWorkspace workspace;
     FakeScriptRunner scripts;
-    QuillonController controller(Platform{clock, power, workspace, scripts});
+    QuillonController controller(Platform { clock, power, workspace, scripts });
     controller.preferences().setValue(Keys::RememberItems, false);
     controller.awakeFromNib();
     controller.applicationWillFinishLaunching();
@@ -85,15 +85,14 @@ int main(int argc, char *argv[])
     LoopBlockMeter meter;
     meter.start();
     QDBusMessage reply;
-    const double addMs = roundTrip(clientBus, QStringLiteral("Add"), {paths, QDateTime::currentSecsSinceEpoch() + 3600}, &reply);
+    const double addMs = roundTrip(clientBus, QStringLiteral("Add"), { paths, QDateTime::currentSecsSinceEpoch() + 3600 }, &reply);
     // The rows reach the table in the same turn; the next turns show them.
     QElapsedTimer settle;
     settle.start();
     while (settle.elapsed() < 300)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
     meter.stop();
-    std::printf("Add of %d paths in one call: %.0f ms round trip (target <= 1000 ms), %d rows added\n", Items, addMs,
-                reply.arguments().value(0).toInt());
+    std::printf("Add of %d paths in one call: %.0f ms round trip (target <= 1000 ms), %d rows added\n", Items, addMs, reply.arguments().value(0).toInt());
     std::printf("longest event-loop block meanwhile: %.1f ms (target <= 50 ms)\n", meter.longestMs());
     const double listMs = roundTrip(clientBus, QStringLiteral("List"), {}, &reply);
     std::printf("List with %d rows: %.0f ms round trip\n", controller.schedule().count(), listMs);

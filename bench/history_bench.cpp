@@ -55,19 +55,20 @@ int main(int argc, char *argv[])
         app.exec();
         meter.stop();
         std::sort(writes.begin(), writes.end());
-        return std::tuple{meter.longestMs(), writes.empty() ? 0.0 : writes[writes.size() * 99 / 100], writes.empty() ? 0.0 : writes.back()};
+        return std::tuple { meter.longestMs(), writes.empty() ? 0.0 : writes[writes.size() * 99 / 100], writes.empty() ? 0.0 : writes.back() };
     };
     const auto [idleBlock, unused1, unused2] = measure(false);
     const auto [block, p99, worst] = measure(true);
     std::printf("recording 5,000 events at about 1,000/s, one write per turn: %.2f ms at the 99th percentile, %.2f ms at worst "
-                "(target <= 1 ms per turn)\n", p99, worst);
+                "(target <= 1 ms per turn)\n",
+        p99, worst);
     std::printf("longest event-loop block meanwhile %.2f ms; the same loop without recording: %.2f ms (this machine's own jitter)\n", block, idleBlock);
     const int sent = 5000;
 
     // Up to 100,000 records, mixed kinds, written in one go.
     for (int i = sent; i < History::KeepRecords; ++i)
         history.record(History::Kind(1 + i % 10), QStringLiteral("/home/ann/Documents/file %1.txt").arg(i), clock.now(),
-                       i % 10 == 1 ? QStringLiteral("the file no longer exists") : QStringLiteral("document"));
+            i % 10 == 1 ? QStringLiteral("the file no longer exists") : QStringLiteral("document"));
     history.flush();
     QThreadPool::globalInstance()->waitForDone(); // the history's own checkpoint, if one runs
     {
@@ -78,8 +79,8 @@ int main(int argc, char *argv[])
             QSqlQuery(db).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
     }
     QSqlDatabase::removeDatabase(QStringLiteral("size"));
-    std::printf("history file with %d records: %.1f MB (its write-ahead log now: %.1f MB)\n", History::KeepRecords,
-                double(QFileInfo(file).size()) / 1e6, double(QFileInfo(file + QStringLiteral("-wal")).size()) / 1e6);
+    std::printf("history file with %d records: %.1f MB (its write-ahead log now: %.1f MB)\n", History::KeepRecords, double(QFileInfo(file).size()) / 1e6,
+        double(QFileInfo(file + QStringLiteral("-wal")).size()) / 1e6);
 
     FakeWorkspace workspace;
     QElapsedTimer opening;
@@ -88,6 +89,6 @@ int main(int argc, char *argv[])
     window.show();
     QCoreApplication::processEvents();
     std::printf("History window open with %d records: %.0f ms (target <= 200 ms), %d rows fetched so far\n", History::KeepRecords,
-                double(opening.nsecsElapsed()) / 1e6, window.model()->rowCount());
+        double(opening.nsecsElapsed()) / 1e6, window.model()->rowCount());
     return 0;
 }

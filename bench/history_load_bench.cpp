@@ -78,8 +78,8 @@ int main(int argc, char *argv[])
         events.start(10);
         app.exec();
         history.flush();
-        std::printf("recording %d launches in %d s: the write-ahead log ended at %.1f MB, at most %.1f MB (target <= 64 MB)\n", sent, seconds,
-                    walMB(file), largest);
+        std::printf(
+            "recording %d launches in %d s: the write-ahead log ended at %.1f MB, at most %.1f MB (target <= 64 MB)\n", sent, seconds, walMB(file), largest);
     }
     QThreadPool::globalInstance()->waitForDone();
 
@@ -101,6 +101,6 @@ int main(int argc, char *argv[])
     app.exec();
     meter.stop();
     std::printf("trimming %d old records took %.1f s off the event loop; longest event-loop block %.2f ms (target <= 50 ms)\n", Old,
-                double(trimming.elapsed()) / 1000, meter.longestMs());
+        double(trimming.elapsed()) / 1000, meter.longestMs());
     return 0;
 }

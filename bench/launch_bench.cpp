@@ -35,8 +35,7 @@ class TimingWorkspace final : public Workspace
 public:
     explicit TimingWorkspace(Workspace &real)
         : m_real(real)
-    {
-    }
+    { }
     bool openFile(const QString &path) override
     {
         lap();
@@ -89,7 +88,7 @@ int main(int argc, char *argv[])
     qputenv("XDG_DATA_HOME", home.filePath(QStringLiteral("data")).toUtf8());
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
     write(home.filePath(QStringLiteral("data/applications/bench-handler.desktop")),
-          "[Desktop Entry]\nType=Application\nName=Bench\nMimeType=text/plain;\nExec=/bin/true %f\n");
+        "[Desktop Entry]\nType=Application\nName=Bench\nMimeType=text/plain;\nExec=/bin/true %f\n");
     write(home.filePath(QStringLiteral("config/mimeapps.list")), "[Default Applications]\ntext/plain=bench-handler.desktop\n");
     QStringList documents, programs;
     for (int i = 0; i < 200; ++i) {
@@ -106,15 +105,14 @@ int main(int argc, char *argv[])
     ShebangScriptRunner scripts;
     Launcher launcher(prefs, workspace, scripts, [](const QString &, const QString &) {});
     QList<qint64> perItem;
-    for (const QStringList *set : {&documents, &programs}) {
+    for (const QStringList *set : { &documents, &programs }) {
         const bool docs = set == &documents;
         workspace.reset();
         launcher.launchAllNow(*set);
         workspace.lap();
         printSpread(docs ? "documents, event loop blocked per item" : "executables, event loop blocked per item", workspace.blocked);
         // The programs start and are reaped while the loop keeps turning.
-        std::printf("%s, longest wait for an event-loop turn while they start: %.3f ms\n", docs ? "documents" : "executables",
-                    longestGap(1500) / 1e6);
+        std::printf("%s, longest wait for an event-loop turn while they start: %.3f ms\n", docs ? "documents" : "executables", longestGap(1500) / 1e6);
     }
     return 0;
 }

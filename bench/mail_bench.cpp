@@ -23,8 +23,7 @@ constexpr int AtOnce = 20;
 const QString Password = QStringLiteral("bench-pw");
 
 // Runs the event loop until done() holds.
-template<typename Done>
-void spin(Done done)
+template<typename Done> void spin(Done done)
 {
     while (!done())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
@@ -46,15 +45,16 @@ int main(int argc, char *argv[])
         return 1;
     qputenv("XDG_CONFIG_HOME", dir.filePath(QStringLiteral("config")).toUtf8());
     MailTest::Server server;
-    if (!server.start(dir, QStringLiteral("1"), {QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"),
-                            Password, QStringLiteral("--quiet")})) {
+    if (!server.start(dir, QStringLiteral("1"),
+            { QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password,
+                QStringLiteral("--quiet") })) {
         std::printf("the test server did not start\n");
         return 1;
     }
     Preferences prefs;
-    prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
-                     {Keys::ServerPort, server.port}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 1},
-                     {Keys::LoginUsername, QStringLiteral("ann")}, {Keys::LoginPassword, Password}});
+    prefs.setValues(
+        { { Keys::RecipientEmail, QStringLiteral("ann@example.org") }, { Keys::ServerAddress, QStringLiteral("127.0.0.1") }, { Keys::ServerPort, server.port },
+            { Keys::UseSSL, true }, { Keys::SelectedAuthentication, 1 }, { Keys::LoginUsername, QStringLiteral("ann") }, { Keys::LoginPassword, Password } });
     MailTest::Host host(prefs);
 
     const qint64 oursStart = monotonicNs();
@@ -73,10 +73,10 @@ int main(int argc, char *argv[])
         f.open(QIODevice::WriteOnly);
         f.write(composeMailMessage(QStringLiteral("ann@example.org"), QStringLiteral("Quillon launched path..."), QStringLiteral("Message")));
     }
-    const QStringList msmtpArgs{QStringLiteral("--host=127.0.0.1"), QStringLiteral("--port=%1").arg(server.port), QStringLiteral("--tls=on"),
-                                QStringLiteral("--tls-starttls=on"), QStringLiteral("--tls-trust-file=%1").arg(dir.filePath(QStringLiteral("cert.pem"))),
-                                QStringLiteral("--auth=plain"), QStringLiteral("--user=ann"), QStringLiteral("--passwordeval=echo %1").arg(Password),
-                                QStringLiteral("--from=ann@example.org"), QStringLiteral("ann@example.org")};
+    const QStringList msmtpArgs { QStringLiteral("--host=127.0.0.1"), QStringLiteral("--port=%1").arg(server.port), QStringLiteral("--tls=on"),
+        QStringLiteral("--tls-starttls=on"), QStringLiteral("--tls-trust-file=%1").arg(dir.filePath(QStringLiteral("cert.pem"))),
+        QStringLiteral("--auth=plain"), QStringLiteral("--user=ann"), QStringLiteral("--passwordeval=echo %1").arg(Password),
+        QStringLiteral("--from=ann@example.org"), QStringLiteral("ann@example.org") };
     const qint64 msmtpStart = monotonicNs();
     int msmtpFailures = 0;
     for (int i = 0; i < Messages; ++i) {
@@ -117,7 +117,8 @@ int main(int argc, char *argv[])
     constexpr int Hostile = 100;
     QProcess flood;
     flood.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    flood.start(QStringLiteral("taskset"), {QStringLiteral("-c"), QStringLiteral("1"), QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+    flood.start(
+        QStringLiteral("taskset"), { QStringLiteral("-c"), QStringLiteral("1"), QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
 import socket, sys, threading
 s = socket.socket()
 s.bind(('127.0.0.1', 0))
@@ -132,14 +133,14 @@ while True:
     c, _ = s.accept()
     held.append(c)
     threading.Thread(target=feed, args=(c,), daemon=True).start()
-)")});
+)") });
     int floodPort = 0;
     spin([&] {
         if (flood.canReadLine())
             floodPort = flood.readLine().trimmed().mid(5).toInt();
         return floodPort > 0 || flood.state() == QProcess::NotRunning;
     });
-    prefs.setValues({{Keys::ServerPort, floodPort}, {Keys::UseSSL, false}, {Keys::SelectedAuthentication, 0}});
+    prefs.setValues({ { Keys::ServerPort, floodPort }, { Keys::UseSSL, false }, { Keys::SelectedAuthentication, 0 } });
     const auto heap = [] {
         const struct mallinfo2 m = ::mallinfo2();
         return qint64(m.uordblks + m.hblkhd);
@@ -170,6 +171,6 @@ while True:
     flood.waitForFinished(5000);
     std::printf("%d sessions fed 1 MB of unfinished reply each (%d fed in full): %.2f MiB held per session (target about 1 MiB), "
                 "%.2f MiB in all once they ended; longest event-loop block %.1f ms (target under 50 ms)\n",
-                Hostile, sent, double(heapDuring) / Hostile / 1048576.0, double(heapAfter) / 1048576.0, meter.longestMs());
+        Hostile, sent, double(heapDuring) / Hostile / 1048576.0, double(heapAfter) / 1048576.0, meter.longestMs());
     return 0;
 }

@@ -28,9 +28,9 @@ int main(int argc, char *argv[])
     NullPowerService power;
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
-    QuillonController controller(Platform{clock, power, workspace, scripts});
-    controller.preferences().setValues({{Keys::RememberItems, false}, {Keys::RecipientEmail, QStringLiteral("ann@example.org")},
-                                        {Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, silent.serverPort()}});
+    QuillonController controller(Platform { clock, power, workspace, scripts });
+    controller.preferences().setValues({ { Keys::RememberItems, false }, { Keys::RecipientEmail, QStringLiteral("ann@example.org") },
+        { Keys::ServerAddress, QStringLiteral("127.0.0.1") }, { Keys::ServerPort, silent.serverPort() } });
     controller.awakeFromNib();
     controller.applicationWillFinishLaunching();
 
@@ -54,6 +54,6 @@ int main(int argc, char *argv[])
     app.exec();
     std::printf("quit with a script ignoring SIGTERM, 100 programs due and a delivery to a silent server: longest event-loop block "
                 "%.1f ms (target at most 50 ms); the quit took %.1f s (bounds: 5 s for the script, 30 s for the programs, 20 s for mail)\n",
-                meter.longestMs(), (monotonicNs() - quitStart) / 1e9);
+        meter.longestMs(), (monotonicNs() - quitStart) / 1e9);
     return 0;
 }

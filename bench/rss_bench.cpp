@@ -42,10 +42,10 @@ int main(int argc, char *argv[])
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_DATA_DIRS", "/usr/share");
     write(home.filePath(QStringLiteral("data/applications/bench-handler.desktop")),
-          "[Desktop Entry]\nType=Application\nName=Bench\nMimeType=text/plain;\nExec=/bin/true %f\n");
+        "[Desktop Entry]\nType=Application\nName=Bench\nMimeType=text/plain;\nExec=/bin/true %f\n");
     write(home.filePath(QStringLiteral("config/mimeapps.list")), "[Default Applications]\ntext/plain=bench-handler.desktop\n");
     // Half with a name that says the type, half without: those are sniffed and opened by URI.
-    const QStringList documents{home.filePath(QStringLiteral("docs/notes.txt")), home.filePath(QStringLiteral("docs/notes"))};
+    const QStringList documents { home.filePath(QStringLiteral("docs/notes.txt")), home.filePath(QStringLiteral("docs/notes")) };
     for (const QString &document : documents)
         write(document, "plain text\n");
 
@@ -68,7 +68,6 @@ int main(int argc, char *argv[])
             warm = residentMB();
     }
     const double end = residentMB();
-    std::printf("resident memory after %d document openings: %.1f MB, %.1f MB more than after the first %d (target <= 5 MB)\n", count, end,
-                end - warm, Batch);
+    std::printf("resident memory after %d document openings: %.1f MB, %.1f MB more than after the first %d (target <= 5 MB)\n", count, end, end - warm, Batch);
     return 0;
 }

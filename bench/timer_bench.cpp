@@ -7,9 +7,9 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QTemporaryDir>
 #include <QEventLoop>
 #include <QHash>
+#include <QTemporaryDir>
 #include <QTimer>
 
 using namespace Quillon;

@@ -37,7 +37,7 @@ int main(int argc, char *argv[])
     QTemporaryDir dir;
     qputenv("XDG_CONFIG_HOME", dir.path().toUtf8());
     Preferences prefs;
-    prefs.setValues({{Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
+    prefs.setValues({ { Keys::RepeatSeconds, 1 }, { Keys::TimeUnit, 3 } });
     TimerFdClock clock;
     CountingPower power;
     Schedule schedule(prefs, clock);

@@ -56,13 +56,13 @@ int main(int argc, char *argv[])
         const QString tree = home.filePath(QStringLiteral("tree"));
         makeTree(tree, 100, 1000);
         App platform;
-        QuillonController controller(Platform{platform.clock, platform.power, platform.workspace, platform.scripts});
-        controller.preferences().setValues({{Keys::AddFolderFiles, true}, {Keys::AddFolderFilesRecursively, true}, {Keys::RememberItems, false}});
+        QuillonController controller(Platform { platform.clock, platform.power, platform.workspace, platform.scripts });
+        controller.preferences().setValues({ { Keys::AddFolderFiles, true }, { Keys::AddFolderFilesRecursively, true }, { Keys::RememberItems, false } });
         controller.awakeFromNib();
         controller.applicationWillFinishLaunching();
         QApplication::processEvents();
         QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(tree)});
+        data.setUrls({ QUrl::fromLocalFile(tree) });
         const qint64 t0 = monotonicNs();
         controller.fileListWindow()->model()->dropMimeData(&data, Qt::CopyAction, 0, 0, {});
         QApplication::processEvents();
@@ -71,7 +71,7 @@ int main(int argc, char *argv[])
     {
         // Refresh: 10,000 running items, window shown.
         App platform;
-        QuillonController controller(Platform{platform.clock, platform.power, platform.workspace, platform.scripts});
+        QuillonController controller(Platform { platform.clock, platform.power, platform.workspace, platform.scripts });
         controller.awakeFromNib();
         controller.applicationWillFinishLaunching();
         QStringList paths;
@@ -111,12 +111,12 @@ int main(int argc, char *argv[])
         }
         App platform;
         const qint64 t0 = monotonicNs();
-        QuillonController controller(Platform{platform.clock, platform.power, platform.workspace, platform.scripts});
+        QuillonController controller(Platform { platform.clock, platform.power, platform.workspace, platform.scripts });
         controller.awakeFromNib();
         controller.applicationWillFinishLaunching();
         QApplication::processEvents();
-        std::printf("start-up to a shown, armed window with 10000 items: %.0f ms (%d armed)\n", (monotonicNs() - t0) / 1e6,
-                    controller.schedule().timersRemaining());
+        std::printf(
+            "start-up to a shown, armed window with 10000 items: %.0f ms (%d armed)\n", (monotonicNs() - t0) / 1e6, controller.schedule().timersRemaining());
     }
     return 0;
 }

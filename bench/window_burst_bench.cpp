@@ -49,7 +49,7 @@ int main(int argc, char *argv[])
         NullPowerService power;
         DesktopWorkspace workspace;
         ShebangScriptRunner scripts;
-        QuillonController controller(Platform{clock, power, workspace, scripts});
+        QuillonController controller(Platform { clock, power, workspace, scripts });
         controller.preferences().setValue(Keys::RememberItems, false);
         controller.awakeFromNib();
         controller.applicationWillFinishLaunching();
@@ -78,7 +78,8 @@ int main(int argc, char *argv[])
             QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
     std::printf("%d items due in one second, window shown: %d handed to the launcher; longest event-loop block %.1f ms (target at most 50 ms); "
-                "the last one %.0f ms after its time (target at most 10 s)\n", Items, launched, longestMs, lastLateMs);
+                "the last one %.0f ms after its time (target at most 10 s)\n",
+        Items, launched, longestMs, lastLateMs);
 
     // The real program, ended by SIGTERM half a second into the same burst.
     QByteArray items, dates;
@@ -88,7 +89,8 @@ int main(int argc, char *argv[])
         dates += (dates.isEmpty() ? "" : ", ") + due;
     }
     QTemporaryDir session;
-    Test::writeFile(session.filePath(QStringLiteral("config/Quillon/Quillon.conf")), "[General]\nItems=" + items + "\nDates=" + dates + "\nTimersRunning=true\n");
+    Test::writeFile(
+        session.filePath(QStringLiteral("config/Quillon/Quillon.conf")), "[General]\nItems=" + items + "\nDates=" + dates + "\nTimersRunning=true\n");
     QProcess quillon;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(QStringLiteral("config")));
@@ -108,6 +110,7 @@ int main(int argc, char *argv[])
     ::kill(pid_t(quillon.processId()), SIGTERM);
     const bool ended = quillon.waitForFinished(120'000);
     std::printf("SIGTERM half a second into the burst: the program ended %s after %.1f s (bound: 30 s for launches already due, "
-                "5 s more for a script)\n", ended ? "normally" : "NOT", (monotonicNs() - t0) / 1e9);
+                "5 s more for a script)\n",
+        ended ? "normally" : "NOT", (monotonicNs() - t0) / 1e9);
     return 0;
 }

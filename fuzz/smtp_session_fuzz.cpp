@@ -23,7 +23,7 @@ QCoreApplication &application()
 {
     static int argc = 1;
     static char name[] = "smtp_session_fuzz";
-    static char *argv[] = {name, nullptr};
+    static char *argv[] = { name, nullptr };
     static QCoreApplication app(argc, argv);
     return app;
 }
@@ -154,15 +154,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     ::fcntl(fds[1], F_SETFL, O_NONBLOCK);
     auto *session = new SmtpSession(QStringLiteral("mail.example"), 25);
-    session->setLimits({std::chrono::hours(1), std::chrono::hours(1)});
-    QList<QByteArray> recipients{(flags & 8) ? QByteArray("j\xc3\xbcrgen@example.org") : QByteArray("ann@example.org")};
+    session->setLimits({ std::chrono::hours(1), std::chrono::hours(1) });
+    QList<QByteArray> recipients { (flags & 8) ? QByteArray("j\xc3\xbcrgen@example.org") : QByteArray("ann@example.org") };
     if (flags & 16)
         recipients << "bob@example.org";
     session->setMessage("Subject: fuzz\r\n\r\n.line\r\nbody\r\n", recipients.first(), recipients);
     bool over = false;
     // The delivery policy, as it drives a real session.
     QObject::connect(session, &SmtpSession::serviceInitialized, session, [=] {
-        static const char *const names[] = {nullptr, "PLAIN", "LOGIN", "CRAM-MD5"};
+        static const char *const names[] = { nullptr, "PLAIN", "LOGIN", "CRAM-MD5" };
         if (tlsRequired && !session->isSSL())
             session->startTLS();
         else if (mechanism > 0)

@@ -25,8 +25,8 @@
 
 namespace Quillon {
 namespace {
-const QStringList Verbs{QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("remove"),
-                        QStringLiteral("start"), QStringLiteral("stop"), QStringLiteral("launch-all")};
+const QStringList Verbs { QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("remove"), QStringLiteral("start"), QStringLiteral("stop"),
+    QStringLiteral("launch-all") };
 
 void say(FILE *to, const QString &text)
 {
@@ -58,7 +58,7 @@ bool startInstance(const QDBusConnection &bus)
     // Its output must not go to ours: a pipe that closes when this command ends would take it down.
     QProcess instance;
     instance.setProgram(QCoreApplication::applicationFilePath());
-    instance.setArguments({QStringLiteral("--autostart")});
+    instance.setArguments({ QStringLiteral("--autostart") });
     instance.setStandardInputFile(QProcess::nullDevice());
     instance.setStandardOutputFile(QProcess::nullDevice());
     instance.setStandardErrorFile(QProcess::nullDevice());
@@ -77,7 +77,7 @@ bool startInstance(const QDBusConnection &bus)
 bool scheduleRuns(const QDBusConnection &bus)
 {
     QDBusMessage get = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                                      QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << QLatin1String(ScriptingService::InterfaceName) << QStringLiteral("Running");
     const QDBusMessage reply = bus.call(get, QDBus::Block, 10'000);
     return reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
@@ -91,10 +91,10 @@ struct Reply
 
 Reply call(const QDBusConnection &bus, const QString &method, const QVariantList &arguments = {})
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                                          QLatin1String(ScriptingService::InterfaceName), method);
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), method);
     message.setArguments(arguments);
-    return {bus.call(message, QDBus::Block, 120'000)};
+    return { bus.call(message, QDBus::Block, 120'000) };
 }
 
 // The table's countdown is fixed English text; the terminal speaks the user's language.
@@ -120,14 +120,12 @@ int printList(const ListedItems &items, bool json, bool running, const ListedOut
         QJsonArray array;
         for (qsizetype i = 0; i < items.size(); ++i) {
             const QDateTime date = QDateTime::fromSecsSinceEpoch(items.at(i).date);
-            array.append(QJsonObject{{QStringLiteral("row"), int(i + 1)},
-                                     {QStringLiteral("path"), items.at(i).path},
-                                     {QStringLiteral("date"), items.at(i).date},
-                                     {QStringLiteral("dateText"), date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate)},
-                                     {QStringLiteral("opened"), items.at(i).fired},
-                                     // What became of it: "opened" says only that its time came.
-                                     {QStringLiteral("outcome"), outcomes.value(i).outcome.isEmpty() ? QJsonValue() : QJsonValue(outcomes.value(i).outcome)},
-                                     {QStringLiteral("outcomeReason"), outcomes.value(i).reason}});
+            array.append(QJsonObject { { QStringLiteral("row"), int(i + 1) }, { QStringLiteral("path"), items.at(i).path },
+                { QStringLiteral("date"), items.at(i).date }, { QStringLiteral("dateText"), date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate) },
+                { QStringLiteral("opened"), items.at(i).fired },
+                // What became of it: "opened" says only that its time came.
+                { QStringLiteral("outcome"), outcomes.value(i).outcome.isEmpty() ? QJsonValue() : QJsonValue(outcomes.value(i).outcome) },
+                { QStringLiteral("outcomeReason"), outcomes.value(i).reason } });
         }
         std::fputs(QJsonDocument(array).toJson(QJsonDocument::Indented).constData(), stdout);
         return CommandLine::Done;
@@ -137,7 +135,8 @@ int printList(const ListedItems &items, bool json, bool running, const ListedOut
         return CommandLine::Done;
     }
     // A countdown for an item that will never open would be a lie: a stopped schedule says so.
-    say(stdout, running ? CommandLine::tr("The schedule runs.") : CommandLine::tr("The schedule is stopped: nothing opens until it is started (quillon start)."));
+    say(stdout,
+        running ? CommandLine::tr("The schedule runs.") : CommandLine::tr("The schedule is stopped: nothing opens until it is started (quillon start)."));
     QStringList dates, states;
     qsizetype dateWidth = 0, stateWidth = 0;
     for (qsizetype i = 0; i < items.size(); ++i) {
@@ -158,7 +157,12 @@ int printList(const ListedItems &items, bool json, bool running, const ListedOut
     }
     const int rowWidth = int(QString::number(items.size()).size());
     for (qsizetype i = 0; i < items.size(); ++i)
-        say(stdout, QStringLiteral("%1  %2  %3  %4").arg(i + 1, rowWidth).arg(dates.at(i), -int(dateWidth)).arg(states.at(i), -int(stateWidth)).arg(escapeControls(items.at(i).path)));
+        say(stdout,
+            QStringLiteral("%1  %2  %3  %4")
+                .arg(i + 1, rowWidth)
+                .arg(dates.at(i), -int(dateWidth))
+                .arg(states.at(i), -int(stateWidth))
+                .arg(escapeControls(items.at(i).path)));
     return CommandLine::Done;
 }
 
@@ -240,17 +244,19 @@ int CommandLine::run(const QStringList &arguments)
         for (const QString &word : words)
             paths << QDir::cleanPath(QFileInfo(word).absoluteFilePath());
         method = QStringLiteral("Add");
-        callArguments = {paths, when->toSecsSinceEpoch()};
+        callArguments = { paths, when->toSecsSinceEpoch() };
     } else if (verb == QLatin1String("remove")) {
         const std::optional<QList<int>> rows = rowsFrom(words);
         if (!rows || rows->isEmpty())
             return usage(verb, tr("give the rows to remove as numbers from 1, as list shows them"));
         method = QStringLiteral("Remove");
-        callArguments = {QVariant::fromValue(*rows)};
+        callArguments = { QVariant::fromValue(*rows) };
     } else if (verb == QLatin1String("list")) {
         method = QStringLiteral("List");
     } else {
-        method = verb == QLatin1String("start") ? QStringLiteral("Start") : verb == QLatin1String("stop") ? QStringLiteral("Stop") : QStringLiteral("LaunchAllNow");
+        method = verb == QLatin1String("start") ? QStringLiteral("Start")
+            : verb == QLatin1String("stop")     ? QStringLiteral("Stop")
+                                                : QStringLiteral("LaunchAllNow");
     }
 
     if (!instanceRuns(bus)) {
@@ -259,7 +265,7 @@ int CommandLine::run(const QStringList &arguments)
             const SavedList saved = SavedList::read(preferences, QDateTime::currentDateTime());
             ListedItems items;
             for (qsizetype i = 0; i < saved.paths.size(); ++i)
-                items.append({saved.paths.at(i), saved.dates.value(i).toSecsSinceEpoch(), false});
+                items.append({ saved.paths.at(i), saved.dates.value(i).toSecsSinceEpoch(), false });
             // Nothing runs it now, whatever the file says it did.
             return printList(items, parser.isSet(json), false);
         }
@@ -287,7 +293,7 @@ int CommandLine::run(const QStringList &arguments)
         // An older instance has no Outcomes: the list is still shown.
         const Reply outcomes = call(bus, QStringLiteral("Outcomes"));
         return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json), scheduleRuns(bus),
-                         outcomes.ok() ? qdbus_cast<ListedOutcomes>(outcomes.message.arguments().value(0)) : ListedOutcomes());
+            outcomes.ok() ? qdbus_cast<ListedOutcomes>(outcomes.message.arguments().value(0)) : ListedOutcomes());
     }
     if (verb == QLatin1String("add")) {
         const int added = reply.message.arguments().value(0).toInt();

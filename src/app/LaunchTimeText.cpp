@@ -8,7 +8,7 @@ namespace Quillon {
 namespace {
 std::optional<QTime> timeOfDay(const QString &text)
 {
-    for (const char *format : {"H:mm", "H:mm:ss"}) {
+    for (const char *format : { "H:mm", "H:mm:ss" }) {
         const QTime time = QTime::fromString(text, QLatin1String(format));
         if (time.isValid())
             return time;
@@ -43,7 +43,8 @@ std::optional<QDateTime> parseLaunchTime(const QString &input, const QDateTime &
 
     static const QRegularExpression relative(QStringLiteral("^\\+(\\d{1,9})\\s*([smhd])$"));
     if (const QRegularExpressionMatch m = relative.match(text); m.hasMatch()) {
-        static const QHash<QString, qint64> unit{{QStringLiteral("s"), 1}, {QStringLiteral("m"), 60}, {QStringLiteral("h"), 3600}, {QStringLiteral("d"), 86400}};
+        static const QHash<QString, qint64> unit { { QStringLiteral("s"), 1 }, { QStringLiteral("m"), 60 }, { QStringLiteral("h"), 3600 },
+            { QStringLiteral("d"), 86400 } };
         return whole.addSecs(m.captured(1).toLongLong() * unit.value(m.captured(2)));
     }
 

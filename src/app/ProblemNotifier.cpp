@@ -98,7 +98,7 @@ void ProblemNotifier::caughtUp(const QString &path)
     else
         m_notifications.close(missed.id);
     const int generation = missed.generation + 1;
-    missed = Shown{};
+    missed = Shown {};
     missed.generation = generation;
 }
 

@@ -35,10 +35,8 @@ QuillonController::QuillonController(Platform platform, QObject *parent)
     , m_schedule(m_preferences, platform.clock)
     , m_editor(m_schedule, m_preferences)
     , m_mail(m_preferences, &m_password)
-    , m_launcher(m_preferences, platform.workspace, platform.scripts,
-                 [this](const QString &body, const QString &subject) { sendMail(body, subject); })
-    , m_heartbeat(QFileInfo(platform.historyFile.isEmpty() ? History::defaultFileName() : platform.historyFile).absolutePath()
-                  + QStringLiteral("/running"))
+    , m_launcher(m_preferences, platform.workspace, platform.scripts, [this](const QString &body, const QString &subject) { sendMail(body, subject); })
+    , m_heartbeat(QFileInfo(platform.historyFile.isEmpty() ? History::defaultFileName() : platform.historyFile).absolutePath() + QStringLiteral("/running"))
 {
     connect(&m_mail, &MailDispatcher::alertRequested, this, [this](const QString &m, const QString &i) { doAlert(m, i); });
     // Only once the quit has come to the deliveries: earlier steps may still be under way.
@@ -112,7 +110,7 @@ void QuillonController::awakeFromNib()
     // Every change of what is armed, and now and then while it runs: a kill loses at most a turn.
     connect(&m_schedule, &Schedule::runningStateChanged, this, &QuillonController::beatSoon);
     connect(&m_schedule, &Schedule::rowChanged, this, &QuillonController::beatSoon);
-    for (auto signal : {&Schedule::rowsInserted, &Schedule::reset, &Schedule::reloadTable})
+    for (auto signal : { &Schedule::rowsInserted, &Schedule::reset, &Schedule::reloadTable })
         connect(&m_schedule, signal, this, &QuillonController::beatSoon);
     auto *beats = new QTimer(this);
     connect(beats, &QTimer::timeout, this, &QuillonController::beatSoon);
@@ -143,7 +141,7 @@ void QuillonController::wireHistory()
         if (m_waitedBehindScript.contains(path)) {
             const QString reason = m_waitedBehindScript.take(path);
             m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, m_due.take(path),
-                              failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, reason) : failure);
+                failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, reason) : failure);
             tellRow(path, failure.isEmpty() ? Schedule::Outcome::Kind::OpenedLate : Schedule::Outcome::Kind::Failed, failure.isEmpty() ? reason : failure);
             return;
         }
@@ -151,7 +149,7 @@ void QuillonController::wireHistory()
             const QDateTime due = m_late.take(path);
             const QString late = History::latenessText(due.secsTo(m_platform.clock.now()));
             m_history->record(failure.isEmpty() ? History::Kind::OpenedLate : History::Kind::OpenFailed, path, due,
-                              failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, late) : failure);
+                failure.isEmpty() ? QStringLiteral("%1, %2").arg(how, late) : failure);
             tellRow(path, failure.isEmpty() ? Schedule::Outcome::Kind::OpenedLate : Schedule::Outcome::Kind::Failed, failure.isEmpty() ? late : failure);
             return;
         }
@@ -160,7 +158,7 @@ void QuillonController::wireHistory()
     });
     m_launcher.setScriptReport([this](const QString &path, Launcher::ScriptEnd end, const QString &detail) {
         const QDateTime due = m_late.contains(path) ? m_late.take(path) : m_due.take(path);
-        static constexpr History::Kind kinds[] = {History::Kind::ScriptFinished, History::Kind::ScriptFailed, History::Kind::ScriptEndedByQuit};
+        static constexpr History::Kind kinds[] = { History::Kind::ScriptFinished, History::Kind::ScriptFailed, History::Kind::ScriptEndedByQuit };
         m_history->record(kinds[int(end)], path, due, detail);
         if (end != Launcher::ScriptEnd::EndedByQuit)
             tellRow(path, end == Launcher::ScriptEnd::Finished ? Schedule::Outcome::Kind::Opened : Schedule::Outcome::Kind::Failed, detail);
@@ -195,7 +193,7 @@ void QuillonController::wireHistory()
 void QuillonController::tellRow(const QString &path, Schedule::Outcome::Kind kind, const QString &reason)
 {
     if (const quint64 item = m_launchedItem.take(path))
-        m_schedule.setOutcome(item, {kind, reason});
+        m_schedule.setOutcome(item, { kind, reason });
 }
 
 void QuillonController::beatSoon()
@@ -250,9 +248,8 @@ void QuillonController::showHistory()
                 m_launcher.launchItem(path, Launcher::Origin::User);
         });
         // New records show while it is open, once per turn however many come.
-        connect(m_history.get(), &History::recorded, m_historyWindow, [window = m_historyWindow.data()] {
-            QMetaObject::invokeMethod(window->model(), &HistoryModel::refresh, Qt::QueuedConnection);
-        });
+        connect(m_history.get(), &History::recorded, m_historyWindow,
+            [window = m_historyWindow.data()] { QMetaObject::invokeMethod(window->model(), &HistoryModel::refresh, Qt::QueuedConnection); });
     } else {
         m_historyWindow->model()->refresh();
     }
@@ -270,7 +267,9 @@ SimpleSMTP *QuillonController::sendMail(const QString &body, const QString &subj
     // A launch notice's body is the item's path; other mail belongs to no item.
     const QString path = subject == Texts::LaunchedSubject ? body : QString();
     connect(delivery, &SimpleSMTP::finished, this, [this, delivery, path, subject] {
-        const History::Kind kind = delivery->wasSent() ? History::Kind::MailSent : delivery->wasRefused() ? History::Kind::MailRefused : History::Kind::MailFailed;
+        const History::Kind kind = delivery->wasSent() ? History::Kind::MailSent
+            : delivery->wasRefused()                   ? History::Kind::MailRefused
+                                                       : History::Kind::MailFailed;
         m_history->record(kind, path, {}, delivery->wasSent() ? subject : delivery->problem());
     });
     return delivery;
@@ -334,11 +333,14 @@ void QuillonController::quitWhenIdle()
 {
     // Queued, so that terminate never runs inside the launcher's own loop.
     m_launcher.whenIdle([this] {
-        QMetaObject::invokeMethod(this, [this] {
-            // Started again meanwhile: it is no longer done.
-            if (!m_schedule.timersRunning())
-                terminate();
-        }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                // Started again meanwhile: it is no longer done.
+                if (!m_schedule.timersRunning())
+                    terminate();
+            },
+            Qt::QueuedConnection);
     });
 }
 
@@ -349,7 +351,8 @@ void QuillonController::applicationWillTerminate()
     m_window->saveWindowState();
     if (m_preferences.rememberItems()) {
         for (const QString &path : m_schedule.saveItems())
-            m_history->record(History::Kind::DatesMoved, path, {}, tr("it could not be saved; the items after it will show the dates before theirs at the next start"));
+            m_history->record(
+                History::Kind::DatesMoved, path, {}, tr("it could not be saved; the items after it will show the dates before theirs at the next start"));
     }
     m_heartbeat.quit(m_platform.clock.now(), m_schedule.timersRunning());
     m_schedule.freeze();
@@ -395,10 +398,10 @@ void QuillonController::showAbout()
 {
     // Not QMessageBox::about(): that runs a nested event loop, and the timers must go on.
     auto *box = new QMessageBox(QMessageBox::NoIcon, tr("About Quillon"),
-                                tr("<h3>Quillon %1</h3><p>Opens files, applications and scripts at the times you choose.</p>"
-                                   "<p>Free software under the GNU General Public License, version 3 or later.</p>")
-                                    .arg(QCoreApplication::applicationVersion()),
-                                QMessageBox::Ok, m_window.get());
+        tr("<h3>Quillon %1</h3><p>Opens files, applications and scripts at the times you choose.</p>"
+           "<p>Free software under the GNU General Public License, version 3 or later.</p>")
+            .arg(QCoreApplication::applicationVersion()),
+        QMessageBox::Ok, m_window.get());
     box->setObjectName(QStringLiteral("aboutDialog"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(96, 96));
     box->setAttribute(Qt::WA_DeleteOnClose);
@@ -451,7 +454,7 @@ void QuillonController::doAlert(const QString &message, const QString &informati
 void QuillonController::doAlert(const QString &message, const std::optional<QString> &informative, QWidget *parentWindow, int alertStyle)
 {
     QApplication::beep();
-    static const QMessageBox::Icon styles[] = {QMessageBox::Warning, QMessageBox::Information, QMessageBox::Critical};
+    static const QMessageBox::Icon styles[] = { QMessageBox::Warning, QMessageBox::Information, QMessageBox::Critical };
     // A sheet keeps the default style whatever was asked; only a free-standing alert takes it.
     const QMessageBox::Icon icon = parentWindow || alertStyle < 0 || alertStyle > 2 ? QMessageBox::Warning : styles[alertStyle];
     auto *box = new QMessageBox(icon, QStringLiteral("Quillon"), message, QMessageBox::Ok, parentWindow);
@@ -476,8 +479,7 @@ void QuillonController::doAlert(const QString &message, const std::optional<QStr
 void QuillonController::openHelpURL()
 {
     const QString appDir = QCoreApplication::applicationDirPath();
-    for (const QString &candidate : {appDir + QLatin1String("/../share/quillon/help/index.html"),
-                                     QStringLiteral("/usr/share/quillon/help/index.html")}) {
+    for (const QString &candidate : { appDir + QLatin1String("/../share/quillon/help/index.html"), QStringLiteral("/usr/share/quillon/help/index.html") }) {
         if (QFileInfo::exists(candidate)) {
             m_platform.workspace.openUrl(QUrl::fromLocalFile(QDir::cleanPath(candidate)));
             return;
@@ -494,8 +496,8 @@ void QuillonController::testEmail()
     connect(delivery, &SimpleSMTP::finished, this, [this, delivery] {
         if (!m_preferencesDialog)
             return;
-        m_preferencesDialog->showTestOutcome(delivery->wasSent() ? tr("Sent to %1").arg(MailSettings(m_preferences).getRecipientEmail())
-                                                                 : tr("Not sent: %1").arg(delivery->problem()));
+        m_preferencesDialog->showTestOutcome(
+            delivery->wasSent() ? tr("Sent to %1").arg(MailSettings(m_preferences).getRecipientEmail()) : tr("Not sent: %1").arg(delivery->problem()));
     });
 }
 

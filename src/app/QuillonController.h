@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Launcher.h"
-#include "MailDispatcher.h"
 #include "Heartbeat.h"
 #include "HistoryWindow.h"
+#include "Launcher.h"
+#include "MailDispatcher.h"
 #include "MailPassword.h"
 #include "Preferences.h"
 #include "Schedule.h"
@@ -44,7 +44,7 @@ struct Platform
     ScriptRunner &scripts;
     SecretStore *secrets = nullptr; // none: the mail password stays in the settings file
     DesktopNotifications *notifications = nullptr; // none: no desktop notifications
-    QString historyFile = {};                      // empty: where the user's state lives
+    QString historyFile = {}; // empty: where the user's state lives
 };
 
 // Brings the application up and down, wires the window to the schedule, and tells the user

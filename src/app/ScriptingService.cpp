@@ -57,9 +57,8 @@ ScriptingService::ScriptingService(QuillonController &controller, QObject *paren
     qDBusRegisterMetaType<ListedOutcomes>();
     Schedule &schedule = controller.schedule();
     connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
-    connect(&schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) {
-        Q_EMIT Launched(path, date.toSecsSinceEpoch());
-    });
+    connect(
+        &schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) { Q_EMIT Launched(path, date.toSecsSinceEpoch()); });
 }
 
 bool ScriptingService::registerOn(QDBusConnection bus)
@@ -69,7 +68,7 @@ bool ScriptingService::registerOn(QDBusConnection bus)
         return false;
     }
     if (!bus.registerObject(QLatin1String(ObjectPath), this,
-                            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties)) {
+            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties)) {
         systemLog(QStringLiteral("Could not export %1 on the session bus: %2").arg(QLatin1String(ObjectPath), bus.lastError().message()));
         return false;
     }
@@ -154,7 +153,7 @@ int ScriptingService::Add(const QStringList &paths, qint64 date)
         // Looked up a slice per event-loop turn, then added in one edit: the window and the
         // timers go on between the slices of a long call.
         setDelayedReply(true);
-        checkSlice(std::make_shared<PendingAdd>(PendingAdd{message(), connection(), paths, date}));
+        checkSlice(std::make_shared<PendingAdd>(PendingAdd { message(), connection(), paths, date }));
         return 0;
     }
     bool anyFolder = false;
@@ -182,7 +181,8 @@ void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
         add->anyFolder = add->anyFolder || isFolder;
     }
     if (add->next < add->paths.size()) {
-        QMetaObject::invokeMethod(this, [this, add] { checkSlice(add); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, add] { checkSlice(add); }, Qt::QueuedConnection);
         return;
     }
     if (m_controller.isQuitting()) {
@@ -207,7 +207,7 @@ ListedItems ScriptingService::List()
     for (int row = 0; row < schedule.count(); ++row) {
         const TimerSlot &slot = schedule.timers().value(row);
         const QDateTime date = schedule.dates().value(row);
-        items.append({schedule.paths().at(row), date.isValid() ? date.toSecsSinceEpoch() : 0, slot && !slot->isValid()});
+        items.append({ schedule.paths().at(row), date.isValid() ? date.toSecsSinceEpoch() : 0, slot && !slot->isValid() });
     }
     return items;
 }
@@ -219,8 +219,8 @@ ListedOutcomes ScriptingService::Outcomes()
     outcomes.reserve(schedule.count());
     for (int row = 0; row < schedule.count(); ++row) {
         const Schedule::Outcome outcome = schedule.outcomeAt(row);
-        static const char *const keys[] = {"", "opened", "opened-late", "failed", "not-started"};
-        outcomes.append({QLatin1String(keys[int(outcome.kind)]), outcome.reason});
+        static const char *const keys[] = { "", "opened", "opened-late", "failed", "not-started" };
+        outcomes.append({ QLatin1String(keys[int(outcome.kind)]), outcome.reason });
     }
     return outcomes;
 }
@@ -251,8 +251,8 @@ void ScriptingService::Start()
     // Refused here rather than in an alert on a screen the script's user may not be watching.
     const qint64 now = schedule.clock().nowMSecs();
     const auto &dates = schedule.dates();
-    const bool anyAhead = std::any_of(dates.begin(), dates.begin() + std::min<qsizetype>(dates.size(), schedule.count()),
-                                      [now](const QDateTime &d) { return d.toMSecsSinceEpoch() > now; });
+    const bool anyAhead = std::any_of(
+        dates.begin(), dates.begin() + std::min<qsizetype>(dates.size(), schedule.count()), [now](const QDateTime &d) { return d.toMSecsSinceEpoch() > now; });
     if (!anyAhead) {
         refuse(Texts::tr(Texts::NoItemsScheduled) + QLatin1Char(' ') + Texts::tr(Texts::NoItemsScheduledInfo));
         return;
@@ -277,20 +277,23 @@ void ScriptingService::announceRunning()
     // A restart passes through "stopped" on its way; a script hears only where it ended, once.
     if (std::exchange(m_announceQueued, true))
         return;
-    QMetaObject::invokeMethod(this, [this] {
-        m_announceQueued = false;
-        const bool now = running();
-        if (now == std::exchange(m_announced, now) || !m_bus.isConnected())
-            return;
-        sendRunning(now);
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_announceQueued = false;
+            const bool now = running();
+            if (now == std::exchange(m_announced, now) || !m_bus.isConnected())
+                return;
+            sendRunning(now);
+        },
+        Qt::QueuedConnection);
 }
 
 void ScriptingService::sendRunning(bool running)
 {
-    QDBusMessage signal = QDBusMessage::createSignal(QLatin1String(ObjectPath), QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                     QStringLiteral("PropertiesChanged"));
-    signal << QLatin1String(InterfaceName) << QVariantMap{{QStringLiteral("Running"), running}} << QStringList();
+    QDBusMessage signal
+        = QDBusMessage::createSignal(QLatin1String(ObjectPath), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
+    signal << QLatin1String(InterfaceName) << QVariantMap { { QStringLiteral("Running"), running } } << QStringList();
     m_bus.send(signal);
 }
 

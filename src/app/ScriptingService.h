@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QDBusContext>
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusMessage>
 #include <QDateTime>
 #include <QList>
@@ -94,7 +94,7 @@ private:
     void sendRunning(bool running);
 
     QuillonController &m_controller;
-    QDBusConnection m_bus{QString()};
+    QDBusConnection m_bus { QString() };
     bool m_announced = false;
     bool m_announceQueued = false;
 };

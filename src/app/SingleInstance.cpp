@@ -35,18 +35,23 @@ QByteArray validToken(const QByteArray &token)
 // What stands at a path that should hold a lock file, in words; empty for a regular file or nothing.
 QString notALockFile(const QString &path)
 {
-    struct stat st{};
+    struct stat st
+    {
+    };
     if (::lstat(QFile::encodeName(path).constData(), &st) != 0 || S_ISREG(st.st_mode))
         return {};
-    return S_ISFIFO(st.st_mode) ? QStringLiteral("a FIFO") : S_ISDIR(st.st_mode) ? QStringLiteral("a folder")
-         : S_ISLNK(st.st_mode)  ? QStringLiteral("a symbolic link") : QStringLiteral("not a regular file");
+    return S_ISFIFO(st.st_mode) ? QStringLiteral("a FIFO")
+        : S_ISDIR(st.st_mode)   ? QStringLiteral("a folder")
+        : S_ISLNK(st.st_mode)   ? QStringLiteral("a symbolic link")
+                                : QStringLiteral("not a regular file");
 }
 
 bool isPrivateFolder(const QString &path)
 {
-    struct stat st{};
-    return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid()
-        && (st.st_mode & 077) == 0;
+    struct stat st
+    {
+    };
+    return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid() && (st.st_mode & 077) == 0;
 }
 } // namespace
 
@@ -64,9 +69,11 @@ QString SingleInstance::privateFolder(const QString &settingsFile)
     ::mkdir(QFile::encodeName(settings).constData(), 0700);
     // A settings folder of the user's that others cannot write to may hold a private one of ours.
     QString folder = settings;
-    struct stat st{};
-    if (!isPrivateFolder(folder) && ::lstat(QFile::encodeName(settings).constData(), &st) == 0 && S_ISDIR(st.st_mode)
-        && st.st_uid == ::geteuid() && (st.st_mode & 022) == 0) {
+    struct stat st
+    {
+    };
+    if (!isPrivateFolder(folder) && ::lstat(QFile::encodeName(settings).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid()
+        && (st.st_mode & 022) == 0) {
         folder = settings + QStringLiteral("/instance");
         ::mkdir(QFile::encodeName(folder).constData(), 0700);
     }
@@ -86,7 +93,8 @@ SingleInstance::SingleInstance(const QString &settingsFile, QObject *parent)
         return;
     // The real path: ~/.config reached through a link is the same settings file.
     const QString settingsFolder = QFileInfo(QFileInfo(settingsFile).absolutePath()).canonicalFilePath();
-    const QString realFile = settingsFolder.isEmpty() ? QFileInfo(settingsFile).absoluteFilePath() : settingsFolder + QLatin1Char('/') + QFileInfo(settingsFile).fileName();
+    const QString realFile
+        = settingsFolder.isEmpty() ? QFileInfo(settingsFile).absoluteFilePath() : settingsFolder + QLatin1Char('/') + QFileInfo(settingsFile).fileName();
     if (!settingsFolder.isEmpty() && notALockFile(settingsFolder + QStringLiteral("/Quillon.instance.lock")).isEmpty()) {
         m_settingsLock = std::make_unique<QLockFile>(settingsFolder + QStringLiteral("/Quillon.instance.lock"));
         m_settingsLock->setStaleLockTime(0);
@@ -169,7 +177,7 @@ namespace {
 bool askToShow(const QByteArray &socketPath, const QByteArray &activationToken)
 {
     const QByteArray request = activationToken.isEmpty() ? QByteArrayLiteral("show\n") : "show " + activationToken + '\n';
-    sockaddr_un address{};
+    sockaddr_un address {};
     address.sun_family = AF_UNIX;
     if (socketPath.size() >= qsizetype(sizeof address.sun_path))
         return false;
@@ -178,9 +186,10 @@ bool askToShow(const QByteArray &socketPath, const QByteArray &activationToken)
     if (fd < 0)
         return false;
     bool told = false;
-    if (::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 && ::write(fd, request.constData(), size_t(request.size())) == request.size()) {
+    if (::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0
+        && ::write(fd, request.constData(), size_t(request.size())) == request.size()) {
         told = true;
-        pollfd hangUp{fd, POLLIN, 0};
+        pollfd hangUp { fd, POLLIN, 0 };
         ::poll(&hangUp, 1, 1000);
     }
     ::close(fd);

@@ -16,7 +16,7 @@ void installTranslations(QCoreApplication &app)
     auto *own = new QTranslator(&app);
     const QString appDir = QCoreApplication::applicationDirPath();
     // Beside the build, then where the package puts them.
-    const QStringList dirs{appDir + QStringLiteral("/../share/quillon/translations"), QStringLiteral(QUILLON_DATA_DIR "/translations")};
+    const QStringList dirs { appDir + QStringLiteral("/../share/quillon/translations"), QStringLiteral(QUILLON_DATA_DIR "/translations") };
     for (const QString &dir : dirs) {
         if (own->load(locale, QStringLiteral("quillon"), QStringLiteral("_"), dir)) {
             QCoreApplication::installTranslator(own);

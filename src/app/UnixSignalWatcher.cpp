@@ -8,7 +8,7 @@
 
 namespace Quillon {
 namespace {
-int g_pipe[2] = {-1, -1};
+int g_pipe[2] = { -1, -1 };
 }
 
 UnixSignalWatcher::UnixSignalWatcher(QObject *parent)
@@ -22,17 +22,19 @@ UnixSignalWatcher::UnixSignalWatcher(QObject *parent)
         if (::read(g_pipe[1], &signal, 1) == 1)
             Q_EMIT terminationRequested(signal);
     });
-    struct sigaction action{};
+    struct sigaction action
+    {
+    };
     action.sa_handler = &UnixSignalWatcher::handler;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
-    for (int s : {SIGTERM, SIGINT, SIGHUP})
+    for (int s : { SIGTERM, SIGINT, SIGHUP })
         ::sigaction(s, &action, nullptr);
 }
 
 UnixSignalWatcher::~UnixSignalWatcher()
 {
-    for (int s : {SIGTERM, SIGINT, SIGHUP})
+    for (int s : { SIGTERM, SIGINT, SIGHUP })
         ::signal(s, SIG_DFL);
 }
 

@@ -36,7 +36,7 @@ namespace {
 // and a much higher hard one. Done first, before any thread exists.
 void raiseOpenFileLimit()
 {
-    rlimit limit{};
+    rlimit limit {};
     if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
         limit.rlim_cur = limit.rlim_max;
         ::setrlimit(RLIMIT_NOFILE, &limit);
@@ -94,7 +94,8 @@ int main(int argc, char *argv[])
         QCommandLineParser described;
         QCommandLineOption autostartDescribed(QStringLiteral("autostart"));
         describeOptions(described, autostartDescribed);
-        const QString text = described.helpText().replace(QCoreApplication::arguments().constFirst(), QLatin1String("quillon")) + QLatin1Char('\n') + CommandLine::help();
+        const QString text
+            = described.helpText().replace(QCoreApplication::arguments().constFirst(), QLatin1String("quillon")) + QLatin1Char('\n') + CommandLine::help();
         std::fputs(text.toLocal8Bit().constData(), stdout);
         return 0;
     }
@@ -127,7 +128,8 @@ int main(int argc, char *argv[])
     case SingleInstance::Claim::HandedOver:
         return 0;
     case SingleInstance::Claim::Elsewhere:
-        std::fputs("quillon: another Quillon runs on these settings in another session (see the log above); not starting, so that no item opens twice\n", stderr);
+        std::fputs(
+            "quillon: another Quillon runs on these settings in another session (see the log above); not starting, so that no item opens twice\n", stderr);
         return 1;
     case SingleInstance::Claim::Impossible:
         std::fputs("quillon: no private folder for the instance lock (see the log above); not starting, so that no item opens twice\n", stderr);
@@ -144,7 +146,7 @@ int main(int argc, char *argv[])
         QIcon::setThemeName(QStringLiteral("Adwaita"));
     // Our own icon, built in: the tray must never be blank because a theme lacks one.
     QIcon icon;
-    for (const char *size : {"48", "128", "256"})
+    for (const char *size : { "48", "128", "256" })
         icon.addFile(QStringLiteral(":/icons/quillon-%1.png").arg(QLatin1String(size)));
     QApplication::setWindowIcon(icon);
     // A running schedule lives on when the window is closed.
@@ -152,7 +154,7 @@ int main(int argc, char *argv[])
 
     TimerFdClock clock;
     // Ways of waking the machine, best first.
-    LogindPowerService power({new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm});
+    LogindPowerService power({ new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm });
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
     // What a script leaves running when its parent ends comes back to us, to be ended at quit and
@@ -166,7 +168,7 @@ int main(int argc, char *argv[])
     // before the settings are even read: a signal during a slow start is kept for the loop.
     UnixSignalWatcher signals;
     DesktopNotifications notifications(QDBusConnection::sessionBus());
-    QuillonController controller(Platform{clock, power, workspace, scripts, &secrets, &notifications});
+    QuillonController controller(Platform { clock, power, workspace, scripts, &secrets, &notifications });
     QObject::connect(&signals, &UnixSignalWatcher::terminationRequested, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
@@ -177,7 +179,8 @@ int main(int argc, char *argv[])
     if (!scripting.registerOn(QDBusConnection::sessionBus()) && QDBusConnection::sessionBus().isConnected()
         && QDBusConnection::sessionBus().interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName))) {
         std::fputs("quillon: the session bus name org.quillon.Quillon belongs to another program or to a Quillon of other settings; "
-                   "not starting, so that scripts cannot reach the wrong list\n", stderr);
+                   "not starting, so that scripts cannot reach the wrong list\n",
+            stderr);
         return 1;
     }
     QObject::connect(&instance, &SingleInstance::activationRequested, &controller, [&controller](const QByteArray &token) {

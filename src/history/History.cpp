@@ -175,18 +175,22 @@ History::Opening History::open()
     // there is a database. Non-blocking, so that even a FIFO answers at once.
     const QByteArray name = QFile::encodeName(m_fileName);
     const int fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
-    struct stat st{};
+    struct stat st
+    {
+    };
     const bool regular = fd >= 0 && ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
     const int error = errno;
     if (fd >= 0)
         ::close(fd);
     if (!regular) {
-        struct stat found{};
+        struct stat found
+        {
+        };
         const QString what = ::lstat(name.constData(), &found) != 0 ? QString::fromLocal8Bit(std::strerror(error))
-                             : S_ISFIFO(found.st_mode)              ? QStringLiteral("it is a FIFO")
-                             : S_ISDIR(found.st_mode)               ? QStringLiteral("it is a folder")
-                             : S_ISLNK(found.st_mode)               ? QStringLiteral("it is a symbolic link")
-                             : S_ISSOCK(found.st_mode)              ? QStringLiteral("it is a socket")
+            : S_ISFIFO(found.st_mode)                               ? QStringLiteral("it is a FIFO")
+            : S_ISDIR(found.st_mode)                                ? QStringLiteral("it is a folder")
+            : S_ISLNK(found.st_mode)                                ? QStringLiteral("it is a symbolic link")
+            : S_ISSOCK(found.st_mode)                               ? QStringLiteral("it is a socket")
                                                                     : QStringLiteral("it is not a regular file");
         systemLog(QStringLiteral("The history cannot be kept in %1 (%2); Quillon goes on without it and leaves it as it is.").arg(m_fileName, what));
         return Opening::Never;
@@ -217,13 +221,13 @@ std::optional<QSqlError> History::prepare()
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
     // Checkpoints (copying the log into the file, with an fsync) take milliseconds; they run on
     // a thread of their own (maintainSoon), never inside a write of the event loop's.
-    for (const QString &statement : {QStringLiteral("PRAGMA journal_mode=WAL"), QStringLiteral("PRAGMA synchronous=NORMAL"),
-                                     QStringLiteral("PRAGMA wal_autocheckpoint=0"), QStringLiteral("PRAGMA journal_size_limit=%1").arg(WalLimit),
-                                     QStringLiteral("CREATE TABLE IF NOT EXISTS events (id INTEGER PRIMARY KEY, at INTEGER NOT NULL, path TEXT NOT NULL,"
-                                                    " scheduled INTEGER, kind INTEGER NOT NULL, detail TEXT NOT NULL DEFAULT '')"),
-                                     QStringLiteral("CREATE INDEX IF NOT EXISTS events_at ON events (at)"),
-                                     QStringLiteral("CREATE INDEX IF NOT EXISTS events_item ON events (path, scheduled)"),
-                                     QStringLiteral("SELECT COUNT(*) FROM events WHERE id = (SELECT MAX(id) FROM events)")}) {
+    for (const QString &statement : { QStringLiteral("PRAGMA journal_mode=WAL"), QStringLiteral("PRAGMA synchronous=NORMAL"),
+             QStringLiteral("PRAGMA wal_autocheckpoint=0"), QStringLiteral("PRAGMA journal_size_limit=%1").arg(WalLimit),
+             QStringLiteral("CREATE TABLE IF NOT EXISTS events (id INTEGER PRIMARY KEY, at INTEGER NOT NULL, path TEXT NOT NULL,"
+                            " scheduled INTEGER, kind INTEGER NOT NULL, detail TEXT NOT NULL DEFAULT '')"),
+             QStringLiteral("CREATE INDEX IF NOT EXISTS events_at ON events (at)"),
+             QStringLiteral("CREATE INDEX IF NOT EXISTS events_item ON events (path, scheduled)"),
+             QStringLiteral("SELECT COUNT(*) FROM events WHERE id = (SELECT MAX(id) FROM events)") }) {
         if (!q.exec(statement))
             return q.lastError();
     }
@@ -273,7 +277,7 @@ void History::cannotWriteNow(const QString &why)
 
 void History::record(Kind kind, const QString &path, const QDateTime &scheduled, const QString &detail)
 {
-    Record record{m_clock.now(), path, scheduled, kind, detail};
+    Record record { m_clock.now(), path, scheduled, kind, detail };
     Q_EMIT recorded(record);
     if (m_never)
         return;

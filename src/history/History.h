@@ -29,8 +29,19 @@ class History final : public QObject
 public:
     // Stored as numbers: never renumber.
     enum class Kind {
-        Opened = 1, OpenFailed = 2, ScriptFinished = 3, ScriptFailed = 4, ScriptEndedByQuit = 5,
-        Missed = 6, OpenedLate = 7, MailSent = 8, MailRefused = 9, MailFailed = 10, NotStarted = 11, DidNotQuit = 12, DatesMoved = 13
+        Opened = 1,
+        OpenFailed = 2,
+        ScriptFinished = 3,
+        ScriptFailed = 4,
+        ScriptEndedByQuit = 5,
+        Missed = 6,
+        OpenedLate = 7,
+        MailSent = 8,
+        MailRefused = 9,
+        MailFailed = 10,
+        NotStarted = 11,
+        DidNotQuit = 12,
+        DatesMoved = 13
     };
     struct Record
     {
@@ -106,7 +117,7 @@ private:
     QList<Record> m_pending;
     bool m_flushQueued = false;
     bool m_never = false; // no file can be kept here (not a regular file, nowhere to create one)
-    QString m_problem;    // why the file cannot be written now, as said once
+    QString m_problem; // why the file cannot be written now, as said once
     int m_dropped = 0;
     QTimer *m_retry = nullptr;
     int m_sinceTrim = 0;

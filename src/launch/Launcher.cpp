@@ -54,7 +54,7 @@ void Launcher::launchItem(const QString &path, Origin origin, quint64 item)
                 return;
         }
     }
-    m_waiting.enqueue({path, origin, item, std::chrono::steady_clock::now()});
+    m_waiting.enqueue({ path, origin, item, std::chrono::steady_clock::now() });
     drain();
 }
 

@@ -86,7 +86,7 @@ private:
     QString m_runningScript;
     ScriptReport m_report;
     LateReport m_lateReport;
-    std::chrono::milliseconds m_scriptWait{std::chrono::minutes(1)};
+    std::chrono::milliseconds m_scriptWait { std::chrono::minutes(1) };
     QTimer m_waitTimer;
     bool m_draining = false;
 };

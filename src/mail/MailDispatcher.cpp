@@ -6,8 +6,7 @@ MailDispatcher::MailDispatcher(Preferences &preferences, MailPassword *password,
     : QObject(parent)
     , m_preferences(preferences)
     , m_password(password)
-{
-}
+{ }
 
 SimpleSMTP *MailDispatcher::send(const QString &body, const QString &subject)
 {

@@ -22,8 +22,7 @@ MailPassword::MailPassword(Preferences &preferences, SecretStore *store, QObject
     : QObject(parent)
     , m_preferences(preferences)
     , m_store(store)
-{
-}
+{ }
 
 void MailPassword::enqueue(Step step)
 {
@@ -100,7 +99,8 @@ void MailPassword::get(QObject *context, Done done)
     };
     if (!m_store || refusedThisSession()) {
         const QString inFile = passwordInFile();
-        QMetaObject::invokeMethod(this, [answer, inFile] { answer(inFile); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [answer, inFile] { answer(inFile); }, Qt::QueuedConnection);
         return;
     }
     migrate();
@@ -108,7 +108,13 @@ void MailPassword::get(QObject *context, Done done)
         // A password in the file is the newest one: it is only written there when the keyring failed.
         const QString inFile = passwordInFile();
         if (!inFile.isEmpty()) {
-            QMetaObject::invokeMethod(this, [answer, inFile, next] { answer(inFile); next(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this,
+                [answer, inFile, next] {
+                    answer(inFile);
+                    next();
+                },
+                Qt::QueuedConnection);
             return;
         }
         m_store->read(Key, [this, answer, next](SecretStore::Result result, const QString &secret, const QString &error) {

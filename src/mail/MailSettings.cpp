@@ -48,8 +48,8 @@ QString MailSettings::requiredString(QLatin1StringView key, const char *name, co
 
 QString MailSettings::getServer() const
 {
-    return requiredString(Keys::ServerAddress, "NoServer",
-                          QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Address:' preference value has not been specified."));
+    return requiredString(
+        Keys::ServerAddress, "NoServer", QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Address:' preference value has not been specified."));
 }
 
 int MailSettings::getPort() const
@@ -58,7 +58,7 @@ int MailSettings::getPort() const
     const int port = m_preferences.intValue(Keys::ServerPort);
     if (port < 1 || port > HighestPort)
         throw MailSettingsError(QStringLiteral("BadPort"),
-                                localizedString(QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Port:' preference value is out of range.")));
+            localizedString(QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Port:' preference value is out of range.")));
     return port;
 }
 
@@ -77,7 +77,7 @@ bool MailSettings::useSSL() const
 QString MailSettings::getUsername() const
 {
     return requiredString(Keys::LoginUsername, "NoUsername",
-                          QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Username:' preference value has not been specified."));
+        QT_TRANSLATE_NOOP("LocalizedStrings", "The outgoing SMTP server 'Username:' preference value has not been specified."));
 }
 
 namespace {

@@ -16,8 +16,7 @@ public:
     MailSettingsError(QString name, QString reason)
         : m_name(std::move(name))
         , m_reason(std::move(reason))
-    {
-    }
+    { }
     const QString &name() const { return m_name; }
     const QString &reason() const { return m_reason; }
     const char *what() const noexcept override { return "mail settings"; }
@@ -33,18 +32,17 @@ class MailSettings final
 public:
     explicit MailSettings(Preferences &preferences)
         : m_preferences(preferences)
-    {
-    }
+    { }
 
     bool sendEmail() const;
     QString getRecipientEmail() const;
     QString getRecipientName() const;
-    QString getServer() const;    // throws NoServer
-    int getPort() const;          // throws BadPort
+    QString getServer() const; // throws NoServer
+    int getPort() const; // throws BadPort
     int getSelectedLoginMechanism() const;
     bool useSSL() const;
-    QString getUsername() const;  // throws NoUsername
-    QString getPassword() const;  // throws NoPassword
+    QString getUsername() const; // throws NoUsername
+    QString getPassword() const; // throws NoPassword
     static MailSettingsError noPassword();
 
     static constexpr int HighestPort = 65365;

@@ -33,8 +33,7 @@ std::unique_ptr<SaslClient> SaslClient::start(const QString &mechanism, const QS
 SaslClient::SaslClient(Gsasl_session *session, bool clientFirst)
     : m_session(session)
     , m_clientFirst(clientFirst)
-{
-}
+{ }
 
 SaslClient::~SaslClient()
 {

@@ -14,7 +14,7 @@
 namespace Quillon {
 namespace {
 constexpr int ImplicitTlsPort = 465;
-constexpr const char *MechanismNames[] = {"", "PLAIN", "LOGIN", "CRAM-MD5"};
+constexpr const char *MechanismNames[] = { "", "PLAIN", "LOGIN", "CRAM-MD5" };
 
 QString errorText(const MailSettingsError &e)
 {
@@ -24,8 +24,7 @@ QString errorText(const MailSettingsError &e)
 
 SimpleSMTP::SimpleSMTP(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 SimpleSMTP::~SimpleSMTP() = default;
 
@@ -55,11 +54,10 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         connect(_smtp, &SmtpSession::transactionResetCompleted, this, &SimpleSMTP::transactionResetCompleted);
         connect(_smtp, &SmtpSession::connectionTerminated, this, &SimpleSMTP::connectionTerminated);
         // After the handlers above: only then is it known whether the policy left the session waiting.
-        for (auto step : {&SmtpSession::connectionEstablished, &SmtpSession::serviceInitialized, &SmtpSession::authenticationCompleted,
-                          &SmtpSession::authenticationFailed, &SmtpSession::messageSent, &SmtpSession::messageNotSent,
-                          &SmtpSession::transactionResetCompleted})
+        for (auto step : { &SmtpSession::connectionEstablished, &SmtpSession::serviceInitialized, &SmtpSession::authenticationCompleted,
+                 &SmtpSession::authenticationFailed, &SmtpSession::messageSent, &SmtpSession::messageNotSent, &SmtpSession::transactionResetCompleted })
             connect(_smtp, step, this, &SimpleSMTP::settle);
-        _smtp->setMessage(message, from.toUtf8(), {to.toUtf8()});
+        _smtp->setMessage(message, from.toUtf8(), { to.toUtf8() });
         systemLog(QStringLiteral("Connecting to the %1 server...").arg(settings.getServer()));
         // Port 465 is SMTPS: TLS from the first byte. Any other port secures itself with STARTTLS.
         _smtp->connectInBackgroundAndNotify(settings.useSSL() && port == ImplicitTlsPort);

@@ -8,7 +8,6 @@
 #include <QPointer>
 #include <QSslSocket>
 
-
 namespace Quillon {
 namespace {
 
@@ -224,7 +223,7 @@ void SmtpSession::sendMessage()
     // Checked here too, whatever the caller did: a CR, LF or bracket in an address would become
     // commands or parameters of its own.
     bool utf8 = false;
-    for (const QByteArray &address : QList<QByteArray>{m_from} + m_recipients) {
+    for (const QByteArray &address : QList<QByteArray> { m_from } + m_recipients) {
         const QString text = QString::fromUtf8(address);
         if (const QString problem = addressProblem(text); !problem.isEmpty()) {
             fail(QStringLiteral("the address \"%1\" cannot be sent: %2").arg(text, problem));

@@ -22,8 +22,8 @@ class StepQueue;
 // How long a session waits: to connect, and for any reply (or, idle, for the caller to act).
 struct SessionLimits
 {
-    std::chrono::milliseconds connect{30'000};
-    std::chrono::milliseconds reply{300'000};
+    std::chrono::milliseconds connect { 30'000 };
+    std::chrono::milliseconds reply { 300'000 };
 };
 
 // One SMTP client session over QSslSocket, on the event loop, never blocking. It speaks the
@@ -79,10 +79,7 @@ Q_SIGNALS:
     void connectionTerminated();
 
 private:
-    enum class Step {
-        Idle, Connecting, Greeting, Ehlo, Helo, StartTls, Handshaking, Auth,
-        MailFrom, RcptTo, Data, Body, Reset, Quit, Closed
-    };
+    enum class Step { Idle, Connecting, Greeting, Ehlo, Helo, StartTls, Handshaking, Auth, MailFrom, RcptTo, Data, Body, Reset, Quit, Closed };
 
     void later(std::function<void()> step);
     void onReadyRead();

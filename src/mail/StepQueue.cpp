@@ -23,7 +23,7 @@ StepQueue::StepQueue(QObject *parent)
 
 void StepQueue::add(QObject *context, std::function<void()> step)
 {
-    m_steps.push_back({QPointer<QObject>(context), std::move(step)});
+    m_steps.push_back({ QPointer<QObject>(context), std::move(step) });
     if (!m_timer.isActive())
         m_timer.start();
 }

@@ -16,11 +16,11 @@ struct ScriptDescriptor
     enum class Type { Text, List, Record };
     Type type = Type::Text;
     QString text;
-    QList<ScriptDescriptor> items;                     // List
-    QList<QPair<QString, ScriptDescriptor>> fields;    // Record
+    QList<ScriptDescriptor> items; // List
+    QList<QPair<QString, ScriptDescriptor>> fields; // Record
 
-    static ScriptDescriptor fromText(const QString &t) { return {Type::Text, t, {}, {}}; }
-    static ScriptDescriptor fromList(QList<ScriptDescriptor> l) { return {Type::List, {}, std::move(l), {}}; }
+    static ScriptDescriptor fromText(const QString &t) { return { Type::Text, t, {}, {} }; }
+    static ScriptDescriptor fromList(QList<ScriptDescriptor> l) { return { Type::List, {}, std::move(l), {} }; }
 
     int numberOfItems() const { return type == Type::List ? int(items.size()) : 0; }
     // Positions count from 1, as in the script world.
@@ -45,13 +45,13 @@ class ScriptRunner
 public:
     struct Outcome
     {
-        bool loaded = false;                       // false: the script could not be read or has no interpreter
-        std::optional<ScriptDescriptor> result;    // none: the script failed while running
-        QString problem;                           // why it failed, in words: "exit status 3"
+        bool loaded = false; // false: the script could not be read or has no interpreter
+        std::optional<ScriptDescriptor> result; // none: the script failed while running
+        QString problem; // why it failed, in words: "exit status 3"
         // The first lines it printed and wrote to standard error (bounded): what tells why it failed.
         QString firstOutput;
         QString firstErrors;
-        std::chrono::milliseconds ran{0};
+        std::chrono::milliseconds ran { 0 };
     };
     using Done = std::function<void(const Outcome &)>;
     virtual ~ScriptRunner() = default;

@@ -13,8 +13,8 @@ class SecretStore
 public:
     enum class Result {
         Ok,
-        NotFound,     // the keyring answered, and holds nothing under that key
-        Unavailable,  // no keyring answered, or it refused (locked, no session bus)
+        NotFound, // the keyring answered, and holds nothing under that key
+        Unavailable, // no keyring answered, or it refused (locked, no session bus)
     };
     // error: why, for the log, when the result is not Ok.
     using ReadDone = std::function<void(Result, const QString &secret, const QString &error)>;

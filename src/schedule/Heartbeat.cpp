@@ -10,8 +10,7 @@ namespace Quillon {
 
 Heartbeat::Heartbeat(QString fileName)
     : m_fileName(std::move(fileName))
-{
-}
+{ }
 
 Heartbeat::Last Heartbeat::read(const QString &settingsFile) const
 {

@@ -19,8 +19,7 @@ public:
         : m_queue(queue)
         , m_path(std::move(path))
         , m_fireMSecs(fireMSecs)
-    {
-    }
+    { }
 
     // A slot dropped while its timer was armed (a row removed, the schedule restarted) cancels it.
     ~ItemTimer() { invalidate(); }

@@ -4,7 +4,6 @@
 #include "SettingsKeys.h"
 
 #include <QDateTime>
-#include <QTimeZone>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +11,7 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QStandardPaths>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <cerrno>
@@ -83,7 +83,9 @@ qsizetype keyLinesIn(const QByteArray &ini)
 bool Preferences::setAsideIfNotRegular(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
-    struct stat st{};
+    struct stat st
+    {
+    };
     if (::lstat(name.constData(), &st) != 0 || S_ISREG(st.st_mode))
         return false;
     // A link is followed: its target is what QSettings would open.
@@ -105,7 +107,7 @@ bool Preferences::setAsideOddFiles()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/");
     bool any = false;
-    for (const char *name : {"Quillon.conf", "Quillon.conf.lock", "window.conf"})
+    for (const char *name : { "Quillon.conf", "Quillon.conf.lock", "window.conf" })
         any = setAsideIfNotRegular(folder + QLatin1String(name)) || any;
     return any;
 }
@@ -190,10 +192,12 @@ void Preferences::remove(QAnyStringView key)
 
 Preferences::FileStamp Preferences::currentStamp() const
 {
-    struct stat st{};
+    struct stat st
+    {
+    };
     if (::stat(QFile::encodeName(m_settings.fileName()).constData(), &st) != 0)
         return {};
-    return {quint64(st.st_ino), qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec};
+    return { quint64(st.st_ino), qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec };
 }
 
 void Preferences::synchronize()
@@ -240,8 +244,8 @@ bool Preferences::keepProblemFileAside()
     const QString copy = original + QStringLiteral(".unreadable-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
     // A hard link needs no read permission and keeps the file exactly as it was, mode included.
     if (::link(QFile::encodeName(original).constData(), QFile::encodeName(copy).constData()) != 0 && !QFile::copy(original, copy)) {
-        systemLog(QStringLiteral("Could not keep a copy of the settings file %1 (%2); nothing is saved, so it is not written over.")
-                      .arg(original, errnoText()));
+        systemLog(
+            QStringLiteral("Could not keep a copy of the settings file %1 (%2); nothing is saved, so it is not written over.").arg(original, errnoText()));
         return false;
     }
     systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2.").arg(original, copy));
@@ -252,7 +256,7 @@ bool Preferences::keepProblemFileAside()
     QStringList unknown;
     for (const QString &key : m_settings.allKeys()) {
         if (Keys::isKnown(key))
-            readable.append({key, m_settings.value(key)});
+            readable.append({ key, m_settings.value(key) });
         else
             unknown << key;
     }
@@ -301,7 +305,7 @@ bool Preferences::readsBackAsWritten() const
     // name, size and time from its cache without parsing it: "5" saved over "6" would read back as
     // the old value. Each read-back gets a time of its own.
     static qint64 readBacks = 0;
-    const struct timespec stamp[2] = {{0, UTIME_OMIT}, {time_t(++readBacks), 0}};
+    const struct timespec stamp[2] = { { 0, UTIME_OMIT }, { time_t(++readBacks), 0 } };
     if (::futimens(memory, stamp) != 0)
         return false;
     QSettings onDisk(QStringLiteral("/proc/self/fd/%1").arg(memory), QSettings::IniFormat);
@@ -339,7 +343,9 @@ void Preferences::writeOut()
     // reached by others whatever its mode. Never the umask: it is the whole process's, and programs
     // started meanwhile would inherit it. A folder or file we did not create keeps its mode.
     makeFolder();
-    struct stat before{};
+    struct stat before
+    {
+    };
     const bool fileExisted = ::stat(file.constData(), &before) == 0;
 
     // QSettings replaces the file by renaming a new one over it; a hard link keeps the old one
@@ -365,7 +371,9 @@ void Preferences::writeOut()
         m_readStamp = currentStamp();
         return;
     }
-    struct stat after{};
+    struct stat after
+    {
+    };
     const bool replaced = ::stat(file.constData(), &after) == 0 && (!fileExisted || after.st_ino != before.st_ino);
     QString outcome = QStringLiteral("the file was left as it was.");
     if (replaced && haveBackup && ::rename(backup.constData(), file.constData()) == 0)
@@ -376,7 +384,9 @@ void Preferences::writeOut()
         outcome = QStringLiteral("the previous file could not be put back.");
     ::unlink(backup.constData());
     // QSettings says only "access error"; what the folder and the disk look like says which.
-    struct statvfs disk{};
+    struct statvfs disk
+    {
+    };
     const bool full = ::statvfs(dir.constData(), &disk) == 0 && quint64(disk.f_bavail) * disk.f_frsize < 64 * 1024;
     const bool writable = ::access(dir.constData(), W_OK) == 0 && (!fileExisted || ::access(file.constData(), W_OK) == 0);
     QString why = QStringLiteral("it did not read back as written (is the disk full?)");

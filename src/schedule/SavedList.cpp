@@ -24,7 +24,7 @@ QVariantList asList(const QVariant &value)
     if (value.typeId() == QMetaType::QVariantList)
         return value.toList();
     if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray || value.typeId() == QMetaType::QDateTime)
-        return {value};
+        return { value };
     if (value.typeId() == QMetaType::QStringList) {
         QVariantList out;
         for (const QString &s : value.toStringList())
@@ -55,7 +55,7 @@ QStringList SavedList::write(Preferences &preferences, const QStringList &paths,
     // files hold local dates; they are read as they always were, and saved as moments from then on.
     for (const QDateTime &date : dates)
         values.append(date.isValid() ? QVariant(date.toUTC()) : QVariant(date));
-    preferences.setValues({{Keys::Items, items}, {Keys::Dates, values}, {Keys::TimersRunning, running}});
+    preferences.setValues({ { Keys::Items, items }, { Keys::Dates, values }, { Keys::TimersRunning, running } });
     return leftOut;
 }
 

@@ -1,7 +1,7 @@
 #include "Schedule.h"
 
-#include "SavedList.h"
 #include "Preferences.h"
+#include "SavedList.h"
 #include "TimerQueue.h"
 #include "WallClock.h"
 

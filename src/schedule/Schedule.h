@@ -65,7 +65,7 @@ public:
         QList<quint64> ids;
         bool operator==(const Snapshot &) const = default;
     };
-    Snapshot snapshot() const { return {m_paths, m_dates, m_ids}; }
+    Snapshot snapshot() const { return { m_paths, m_dates, m_ids }; }
     void restore(const Snapshot &snapshot);
     quint64 idAt(int row) const { return row >= 0 && row < m_ids.size() ? m_ids.at(row) : 0; }
 
@@ -171,8 +171,7 @@ private:
 };
 
 // Moves one element from s to t, shifting those between; out-of-range or equal indexes do nothing.
-template<typename List>
-void moveElement(List &list, qsizetype s, qsizetype t)
+template<typename List> void moveElement(List &list, qsizetype s, qsizetype t)
 {
     if (s == t || s < 0 || t < 0 || s >= list.size() || t >= list.size())
         return;

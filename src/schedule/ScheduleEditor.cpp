@@ -21,8 +21,7 @@ public:
         , m_before(std::move(before))
         , m_after(std::move(after))
         , m_kind(kind)
-    {
-    }
+    { }
     void undo() override { m_schedule.restore(m_before); }
     void redo() override
     {
@@ -55,8 +54,7 @@ ScheduleEditor::ScheduleEditor(Schedule &schedule, Preferences &preferences, QOb
     , m_schedule(schedule)
     , m_preferences(preferences)
     , m_undo(new QUndoStack(this))
-{
-}
+{ }
 
 ScheduleEditor::~ScheduleEditor() = default;
 

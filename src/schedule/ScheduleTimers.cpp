@@ -279,7 +279,7 @@ void Schedule::catchUp(QList<int> rows)
     const qint64 period = repeatMSecs();
     rows.removeIf([this](int row) { return hasFired(idAt(row), m_dates.at(row).toMSecsSinceEpoch()); });
     for (int row : std::as_const(rows)) {
-        due.append({m_paths.at(row), m_dates.at(row), idAt(row)});
+        due.append({ m_paths.at(row), m_dates.at(row), idAt(row) });
         m_lastFired.insert(idAt(row), m_dates.at(row).toMSecsSinceEpoch());
         // Once, not once per period missed: the series goes on from its next time after now.
         if (period > 0) {

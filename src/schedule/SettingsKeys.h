@@ -41,10 +41,10 @@ inline constexpr QLatin1StringView HistorySeen("history/seenUpTo");
 // Whether a key is one of ours: a file that could not be read whole is saved anew with these only.
 inline bool isKnown(QStringView key)
 {
-    for (QLatin1StringView known : {Items, Dates, TimersRunning, RememberItems, AddFolderFiles, AddFolderFilesRecursively, RepeatSeconds, TimeUnit,
-                                    QuitWhenDone, ConfirmLaunchAll, ScriptTimeLimit, OpenMissedItems, NotifyProblems, NotifyEveryLaunch, SendEmail,
-                                    EmailScriptResults, RecipientEmail, RecipientName, ServerAddress, ServerPort, SelectedAuthentication, UseSSL,
-                                    LoginUsername, LoginPassword, WindowGeometry, TableHeader, ChooserFolder, HistorySeen}) {
+    for (QLatin1StringView known :
+        { Items, Dates, TimersRunning, RememberItems, AddFolderFiles, AddFolderFilesRecursively, RepeatSeconds, TimeUnit, QuitWhenDone, ConfirmLaunchAll,
+            ScriptTimeLimit, OpenMissedItems, NotifyProblems, NotifyEveryLaunch, SendEmail, EmailScriptResults, RecipientEmail, RecipientName, ServerAddress,
+            ServerPort, SelectedAuthentication, UseSSL, LoginUsername, LoginPassword, WindowGeometry, TableHeader, ChooserFolder, HistorySeen }) {
         if (key == known)
             return true;
     }

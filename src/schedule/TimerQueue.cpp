@@ -45,7 +45,7 @@ bool TimerQueue::later(const Entry &a, const Entry &b)
 TimerSlot TimerQueue::schedule(const QString &path, qint64 fireMSecs)
 {
     auto timer = std::make_shared<ItemTimer>(this, path, fireMSecs);
-    m_heap.push_back({fireMSecs, m_sequence++, timer});
+    m_heap.push_back({ fireMSecs, m_sequence++, timer });
     std::push_heap(m_heap.begin(), m_heap.end(), later);
     ++m_live;
     reaim();
@@ -104,7 +104,7 @@ std::optional<qint64> TimerQueue::earliestLiveAfter(qint64 after) const
     // An entry's children are never earlier than it, so below a live entry later than after there
     // is nothing better; only entries at or before after, or dead ones, are looked beneath.
     std::optional<qint64> best;
-    std::vector<size_t> stack{0};
+    std::vector<size_t> stack { 0 };
     while (!stack.empty()) {
         const size_t i = stack.back();
         stack.pop_back();

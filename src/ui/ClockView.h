@@ -11,8 +11,7 @@ class ClockView final : public QWidget
 public:
     explicit ClockView(QWidget *parent = nullptr)
         : QWidget(parent)
-    {
-    }
+    { }
 };
 
 } // namespace Quillon

@@ -1,12 +1,11 @@
 #include "DateWindow.h"
 
-
 #include <QCalendarWidget>
-#include <QKeyEvent>
-#include <QPushButton>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QLabel>
+#include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
 

@@ -4,11 +4,11 @@
 #include <QCompleter>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFileSystemModel>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QFileSystemModel>
 #include <QListView>
+#include <QPushButton>
 #include <QTreeView>
 
 namespace Quillon {

@@ -66,7 +66,9 @@ void HistoryModel::refresh()
                       .arg(where.isEmpty() ? QString() : QStringLiteral("WHERE ") + where.join(QStringLiteral(" AND "))));
     if (!m_text.isEmpty()) {
         QString pattern = m_text;
-        pattern.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('%'), QLatin1String("\\%")).replace(QLatin1Char('_'), QLatin1String("\\_"));
+        pattern.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+            .replace(QLatin1Char('%'), QLatin1String("\\%"))
+            .replace(QLatin1Char('_'), QLatin1String("\\_"));
         // Once for each "?": Qt counts a numbered placeholder used twice as two.
         const QString like = QLatin1Char('%') + pattern + QLatin1Char('%');
         query.addBindValue(like);
@@ -158,7 +160,7 @@ HistoryWindow::HistoryWindow(History &history, Workspace &workspace, QWidget *pa
     m_kinds = new QComboBox(this);
     m_kinds->setObjectName(QStringLiteral("historyKinds"));
     m_kinds->setAccessibleName(tr("Show"));
-    m_kinds->addItems({tr("Everything"), tr("Problems only")});
+    m_kinds->addItems({ tr("Everything"), tr("Problems only") });
     auto *kindsLabel = new QLabel(tr("&Show:"), this);
     kindsLabel->setBuddy(m_kinds);
     filters->addWidget(m_filter, 1);
@@ -219,11 +221,14 @@ void HistoryWindow::showRowMenu(const QPoint &at)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("historyRowMenu"));
     menu->addAction(tr("&Open Now"), this, [this, paths] { Q_EMIT openNowRequested(paths); })->setEnabled(!paths.isEmpty());
-    menu->addAction(tr("Show in &File Manager"), this, [this, paths] {
-        for (const QString &path : paths)
-            m_workspace.selectFile(path);
-    })->setEnabled(!paths.isEmpty());
-    menu->addAction(tr("&Copy"), this, [paths] { QApplication::clipboard()->setText(FileName::display(paths.join(QLatin1Char('\n')))); })->setEnabled(!paths.isEmpty());
+    menu->addAction(tr("Show in &File Manager"), this,
+            [this, paths] {
+                for (const QString &path : paths)
+                    m_workspace.selectFile(path);
+            })
+        ->setEnabled(!paths.isEmpty());
+    menu->addAction(tr("&Copy"), this, [paths] { QApplication::clipboard()->setText(FileName::display(paths.join(QLatin1Char('\n')))); })
+        ->setEnabled(!paths.isEmpty());
     // Just beside the pointer: placed under it, the release of the right button that opened the
     // menu lands on Open Now and opens the file.
     menu->popup(m_table->viewport()->mapToGlobal(at) + QPoint(2, 2));

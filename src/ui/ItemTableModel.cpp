@@ -25,15 +25,15 @@
 
 namespace Quillon {
 
-const QStringList ItemTableModel::Identifiers = {QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"),
-                                                 QStringLiteral("Launch Time"), QStringLiteral("Check")};
+const QStringList ItemTableModel::Identifiers
+    = { QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"), QStringLiteral("Launch Time"), QStringLiteral("Check") };
 
 ItemTableModel::ItemTableModel(Schedule &schedule, Workspace &workspace, Preferences &preferences, QObject *parent)
     : QAbstractTableModel(parent)
     , m_schedule(schedule)
     , m_workspace(workspace)
     , m_preferences(preferences)
-    , m_titles{QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString()}
+    , m_titles { QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString() }
 {
     connectSchedule();
 }
@@ -58,20 +58,23 @@ void ItemTableModel::connectSchedule()
 void ItemTableModel::rowChanged(int row)
 {
     if (m_changedRows.isEmpty()) {
-        QMetaObject::invokeMethod(this, [this] {
-            QList<int> rows = std::exchange(m_changedRows, {});
-            std::sort(rows.begin(), rows.end());
-            rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-            // One signal per run of neighbouring rows.
-            for (qsizetype i = 0; i < rows.size();) {
-                qsizetype j = i;
-                while (j + 1 < rows.size() && rows.at(j + 1) == rows.at(j) + 1)
-                    ++j;
-                if (rows.at(j) < rowCount())
-                    Q_EMIT dataChanged(index(rows.at(i), 0), index(std::min(rows.at(j), rowCount() - 1), ColumnCount - 1));
-                i = j + 1;
-            }
-        }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                QList<int> rows = std::exchange(m_changedRows, {});
+                std::sort(rows.begin(), rows.end());
+                rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+                // One signal per run of neighbouring rows.
+                for (qsizetype i = 0; i < rows.size();) {
+                    qsizetype j = i;
+                    while (j + 1 < rows.size() && rows.at(j + 1) == rows.at(j) + 1)
+                        ++j;
+                    if (rows.at(j) < rowCount())
+                        Q_EMIT dataChanged(index(rows.at(i), 0), index(std::min(rows.at(j), rowCount() - 1), ColumnCount - 1));
+                    i = j + 1;
+                }
+            },
+            Qt::QueuedConnection);
     }
     m_changedRows.append(row);
 }
@@ -260,8 +263,8 @@ void ItemTableModel::refreshCountdown()
     if (m_schedule.count() == 0)
         return;
     // One range per column: the view repaints only what it shows.
-    Q_EMIT dataChanged(index(0, FileColumn), index(m_schedule.count() - 1, FileColumn), {Qt::DisplayRole});
-    Q_EMIT dataChanged(index(0, CheckColumn), index(m_schedule.count() - 1, CheckColumn), {Qt::DecorationRole});
+    Q_EMIT dataChanged(index(0, FileColumn), index(m_schedule.count() - 1, FileColumn), { Qt::DisplayRole });
+    Q_EMIT dataChanged(index(0, CheckColumn), index(m_schedule.count() - 1, CheckColumn), { Qt::DecorationRole });
 }
 
 void ItemTableModel::reloadAll()
@@ -273,7 +276,7 @@ void ItemTableModel::reloadAll()
 
 QStringList ItemTableModel::mimeTypes() const
 {
-    return {PrivateRowsType, QStringLiteral("text/uri-list")};
+    return { PrivateRowsType, QStringLiteral("text/uri-list") };
 }
 
 QMimeData *ItemTableModel::mimeData(const QModelIndexList &indexes) const
@@ -316,7 +319,7 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
         bool done = false;
         ScheduleEditor *editor = std::exchange(m_editor, nullptr);
         editor->record(data->hasFormat(PrivateRowsType) ? ScheduleEditor::Edit::Move : ScheduleEditor::Edit::Drop,
-                       [&] { done = dropMimeData(data, action, row, column, parent); });
+            [&] { done = dropMimeData(data, action, row, column, parent); });
         m_editor = editor;
         return done;
     }

@@ -137,14 +137,17 @@ void ItemTableView::fitColumnsSoon()
 {
     if (std::exchange(m_fitQueued, true))
         return;
-    QMetaObject::invokeMethod(this, [this] {
-        m_fitQueued = false;
-        if (m_userSizedLaunchTime || m_schedule.count() == 0)
-            return;
-        m_fittingColumns = true;
-        resizeColumnToContents(ItemTableModel::LaunchTimeColumn);
-        m_fittingColumns = false;
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_fitQueued = false;
+            if (m_userSizedLaunchTime || m_schedule.count() == 0)
+                return;
+            m_fittingColumns = true;
+            resizeColumnToContents(ItemTableModel::LaunchTimeColumn);
+            m_fittingColumns = false;
+        },
+        Qt::QueuedConnection);
 }
 
 void ItemTableView::showEvent(QShowEvent *event)

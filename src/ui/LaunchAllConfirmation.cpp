@@ -19,7 +19,7 @@ void confirmLaunchAll(QWidget *parent, Preferences &preferences, int count, cons
     }
     // The window's own words, in its translation context.
     auto *box = new QMessageBox(QMessageBox::Question, QCoreApplication::translate("Quillon::MainWindow", "Launch All Now"),
-                                QCoreApplication::translate("Quillon::MainWindow", "Open all %n items now?", nullptr, count), QMessageBox::Cancel, parent);
+        QCoreApplication::translate("Quillon::MainWindow", "Open all %n items now?", nullptr, count), QMessageBox::Cancel, parent);
     box->setObjectName(QStringLiteral("confirmLaunchAll"));
     box->setInformativeText(QCoreApplication::translate("Quillon::MainWindow", "Every item opens, every script runs and every notice is mailed, at once."));
     QPushButton *openAll = box->addButton(QCoreApplication::translate("Quillon::MainWindow", "Open All"), QMessageBox::AcceptRole);

@@ -1,8 +1,8 @@
 #include "MainWindow.h"
 
+#include "ButtonRow.h"
 #include "DateWindow.h"
 #include "FileAndFolderChooser.h"
-#include "ButtonRow.h"
 #include "ItemTableModel.h"
 #include "ItemTableView.h"
 #include "LaunchAllConfirmation.h"
@@ -25,8 +25,8 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSignalBlocker>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTableView>
 #include <QUndoStack>
@@ -114,16 +114,17 @@ void MainWindow::buildControls()
     };
     button(tr("&Add…"), QStringLiteral("browseButton"), tr("Add files and folders to the schedule."), &MainWindow::browseButtonClicked);
     m_clearButton = button(tr("&Clear"), QStringLiteral("clearButton"), tr("Remove the selected items, or every item when none is selected."),
-                           &MainWindow::clearListButtonClicked);
+        &MainWindow::clearListButtonClicked);
     m_buttonRow->addSpacing(12);
     QPushButton *selectAll = button(tr("Select All"), QStringLiteral("selectAllButton"), tr("Select every item."), &MainWindow::selectAllButtonClicked);
     QPushButton *deselectAll = button(tr("Deselect All"), QStringLiteral("deselectAllButton"), tr("Select no item."), &MainWindow::deselectAllButtonClicked);
-    QPushButton *invert = button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
+    QPushButton *invert
+        = button(tr("Invert Selection"), QStringLiteral("invertSelectionButton"), tr("Not available."), &MainWindow::invertSelectionsButtonClicked);
     m_buttonRow->addStretch();
-    QPushButton *launchAll = button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."),
-                                    &MainWindow::launchAllClicked);
-    QPushButton *dateTime = button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."),
-                                   &MainWindow::dateTimeClicked);
+    QPushButton *launchAll
+        = button(tr("&Launch All Now"), QStringLiteral("launchAllNowButton"), tr("Open every item now, top to bottom."), &MainWindow::launchAllClicked);
+    QPushButton *dateTime
+        = button(tr("&Date && Time…"), QStringLiteral("dateTimeButton"), tr("Set the launch date of the selected items."), &MainWindow::dateTimeClicked);
     m_progress = new QProgressBar(m_buttonRow);
     m_progress->setObjectName(QStringLiteral("progress"));
     m_progress->setAccessibleName(tr("Schedule running"));
@@ -136,11 +137,12 @@ void MainWindow::buildControls()
     m_progress->setSizePolicy(keepPlace);
     m_progress->hide();
     m_buttonRow->addWidget(m_progress);
-    m_stopStartButton = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
+    m_stopStartButton
+        = button(Texts::tr(Texts::Start), QStringLiteral("stopStartButton"), Texts::tr(Texts::StartToolTip), [this] { Q_EMIT startStopRequested(); });
     m_stopStartButton->setDefault(true);
     layout->addWidget(m_buttonRow);
     setCentralWidget(central);
-    m_buttonRow->setOptional({invert, deselectAll, selectAll, launchAll, dateTime});
+    m_buttonRow->setOptional({ invert, deselectAll, selectAll, launchAll, dateTime });
 }
 
 void MainWindow::buildMenus()
@@ -162,7 +164,7 @@ void MainWindow::buildMenus()
     redo->setObjectName(QStringLiteral("redoAction"));
     // Both keys, each once: where the theme's Redo already is Ctrl+Shift+Z (GNOME, KDE), listing
     // it twice makes the shortcut ambiguous and neither key works.
-    QList<QKeySequence> redoKeys{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)};
+    QList<QKeySequence> redoKeys { QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y) };
     for (const QKeySequence &key : QKeySequence::keyBindings(QKeySequence::Redo)) {
         if (!redoKeys.contains(key))
             redoKeys << key;
@@ -335,12 +337,14 @@ void MainWindow::showRowMenu(const QPoint &at)
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("rowMenu"));
-    menu->addAction(tr("&Open Now"), this, [this] {
-        QStringList paths;
-        for (int row : selectedRows())
-            paths << m_schedule.paths().at(row);
-        Q_EMIT openNowRequested(paths);
-    })->setObjectName(QStringLiteral("openNowAction"));
+    menu->addAction(tr("&Open Now"), this,
+            [this] {
+                QStringList paths;
+                for (int row : selectedRows())
+                    paths << m_schedule.paths().at(row);
+                Q_EMIT openNowRequested(paths);
+            })
+        ->setObjectName(QStringLiteral("openNowAction"));
     menu->addAction(tr("Show in &File Manager"), this, [this] { Q_EMIT doubleClicked(); });
     menu->addAction(tr("&Date && Time…"), this, &MainWindow::dateTimeClicked);
     menu->addSeparator();

@@ -28,8 +28,7 @@ QString formatMediumDateTime(const QDateTime &dateTime, const QLocale &locale)
     const QString name = locale.name();
     auto &format = formatters[name];
     if (!format) {
-        format.reset(icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, icu::DateFormat::kMedium,
-                                                             icu::Locale(name.toLatin1().constData())));
+        format.reset(icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, icu::DateFormat::kMedium, icu::Locale(name.toLatin1().constData())));
         if (!format)
             return locale.toString(dateTime, QLocale::ShortFormat);
     }

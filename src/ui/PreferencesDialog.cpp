@@ -12,11 +12,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
-#include <QLabel>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -98,7 +98,7 @@ void PreferencesDialog::writePending()
         return;
     QList<std::pair<QAnyStringView, QVariant>> values;
     for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it)
-        values.append({it.key(), it.value()});
+        values.append({ it.key(), it.value() });
     m_preferences.setValues(values);
     m_pending.clear();
 }
@@ -142,7 +142,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     count->setAccessibleName(tr("Repeat every"));
     connect(count, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::RepeatSeconds, v); });
     repeatRow->addWidget(count);
-    QComboBox *unit = choiceControl(p, Keys::TimeUnit, {tr("seconds"), tr("minutes"), tr("hours"), tr("days")}, page);
+    QComboBox *unit = choiceControl(p, Keys::TimeUnit, { tr("seconds"), tr("minutes"), tr("hours"), tr("days") }, page);
     unit->setAccessibleName(tr("Repeat unit"));
     // On Linux a combo box is announced by its value, with its label from a "labelled by"
     // relation or its description: this one has no label of its own.
@@ -150,7 +150,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     repeatRow->addWidget(unit);
     // The period is kept in 32 bits of seconds: 49,710 days at most.
     const auto limitCount = [count, unit] {
-        static constexpr int MaxCount[] = {1'000'000, 1'000'000, 1'000'000, 49'710};
+        static constexpr int MaxCount[] = { 1'000'000, 1'000'000, 1'000'000, 49'710 };
         count->setMaximum(MaxCount[qBound(0, unit->currentIndex(), 3)]);
         unit->setEnabled(count->value() != 0);
     };
@@ -172,9 +172,10 @@ QWidget *PreferencesDialog::buildGeneralPage()
     connect(scriptLimit, &QSpinBox::editingFinished, page, [&p, scriptLimit] { p.setValue(Keys::ScriptTimeLimit, scriptLimit->value() * 60); });
     form->addRow(tr("End a scrip&t after:"), scriptLimit);
     // Off by default: items whose time passed unseen are recorded, not opened, unless asked.
-    form->addRow(boolControl(p, Keys::OpenMissedItems, tr("&Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
-    form->addRow(boolControl(p, Keys::NotifyProblems, tr("&Notify me about problems"),
-                             !p.contains(Keys::NotifyProblems) || p.boolValue(Keys::NotifyProblems), page));
+    form->addRow(
+        boolControl(p, Keys::OpenMissedItems, tr("&Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
+    form->addRow(
+        boolControl(p, Keys::NotifyProblems, tr("&Notify me about problems"), !p.contains(Keys::NotifyProblems) || p.boolValue(Keys::NotifyProblems), page));
     form->addRow(boolControl(p, Keys::NotifyEveryLaunch, tr("Notify me about every &launch"), p.boolValue(Keys::NotifyEveryLaunch), page));
 
     // Not a setting of the file: the session's autostart folder is the record.
@@ -243,7 +244,8 @@ QWidget *PreferencesDialog::buildMailPage()
     server->addRow(tr("&Port:"), port);
     QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure &connection (TLS)"), p.boolValue(Keys::UseSSL), group);
     server->addRow(secure);
-    QComboBox *login = choiceControl(p, Keys::SelectedAuthentication, {tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5")}, group);
+    QComboBox *login
+        = choiceControl(p, Keys::SelectedAuthentication, { tr("None"), QStringLiteral("PLAIN"), QStringLiteral("LOGIN"), QStringLiteral("CRAM-MD5") }, group);
     // Named by its label, not announced by the value it shows.
     login->setAccessibleName(tr("Login"));
     server->addRow(tr("&Login:"), login);

@@ -15,8 +15,7 @@ class StatusIconEngine final : public QIconEngine
 public:
     explicit StatusIconEngine(Status status)
         : m_status(status)
-    {
-    }
+    { }
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {

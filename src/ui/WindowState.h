@@ -16,8 +16,7 @@ class WindowState final
 public:
     explicit WindowState(Preferences &preferences)
         : m_preferences(preferences)
-    {
-    }
+    { }
 
     void save(const QWidget &window, const QHeaderView &header);
     // False when there was nothing to restore the window's geometry from.

@@ -21,7 +21,7 @@ constexpr std::size_t MaxAlarms = 64;
 
 bool isPast(int fd)
 {
-    itimerspec left{};
+    itimerspec left {};
     return timerfd_gettime(fd, &left) != 0 || (left.it_value.tv_sec == 0 && left.it_value.tv_nsec == 0);
 }
 } // namespace
@@ -59,7 +59,7 @@ int main()
             alarms.pop_front();
         }
         const int fd = timerfd_create(CLOCK_REALTIME_ALARM, TFD_CLOEXEC);
-        itimerspec at{};
+        itimerspec at {};
         at.it_value.tv_sec = time_t(when);
         if (fd < 0 || timerfd_settime(fd, TFD_TIMER_ABSTIME, &at, nullptr) != 0) {
             std::printf("failed %lld %s\n", when, std::strerror(errno));

@@ -5,30 +5,30 @@
 #include "History.h"
 #include "HistoryWindow.h"
 #include "ItemTableModel.h"
-#include "MailTestSupport.h"
-#include "PreferencesDialog.h"
 #include "ItemTableView.h"
-#include "WindowState.h"
+#include "MailTestSupport.h"
 #include "MainWindow.h"
+#include "PreferencesDialog.h"
 #include "QuillonController.h"
 #include "ScriptingService.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
+#include "WindowState.h"
 
 #include <QCheckBox>
-#include <QLineEdit>
-#include <QSpinBox>
-#include <QTableView>
-#include <QStandardPaths>
-#include <QProcess>
 #include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QSystemTrayIcon>
+#include <QTableView>
 #include <QTcpServer>
 #include <QTest>
 #include <QWindow>
@@ -62,7 +62,7 @@ private Q_SLOTS:
         ScriptingService scripting(*m_controller);
         MainWindow *window = m_controller->fileListWindow();
         const qint64 inAnHour = Now / 1000 + 3600;
-        QCOMPARE(scripting.Add({files.filePath(QStringLiteral("a.txt")), files.filePath(QStringLiteral("b.txt"))}, inAnHour), 2);
+        QCOMPARE(scripting.Add({ files.filePath(QStringLiteral("a.txt")), files.filePath(QStringLiteral("b.txt")) }, inAnHour), 2);
         QCOMPARE(window->model()->rowCount(), 2);
         auto *undo = window->findChild<QAction *>(QStringLiteral("undoAction"));
         QCOMPARE(undo->text(), QStringLiteral("&Undo Add"));
@@ -73,11 +73,11 @@ private Q_SLOTS:
 
         scripting.Start();
         QVERIFY(scripting.running());
-        scripting.SetDate({1}, inAnHour + 60);
+        scripting.SetDate({ 1 }, inAnHour + 60);
         QCOMPARE(m_controller->schedule().timers().at(1)->fireDate(), QDateTime::fromSecsSinceEpoch(inAnHour + 60));
         QVERIFY(m_controller->schedule().timers().at(1)->isValid());
         // Refused as in the window, where Remove is off while the schedule runs.
-        scripting.Remove({0});
+        scripting.Remove({ 0 });
         QCOMPARE(window->model()->rowCount(), 2);
     }
 
@@ -95,8 +95,8 @@ private Q_SLOTS:
         const QString item = m_config->filePath(QStringLiteral("Grüße.txt"));
         {
             Preferences saved;
-            saved.setValues({{Keys::Items, QVariantList{item}}, {Keys::Dates, QVariantList{QDateTime::fromMSecsSinceEpoch(Now - 3600'000)}},
-                             {Keys::TimersRunning, true}, {Keys::OpenMissedItems, catchUp}});
+            saved.setValues({ { Keys::Items, QVariantList { item } }, { Keys::Dates, QVariantList { QDateTime::fromMSecsSinceEpoch(Now - 3600'000) } },
+                { Keys::TimersRunning, true }, { Keys::OpenMissedItems, catchUp } });
             // Qt keeps the first settings folder it saw: the last row's "seen" mark must not count.
             WindowState(saved).setHistorySeen(0);
         }
@@ -104,7 +104,7 @@ private Q_SLOTS:
             this->start();
             History &history = m_controller->history();
             QCOMPARE(history.problemsAfter(0), 1);
-            QCOMPARE(m_workspace.opened, catchUp && start == 0 ? QStringList{item} : QStringList{});
+            QCOMPARE(m_workspace.opened, catchUp && start == 0 ? QStringList { item } : QStringList {});
             QPushButton *problems = m_controller->fileListWindow()->problemsButton();
             QCOMPARE(problems->isVisible(), start == 0);
             if (start == 0) {
@@ -141,10 +141,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("historyLost");
         QTest::addColumn<bool>("killed"); // a second run ends without its quit
         QTest::addColumn<QStringList>("recorded"); // at the last start, newest first
-        QTest::newRow("due while off") << 600 << false << false << QStringList{"Missed"};
-        QTest::newRow("opened, then the history was lost") << 30 << true << false << QStringList{};
-        QTest::newRow("added with a past date") << -30 << false << false << QStringList{};
-        QTest::newRow("due after a run that was killed") << 600 << false << true << QStringList{"Missed", "Did not quit normally"};
+        QTest::newRow("due while off") << 600 << false << false << QStringList { "Missed" };
+        QTest::newRow("opened, then the history was lost") << 30 << true << false << QStringList {};
+        QTest::newRow("added with a past date") << -30 << false << false << QStringList {};
+        QTest::newRow("due after a run that was killed") << 600 << false << true << QStringList { "Missed", "Did not quit normally" };
     }
     void missedIsWhatWasArmedWhileOff()
     {
@@ -155,14 +155,14 @@ private Q_SLOTS:
         const QString item = m_config->filePath(QStringLiteral("item.txt")), later = m_config->filePath(QStringLiteral("later.txt"));
         QVERIFY(Test::writeFile(item) && Test::writeFile(later));
         // Qt keeps the first settings folder it saw: an earlier test's list must not come back.
-        Preferences().setValues({{Keys::Items, QVariantList{}}, {Keys::Dates, QVariantList{}}, {Keys::TimersRunning, false}});
+        Preferences().setValues({ { Keys::Items, QVariantList {} }, { Keys::Dates, QVariantList {} }, { Keys::TimersRunning, false } });
         start();
         m_controller->preferences().setValue(Keys::OpenMissedItems, false);
-        m_controller->editor().add({item}, Test::at(due));
-        m_controller->editor().add({later}, Test::at(36'000)); // keeps the schedule running
+        m_controller->editor().add({ item }, Test::at(due));
+        m_controller->editor().add({ later }, Test::at(36'000)); // keeps the schedule running
         m_controller->schedule().startStopButtonClicked();
         m_clock->advance(60'000);
-        QCOMPARE(m_workspace.opened, due == 30 ? QStringList{item} : QStringList{});
+        QCOMPARE(m_workspace.opened, due == 30 ? QStringList { item } : QStringList {});
         m_controller->applicationWillTerminate();
         m_controller.reset();
         if (historyLost)
@@ -199,20 +199,21 @@ private Q_SLOTS:
         QTableView *table = window->table();
         // The missed record is the oldest, the last row; new records come in above it.
         const auto toTheRow = [table] {
-            const QPoint row = table->viewport()->mapToGlobal(table->visualRect(table->model()->index(table->model()->rowCount() - 1, HistoryModel::ItemColumn)).center());
-            return QStringList{QStringLiteral("mousemove"), QString::number(row.x()), QString::number(row.y())};
+            const QPoint row
+                = table->viewport()->mapToGlobal(table->visualRect(table->model()->index(table->model()->rowCount() - 1, HistoryModel::ItemColumn)).center());
+            return QStringList { QStringLiteral("mousemove"), QString::number(row.x()), QString::number(row.y()) };
         };
         const auto xdotool = [](const QStringList &arguments) { QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), arguments), 0); };
-        xdotool(toTheRow() + QStringList{QStringLiteral("click"), QStringLiteral("1")});
+        xdotool(toTheRow() + QStringList { QStringLiteral("click"), QStringLiteral("1") });
         QTRY_COMPARE(table->selectionModel()->selectedRows().size(), 1);
         QCOMPARE(table->selectionModel()->selectedRows().first().row(), 1);
-        xdotool({QStringLiteral("key"), QStringLiteral("ctrl+c")});
+        xdotool({ QStringLiteral("key"), QStringLiteral("ctrl+c") });
         QTRY_COMPARE(QApplication::clipboard()->text(), item);
         QApplication::clipboard()->clear();
-        const QList<std::pair<QString, std::function<bool()>>> entries{
-            {QStringLiteral("o"), [&] { return m_workspace.opened == QStringList{item}; }},
-            {QStringLiteral("f"), [&] { return m_workspace.selected == QStringList{item}; }},
-            {QStringLiteral("c"), [&] { return QApplication::clipboard()->text() == item; }},
+        const QList<std::pair<QString, std::function<bool()>>> entries {
+            { QStringLiteral("o"), [&] { return m_workspace.opened == QStringList { item }; } },
+            { QStringLiteral("f"), [&] { return m_workspace.selected == QStringList { item }; } },
+            { QStringLiteral("c"), [&] { return QApplication::clipboard()->text() == item; } },
         };
         for (const auto &[key, done] : entries) {
             m_workspace.opened.clear();
@@ -221,13 +222,13 @@ private Q_SLOTS:
             QTRY_VERIFY(!QApplication::activePopupWidget());
             // The click that opens the menu must not choose from it.
             QTest::qWait(200); // the last entry's work (a refresh, the clipboard) done, as a person waits
-            xdotool(toTheRow() + QStringList{QStringLiteral("click"), QStringLiteral("3")});
+            xdotool(toTheRow() + QStringList { QStringLiteral("click"), QStringLiteral("3") });
             QTRY_VERIFY2(qobject_cast<QMenu *>(QApplication::activePopupWidget()), qPrintable(key));
             QTest::qWait(100);
             QVERIFY(m_workspace.opened.isEmpty() && m_workspace.selected.isEmpty());
             const QList<QAction *> actions = QApplication::activePopupWidget()->actions();
             QVERIFY(std::all_of(actions.begin(), actions.end(), [](QAction *action) { return action->isEnabled(); }));
-            xdotool({QStringLiteral("key"), key});
+            xdotool({ QStringLiteral("key"), key });
             QTRY_VERIFY2(done(), qPrintable(key));
         }
         // Open Now's own record came in, above the rest.
@@ -243,9 +244,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("heard");
         QTest::addColumn<QString>("outcome");
         QTest::addColumn<QString>("tip");
-        QTest::newRow("opened") << "a.txt" << true << "Opened" << "opened" << "Opened at";
-        QTest::newRow("could not be opened") << "gone.txt" << false << "Could not be opened" << "failed" << "Could not open: it could not be opened";
-        QTest::newRow("a script that failed") << "job.scpt" << true << "Could not be opened" << "failed" << "Could not open: exit status 3";
+        QTest::newRow("opened") << "a.txt" << true << "Opened"
+                                << "opened"
+                                << "Opened at";
+        QTest::newRow("could not be opened") << "gone.txt" << false << "Could not be opened"
+                                             << "failed"
+                                             << "Could not open: it could not be opened";
+        QTest::newRow("a script that failed") << "job.scpt" << true << "Could not be opened"
+                                              << "failed"
+                                              << "Could not open: exit status 3";
     }
     void rowSaysWhatBecameOfIt()
     {
@@ -257,9 +264,9 @@ private Q_SLOTS:
         const QString item = m_config->filePath(name);
         QVERIFY(Test::writeFile(item));
         m_workspace.openSucceeds = opens;
-        m_scripts.outcomes[item] = {true, std::nullopt, QStringLiteral("exit status 3"), {}, {}, {}};
+        m_scripts.outcomes[item] = { true, std::nullopt, QStringLiteral("exit status 3"), {}, {}, {} };
         start();
-        m_controller->editor().add({item}, Test::at(30));
+        m_controller->editor().add({ item }, Test::at(30));
         m_controller->schedule().startStopButtonClicked();
         m_clock->advance(31'000);
         const QModelIndex check = m_controller->fileListWindow()->model()->index(0, ItemTableModel::CheckColumn);
@@ -275,7 +282,7 @@ private Q_SLOTS:
     {
         if (QSystemTrayIcon::isSystemTrayAvailable())
             QSKIP("This session has a system tray.");
-        m_controller = std::make_unique<QuillonController>(Platform{*m_clock, *m_power, m_workspace, m_scripts});
+        m_controller = std::make_unique<QuillonController>(Platform { *m_clock, *m_power, m_workspace, m_scripts });
         m_controller->awakeFromNib();
         m_controller->startHidden();
         MainWindow *window = m_controller->fileListWindow();
@@ -321,7 +328,7 @@ private Q_SLOTS:
         alert->close();
         m_controller->showPreferences();
         window->dateTimeClicked();
-        for (QWidget *own : {static_cast<QWidget *>(window->findChild<PreferencesDialog *>()), window->calendarClockWindow()}) {
+        for (QWidget *own : { static_cast<QWidget *>(window->findChild<PreferencesDialog *>()), window->calendarClockWindow() }) {
             QVERIFY(QTest::qWaitForWindowExposed(own));
             QCOMPARE(own->windowHandle()->transientParent(), window->windowHandle());
             QVERIFY(!(own->windowFlags() & Qt::WindowStaysOnTopHint));
@@ -333,8 +340,8 @@ private Q_SLOTS:
     {
         start();
         MainWindow *window = m_controller->fileListWindow();
-        window->addChosenPaths({QStringLiteral("/docs/a.txt")});
-        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+        window->addChosenPaths({ QStringLiteral("/docs/a.txt") });
+        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
         QTest::mouseClick(window->stopStartButton(), Qt::LeftButton);
         const QModelIndex file = window->model()->index(0, ItemTableModel::FileColumn);
         QCOMPARE(file.data().toString(), QStringLiteral("1 hr 2 mins 5 secs "));
@@ -393,8 +400,8 @@ private Q_SLOTS:
         const QString item = m_config->filePath(QStringLiteral("item.txt"));
         QVERIFY(Test::writeFile(item));
         start();
-        m_controller->fileListWindow()->addChosenPaths({item});
-        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
+        m_controller->fileListWindow()->addChosenPaths({ item });
+        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
         m_controller->schedule().startStopButtonClicked();
         m_controller->applicationWillTerminate();
         const QVariant savedItems = m_controller->preferences().value(Keys::Items);
@@ -403,11 +410,11 @@ private Q_SLOTS:
         m_controller.reset();
 
         start();
-        QCOMPARE(m_controller->schedule().paths(), QStringList{});
+        QCOMPARE(m_controller->schedule().paths(), QStringList {});
         QCOMPARE(m_controller->fileListWindow()->stopStartButton()->text(), QStringLiteral("Start"));
         const QString conf = m_controller->preferences().fileName();
         const QString before = Test::readFile(conf);
-        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/other")});
+        m_controller->fileListWindow()->addChosenPaths({ QStringLiteral("/other") });
         m_controller->applicationWillTerminate();
         QCOMPARE(Test::readFile(conf), before);
         QVERIFY(QFile::exists(m_controller->preferences().windowStateFileName()));
@@ -419,8 +426,8 @@ private Q_SLOTS:
     void launchAllNowChangesNothingElse()
     {
         start();
-        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/1"), QStringLiteral("/2"), QStringLiteral("/3")});
-        m_controller->schedule().setDate({0, 1, 2}, QDateTime::fromMSecsSinceEpoch(Now + 600'000));
+        m_controller->fileListWindow()->addChosenPaths({ QStringLiteral("/1"), QStringLiteral("/2"), QStringLiteral("/3") });
+        m_controller->schedule().setDate({ 0, 1, 2 }, QDateTime::fromMSecsSinceEpoch(Now + 600'000));
         m_controller->schedule().startStopButtonClicked();
         const auto timers = m_controller->schedule().timers();
         const auto dates = m_controller->schedule().dates();
@@ -432,7 +439,7 @@ private Q_SLOTS:
         QVERIFY(m_workspace.opened.isEmpty());
         question->checkBox()->setChecked(true);
         QTest::mouseClick(question->defaultButton(), Qt::LeftButton);
-        QCOMPARE(m_workspace.opened, (QStringList{"/1", "/2", "/3"}));
+        QCOMPARE(m_workspace.opened, (QStringList { "/1", "/2", "/3" }));
         QVERIFY(window->statusBar()->currentMessage().contains(QLatin1String("3 item")));
         QTest::mouseClick(window->findChild<QPushButton *>(QStringLiteral("launchAllNowButton")), Qt::LeftButton);
         QCOMPARE(m_workspace.opened.size(), 6);
@@ -444,7 +451,7 @@ private Q_SLOTS:
         auto *menu = window->findChild<QMenu *>(QStringLiteral("rowMenu"));
         QVERIFY(menu);
         menu->findChild<QAction *>(QStringLiteral("openNowAction"))->trigger();
-        QCOMPARE(m_workspace.opened, (QStringList{"/1", "/3"}));
+        QCOMPARE(m_workspace.opened, (QStringList { "/1", "/3" }));
         menu->close();
         QCOMPARE(m_controller->schedule().timers(), timers);
         QCOMPARE(m_controller->schedule().dates(), dates);
@@ -457,16 +464,16 @@ private Q_SLOTS:
     void closingTheWindowKeepsTheAppAndSchedule()
     {
         start();
-        m_controller->fileListWindow()->addChosenPaths({QStringLiteral("/1"), QStringLiteral("/2")});
-        m_controller->schedule().setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 3600'000));
-        m_controller->schedule().setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 1800'000));
+        m_controller->fileListWindow()->addChosenPaths({ QStringLiteral("/1"), QStringLiteral("/2") });
+        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3600'000));
+        m_controller->schedule().setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 1800'000));
         m_controller->schedule().startStopButtonClicked();
         m_controller->fileListWindow()->close();
         QVERIFY(m_controller->schedule().timersRunning());
         Q_EMIT m_power->willSleep();
-        QCOMPARE(m_power->wakes, QList<QDateTime>{QDateTime::fromMSecsSinceEpoch(Now + 1800'000 - 15'000)});
+        QCOMPARE(m_power->wakes, QList<QDateTime> { QDateTime::fromMSecsSinceEpoch(Now + 1800'000 - 15'000) });
         m_clock->advance(1800'000);
-        QCOMPARE(m_workspace.opened, QStringList{"/2"});
+        QCOMPARE(m_workspace.opened, QStringList { "/2" });
     }
 
     // "Send Test Message" says next to the button what became of it, for the settings the window
@@ -494,8 +501,8 @@ private Q_SLOTS:
         if (serverUp)
             QVERIFY(server.start(certs, {}));
         start();
-        m_controller->preferences().setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
-                                               {Keys::ServerPort, serverUp ? server.port : closedPort}});
+        m_controller->preferences().setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") },
+            { Keys::ServerAddress, QStringLiteral("127.0.0.1") }, { Keys::ServerPort, serverUp ? server.port : closedPort } });
         m_controller->showPreferences();
         auto *dialog = m_controller->fileListWindow()->findChild<PreferencesDialog *>();
         QVERIFY(dialog);
@@ -515,7 +522,7 @@ private Q_SLOTS:
 private:
     void start()
     {
-        m_controller = std::make_unique<QuillonController>(Platform{*m_clock, *m_power, m_workspace, m_scripts});
+        m_controller = std::make_unique<QuillonController>(Platform { *m_clock, *m_power, m_workspace, m_scripts });
         m_controller->awakeFromNib();
         m_controller->applicationWillFinishLaunching();
     }

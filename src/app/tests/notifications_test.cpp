@@ -35,9 +35,9 @@ struct Notifier
 {
     TestSettings settings;
     Preferences preferences;
-    FakeClock clock{Test::Now};
-    DesktopNotifications notifications{QDBusConnection::sessionBus()};
-    ProblemNotifier notifier{notifications, preferences, clock};
+    FakeClock clock { Test::Now };
+    DesktopNotifications notifications { QDBusConnection::sessionBus() };
+    ProblemNotifier notifier { notifications, preferences, clock };
 };
 
 // What dbusmock's notification daemon is told on a private session bus, and an action sent back.
@@ -57,20 +57,20 @@ private Q_SLOTS:
         Notifier n;
         QTRY_VERIFY(n.notifications.supportsActions());
 
-        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/a <1>.txt"), Test::at(-60), Kind::Missed, QStringLiteral("the computer was asleep")});
-        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/b.txt"), Test::at(-30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/home/ann/a <1>.txt"), Test::at(-60), Kind::Missed, QStringLiteral("the computer was asleep") });
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/home/ann/b.txt"), Test::at(-30), Kind::Missed, QStringLiteral("the computer was asleep") });
         QTRY_COMPARE(calls().size(), 2);
         const QList<Notify> first = calls();
         QCOMPARE(first.at(0).replaces, 0u);
         QCOMPARE(first.at(1).replaces, 1u); // the server's id for the first: updated, not a second one
         QCOMPARE(first.at(1).summary, QStringLiteral("2 items were missed while the computer slept"));
         QCOMPARE(first.at(1).body, QStringLiteral("a <1>.txt\nb.txt")); // no markup capability: as it is
-        QCOMPARE(first.at(1).actions, (QStringList{"open-missed", "Open Now", "show-history", "Show History"}));
+        QCOMPARE(first.at(1).actions, (QStringList { "open-missed", "Open Now", "show-history", "Show History" }));
         QCOMPARE(first.at(1).desktopEntry, QStringLiteral("org.quillon.Quillon"));
 
         // A minute later it is news of its own.
         n.clock.advance(61'000);
-        n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/c.txt"), Test::at(30), Kind::Missed, QStringLiteral("the computer was asleep")});
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/home/ann/c.txt"), Test::at(30), Kind::Missed, QStringLiteral("the computer was asleep") });
         QTRY_COMPARE(calls().size(), 3);
         QCOMPARE(calls().at(2).replaces, 0u);
         QCOMPARE(calls().at(2).summary, QStringLiteral("1 item was missed while the computer slept"));
@@ -85,17 +85,17 @@ private Q_SLOTS:
             return !openNow.isEmpty();
         };
         QTRY_VERIFY(clickOpenNow());
-        QCOMPARE(openNow.at(0).at(0).toStringList(), QStringList{QStringLiteral("/home/ann/c.txt")});
+        QCOMPARE(openNow.at(0).at(0).toStringList(), QStringList { QStringLiteral("/home/ann/c.txt") });
         QVERIFY(history.isEmpty());
         emitAction(2, QStringLiteral("show-history"));
         QTRY_COMPARE(history.size(), 1);
 
         // Launches only when asked for; problems not when turned off.
-        n.notifier.notice({n.clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/x"), Test::at(30), Kind::Opened, QStringLiteral("document") });
         n.preferences.setValue(Keys::NotifyProblems, false);
-        n.notifier.notice({n.clock.now(), QStringLiteral("/y"), Test::at(30), Kind::OpenFailed, QStringLiteral("gone")});
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/y"), Test::at(30), Kind::OpenFailed, QStringLiteral("gone") });
         n.preferences.setValue(Keys::NotifyEveryLaunch, true);
-        n.notifier.notice({n.clock.now(), QStringLiteral("/z"), Test::at(30), Kind::Opened, QStringLiteral("document")});
+        n.notifier.notice({ n.clock.now(), QStringLiteral("/z"), Test::at(30), Kind::Opened, QStringLiteral("document") });
         QTRY_COMPARE(calls().size(), 4);
         QTest::qWait(200);
         QCOMPARE(calls().size(), 4);
@@ -142,7 +142,7 @@ private Q_SLOTS:
         Notifier n;
         QTRY_VERIFY(n.notifications.supportsActions());
         const auto record = [&](const char *name, Kind kind, const QString &detail) {
-            n.notifier.notice({n.clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail});
+            n.notifier.notice({ n.clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail });
         };
         record("a.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
         record("b.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
@@ -159,13 +159,13 @@ private Q_SLOTS:
         record("a.txt", Kind::OpenedLate, QStringLiteral("document, 10 min late"));
         QTRY_COMPARE(calls().size(), 4);
         QCOMPARE(last(QStringLiteral("1 item was missed while Quillon was not running")).body, QStringLiteral("b.txt")); // Open Now for b only
-        QCOMPARE(last(QStringLiteral("1 missed item was opened late")).actions, (QStringList{"show-history", "Show History"}));
+        QCOMPARE(last(QStringLiteral("1 missed item was opened late")).actions, (QStringList { "show-history", "Show History" }));
         record("b.txt", Kind::OpenedLate, QStringLiteral("document, 10 min late"));
         QTRY_COMPARE(calls().size(), 5);
         QCOMPARE(calls().at(4).summary, QStringLiteral("2 missed items were opened late"));
-        QTRY_COMPARE(closed(), QList<uint>{1}); // the missed notice, with its Open Now, is gone
+        QTRY_COMPARE(closed(), QList<uint> { 1 }); // the missed notice, with its Open Now, is gone
 
-        for (const char *name : {"backup.scpt", "sync.scpt", "mail.scpt"})
+        for (const char *name : { "backup.scpt", "sync.scpt", "mail.scpt" })
             record(name, Kind::ScriptFailed, QStringLiteral("exit status %1").arg(qstrlen(name)));
         // Updated in place as they come: the last word names all three.
         QTRY_COMPARE(calls().constLast().summary, QStringLiteral("3 scripts failed"));
@@ -218,16 +218,17 @@ private:
     }
     void emitAction(uint id, const QString &key)
     {
-        m_mock->control(Path, QStringLiteral("EmitSignal"), {Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList{id, key})});
+        m_mock->control(Path, QStringLiteral("EmitSignal"),
+            { Service, QStringLiteral("ActionInvoked"), QStringLiteral("us"), QVariant::fromValue(QVariantList { id, key }) });
     }
 
     bool startServer(const char *capabilities)
     {
         m_mock.reset(); // its name goes with it
         m_mock = std::make_unique<Test::DBusMock>();
-        return m_mock->start({QStringLiteral("--template"), QStringLiteral("notification_daemon"), QStringLiteral("-p"),
-                              QStringLiteral("{\"capabilities\": \"%1\"}").arg(QLatin1String(capabilities))},
-                             Service);
+        return m_mock->start({ QStringLiteral("--template"), QStringLiteral("notification_daemon"), QStringLiteral("-p"),
+                                 QStringLiteral("{\"capabilities\": \"%1\"}").arg(QLatin1String(capabilities)) },
+            Service);
     }
 
     Test::PrivateBus m_bus;

@@ -27,9 +27,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("said");
         const QByteArray plain = "Another start asked for the window.";
         const QByteArray withToken = "Another start asked for the window, with an activation token.";
-        QTest::newRow("private runtime folder") << "runtime" << "runtime" << QByteArray("kwin-8c1e_4f:20") << withToken;
-        QTest::newRow("runtime folder open to all") << "shared" << "config/Quillon" << QByteArray() << plain;
-        QTest::newRow("runtime folder unset") << "" << "config/Quillon" << QByteArray("two words") << plain;
+        QTest::newRow("private runtime folder") << "runtime"
+                                                << "runtime" << QByteArray("kwin-8c1e_4f:20") << withToken;
+        QTest::newRow("runtime folder open to all") << "shared"
+                                                    << "config/Quillon" << QByteArray() << plain;
+        QTest::newRow("runtime folder unset") << ""
+                                              << "config/Quillon" << QByteArray("two words") << plain;
     }
     void secondStartHandsOverAndLeavesTheSettingsAlone()
     {
@@ -43,7 +46,7 @@ private Q_SLOTS:
         QProcess first;
         start(first, session, runtime, QStringLiteral("wayland-1"));
         const QString lock = session.filePath(lockFolder);
-        QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({QStringLiteral("quillon-*.socket")}, QDir::System).isEmpty(), 10'000);
+        QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({ QStringLiteral("quillon-*.socket") }, QDir::System).isEmpty(), 10'000);
         // The first start may still be writing its files on a busy machine: wait until they settle.
         const auto settings = [&] { return QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files); };
         QStringList settingsBefore;
@@ -65,11 +68,14 @@ private Q_SLOTS:
     // settings folder, with another private runtime folder, or with none.
     void oneInstancePerSettingsFile_data()
     {
-        QTest::addColumn<QString>("config");  // the second start's XDG_CONFIG_HOME
+        QTest::addColumn<QString>("config"); // the second start's XDG_CONFIG_HOME
         QTest::addColumn<QString>("runtime"); // and its XDG_RUNTIME_DIR; empty: unset
-        QTest::newRow("settings through a link, another runtime folder") << "link" << "runtime2";
-        QTest::newRow("another private runtime folder") << "config" << "runtime2";
-        QTest::newRow("no runtime folder") << "config" << "";
+        QTest::newRow("settings through a link, another runtime folder") << "link"
+                                                                         << "runtime2";
+        QTest::newRow("another private runtime folder") << "config"
+                                                        << "runtime2";
+        QTest::newRow("no runtime folder") << "config"
+                                           << "";
     }
     void oneInstancePerSettingsFile()
     {
@@ -103,7 +109,7 @@ private Q_SLOTS:
         QTemporaryDir session;
         QProcess killed;
         start(killed, session);
-        const auto locks = [&session] { return QDir(session.filePath(QStringLiteral("runtime"))).entryList({QStringLiteral("quillon-*.lock")}); };
+        const auto locks = [&session] { return QDir(session.filePath(QStringLiteral("runtime"))).entryList({ QStringLiteral("quillon-*.lock") }); };
         QTRY_VERIFY_WITH_TIMEOUT(!locks().isEmpty(), 10'000);
         killed.kill();
         QVERIFY(killed.waitForFinished(5000));
@@ -157,16 +163,22 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("output");
         QTest::addColumn<QString>("language");
-        QTest::newRow("--version") << QStringList{"--version"} << false << 0 << "quillon " QUILLON_VERSION "\n" << "C";
-        QTest::newRow("--help") << QStringList{"--help"} << false << 0 << "Usage: quillon [options]\nQuillon opens files" << "C";
-        QTest::newRow("--help in German, Qt's own lines too") << QStringList{"--help"} << false << 0
-                                                             << "Aufruf: quillon [Optionen]\nQuillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.\n\n"
-                                                                "Optionen:\n  -h, --help     Zeigt"
-                                                             << "de_DE.UTF-8";
-        QTest::newRow("unknown option") << QStringList{"--frobnicate"} << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n" << "C";
-        QTest::newRow("stray argument") << QStringList{"file.txt"} << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n" << "C";
-        QTest::newRow("no display") << QStringList{} << false << 1
-                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n" << "C";
+        QTest::newRow("--version") << QStringList { "--version" } << false << 0 << "quillon " QUILLON_VERSION "\n"
+                                   << "C";
+        QTest::newRow("--help") << QStringList { "--help" } << false << 0 << "Usage: quillon [options]\nQuillon opens files"
+                                << "C";
+        QTest::newRow("--help in German, Qt's own lines too")
+            << QStringList { "--help" } << false << 0
+            << "Aufruf: quillon [Optionen]\nQuillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.\n\n"
+               "Optionen:\n  -h, --help     Zeigt"
+            << "de_DE.UTF-8";
+        QTest::newRow("unknown option") << QStringList { "--frobnicate" } << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n"
+                                        << "C";
+        QTest::newRow("stray argument") << QStringList { "file.txt" } << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n"
+                                        << "C";
+        QTest::newRow("no display") << QStringList {} << false << 1
+                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n"
+                                    << "C";
     }
     void commandLine()
     {
@@ -188,7 +200,7 @@ private Q_SLOTS:
         const QString printed = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
         QVERIFY2(printed.startsWith(output), qPrintable(printed));
         // Nothing written: no settings, no lock.
-        QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList{QStringLiteral("runtime")});
+        QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList { QStringLiteral("runtime") });
         QVERIFY(QDir(session.filePath(QStringLiteral("runtime"))).isEmpty());
     }
 
@@ -217,7 +229,7 @@ private Q_SLOTS:
 
         QProcess app;
         start(app, home);
-        pollfd opened{watch, POLLIN, 0};
+        pollfd opened { watch, POLLIN, 0 };
         QCOMPARE(::poll(&opened, 1, 10'000), 1);
         if (!duringStartUp)
             QTest::qWait(1500);
@@ -245,23 +257,28 @@ private Q_SLOTS:
         QFETCH(bool, refuse);
         QTemporaryDir home;
         MailTest::Server server;
-        QVERIFY(server.start(home, refuse ? QStringList{QStringLiteral("--refuse")} : QStringList{}));
+        QVERIFY(server.start(home, refuse ? QStringList { QStringLiteral("--refuse") } : QStringList {}));
         const QString script = home.filePath(QStringLiteral("slow.scpt"));
-        QVERIFY(Test::writeFile(script, "#!/bin/sh\nsleep 2\nprintf 'Gr\xc3\xbc\xc3\x9f" "e aus K\xc3\xb6ln\\000!'\n"));
+        QVERIFY(Test::writeFile(script,
+            "#!/bin/sh\nsleep 2\nprintf 'Gr\xc3\xbc\xc3\x9f"
+            "e aus K\xc3\xb6ln\\000!'\n"));
         const QString item = home.filePath(QStringLiteral("R\u00e9sum\u00e9 100%.txt"));
         QVERIFY(Test::writeFile(item));
         const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
         const QDateTime now = QDateTime::currentDateTimeUtc();
         const QByteArray dates = now.addSecs(2).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(3).toString(Qt::ISODate).toUtf8();
-        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + script.toUtf8() + ", " + item.toUtf8() + "\nDates=" + dates
-                    + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\nemailAppleScriptResults=true\n"
-                    "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort=" + QByteArray::number(server.port) + "\n"));
+        QVERIFY(Test::writeFile(conf,
+            "[General]\nItems=" + script.toUtf8() + ", " + item.toUtf8() + "\nDates=" + dates
+                + "\nTimersRunning=true\nquitWhenDone=true\nsendEmail=true\nemailAppleScriptResults=true\n"
+                  "recipientEmail=ann@example.org\nserverAddress=127.0.0.1\nserverPort="
+                + QByteArray::number(server.port) + "\n"));
         QProcess app;
         start(app, home);
         QVERIFY(Test::endsCleanly(app, 0, 40'000));
         const QString log = QString::fromUtf8(app.readAllStandardError());
         QVERIFY2(!log.contains(QLatin1String("ended before it finished")) && !log.contains(QLatin1String("not started"))
-                     && !log.contains(QLatin1String("did not finish in time")), qPrintable(log));
+                && !log.contains(QLatin1String("did not finish in time")),
+            qPrintable(log));
         if (refuse) {
             QVERIFY2(log.contains(QLatin1String("Message not sent")), qPrintable(log));
         } else {
@@ -289,7 +306,7 @@ private:
         return QString::fromLatin1(QCryptographicHash::hash(settings, QCryptographicHash::Sha256).toHex().left(16));
     }
     static void start(QProcess &p, const QTemporaryDir &session, const QString &runtime = QStringLiteral("runtime"), const QString &display = {},
-                      const QByteArray &token = {})
+        const QByteArray &token = {})
     {
         QProcessEnvironment env = Test::sessionEnvironment(session);
         if (runtime.isEmpty())

@@ -11,8 +11,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSignalSpy>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <csignal>
@@ -37,7 +37,7 @@ private Q_SLOTS:
         QVERIFY(m_daemon.start());
         m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_daemon.address(), QStringLiteral("test")));
         QVERIFY(m_bus->isConnected());
-        for (const char *name : {"a.txt", "Grüße/c.txt", "forged\n2  row.txt"})
+        for (const char *name : { "a.txt", "Grüße/c.txt", "forged\n2  row.txt" })
             QVERIFY(Test::writeFile(m_home.filePath(QString::fromUtf8(name)), "x"));
         // A program by its content: launched, it leaves its mark.
         QVERIFY(Test::writeFile(file("b.txt"), "#!/bin/sh\ntouch '" + file("launched").toUtf8() + "'\n", true));
@@ -47,25 +47,25 @@ private Q_SLOTS:
     // Without an instance list reads the saved list; two adds at once start one instance and lose no row.
     void commandLineStartsTheInstance()
     {
-        QCOMPARE(cli({QStringLiteral("list")}).first, 0);
-        QCOMPARE(cli({QStringLiteral("stop")}).first, 1); // nothing to stop: none runs
+        QCOMPARE(cli({ QStringLiteral("list") }).first, 0);
+        QCOMPARE(cli({ QStringLiteral("stop") }).first, 1); // nothing to stop: none runs
         QProcess first, second;
-        for (QProcess *p : {&first, &second})
-            startCli(*p, {QStringLiteral("add"), file(p == &first ? "a.txt" : "b.txt"), QStringLiteral("--at"), QStringLiteral("+1h")});
-        for (QProcess *p : {&first, &second}) {
+        for (QProcess *p : { &first, &second })
+            startCli(*p, { QStringLiteral("add"), file(p == &first ? "a.txt" : "b.txt"), QStringLiteral("--at"), QStringLiteral("+1h") });
+        for (QProcess *p : { &first, &second }) {
             QVERIFY(p->waitForFinished(30'000));
             QCOMPARE(p->exitCode(), 0);
         }
         const ListedItems items = list();
         QCOMPARE(items.size(), 2);
-        QStringList paths{items.at(0).path, items.at(1).path};
+        QStringList paths { items.at(0).path, items.at(1).path };
         paths.sort();
-        QCOMPARE(paths, (QStringList{file("a.txt"), file("b.txt")}));
-        QCOMPARE(cli({QStringLiteral("launch-all")}).first, 0);
+        QCOMPARE(paths, (QStringList { file("a.txt"), file("b.txt") }));
+        QCOMPARE(cli({ QStringLiteral("launch-all") }).first, 0);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(file("launched")), 10'000);
         // Saved at quit; then read back without an instance, read-only.
         stopInstance();
-        const auto [code, out] = cli({QStringLiteral("list"), QStringLiteral("--json")});
+        const auto [code, out] = cli({ QStringLiteral("list"), QStringLiteral("--json") });
         QCOMPARE(code, 0);
         const QJsonArray json = QJsonDocument::fromJson(out).array();
         QCOMPARE(json.size(), 2);
@@ -81,22 +81,42 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("says");
         QTest::addColumn<QString>("language"); // LC_ALL of the command
-        QTest::newRow("add, no time") << QStringList{QStringLiteral("add"), file("a.txt")} << 2 << "--at" << "C";
-        QTest::newRow("add, unreadable time") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("soon")} << 2 << "soon" << "C";
-        QTest::newRow("add, missing file") << QStringList{QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m")} << 1 << "No such file" << "C";
-        QTest::newRow("remove, no such row") << QStringList{QStringLiteral("remove"), QStringLiteral("9")} << 1 << "no row 9" << "C";
-        QTest::newRow("remove, not a row") << QStringList{QStringLiteral("remove"), QStringLiteral("0")} << 2 << "from 1" << "C";
-        QTest::newRow("add, non-ASCII folder") << QStringList{QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 07:00")} << 0 << "1" << "C";
+        QTest::newRow("add, no time") << QStringList { QStringLiteral("add"), file("a.txt") } << 2 << "--at"
+                                      << "C";
+        QTest::newRow("add, unreadable time") << QStringList { QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("soon") } << 2
+                                              << "soon"
+                                              << "C";
+        QTest::newRow("add, missing file") << QStringList { QStringLiteral("add"), file("nope"), QStringLiteral("--at"), QStringLiteral("+1m") } << 1
+                                           << "No such file"
+                                           << "C";
+        QTest::newRow("remove, no such row") << QStringList { QStringLiteral("remove"), QStringLiteral("9") } << 1 << "no row 9"
+                                             << "C";
+        QTest::newRow("remove, not a row") << QStringList { QStringLiteral("remove"), QStringLiteral("0") } << 2 << "from 1"
+                                           << "C";
+        QTest::newRow("add, non-ASCII folder") << QStringList { QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"),
+            QStringLiteral("tomorrow 07:00") } << 0
+                                               << "1"
+                                               << "C";
         // What the command line says is what happened: a stopped schedule opens nothing.
-        const QStringList inAnHour{QStringLiteral("--at"), QStringLiteral("+1h")};
-        QTest::newRow("stop") << QStringList{QStringLiteral("stop")} << 0 << "" << "C";
-        QTest::newRow("add into a stopped schedule says so") << QStringList{QStringLiteral("add"), file("a.txt")} + inAnHour << 0 << "The schedule is stopped" << "C";
-        QTest::newRow("list of a stopped schedule counts nothing down") << QStringList{QStringLiteral("list")} << 0 << "not armed" << "C";
-        QTest::newRow("add --start starts it") << QStringList{QStringLiteral("add"), file("a.txt"), QStringLiteral("--start")} + inAnHour << 0 << "1 item added" << "C";
-        QTest::newRow("list of a running schedule") << QStringList{QStringLiteral("list")} << 0 << "The schedule runs." << "C";
-        QTest::newRow("a name that would forge a row") << QStringList{QStringLiteral("add"), file("forged\n2  row.txt")} + inAnHour << 0 << "1 item added" << "C";
-        QTest::newRow("list counts down in the user's language") << QStringList{QStringLiteral("list")} << 0 << " Min. " << "de_DE.UTF-8";
-        QTest::newRow("list writes it escaped") << QStringList{QStringLiteral("list")} << 0 << "forged\\n2  row.txt" << "C";
+        const QStringList inAnHour { QStringLiteral("--at"), QStringLiteral("+1h") };
+        QTest::newRow("stop") << QStringList { QStringLiteral("stop") } << 0 << ""
+                              << "C";
+        QTest::newRow("add into a stopped schedule says so")
+            << QStringList { QStringLiteral("add"), file("a.txt") } + inAnHour << 0 << "The schedule is stopped"
+            << "C";
+        QTest::newRow("list of a stopped schedule counts nothing down") << QStringList { QStringLiteral("list") } << 0 << "not armed"
+                                                                        << "C";
+        QTest::newRow("add --start starts it") << QStringList { QStringLiteral("add"), file("a.txt"), QStringLiteral("--start") } + inAnHour << 0
+                                               << "1 item added"
+                                               << "C";
+        QTest::newRow("list of a running schedule") << QStringList { QStringLiteral("list") } << 0 << "The schedule runs."
+                                                    << "C";
+        QTest::newRow("a name that would forge a row") << QStringList { QStringLiteral("add"), file("forged\n2  row.txt") } + inAnHour << 0 << "1 item added"
+                                                       << "C";
+        QTest::newRow("list counts down in the user's language") << QStringList { QStringLiteral("list") } << 0 << " Min. "
+                                                                 << "de_DE.UTF-8";
+        QTest::newRow("list writes it escaped") << QStringList { QStringLiteral("list") } << 0 << "forged\\n2  row.txt"
+                                                << "C";
     }
     void commandLineExitCodes()
     {
@@ -114,21 +134,21 @@ private Q_SLOTS:
     void methodsPropertyAndSignal()
     {
         ensureInstance();
-        QDBusInterface quillon(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                               QLatin1String(ScriptingService::InterfaceName), *m_bus);
+        QDBusInterface quillon(
+            QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), *m_bus);
         QVERIFY(quillon.call(QStringLiteral("Stop")).type() == QDBusMessage::ReplyMessage);
         const int before = int(list().size());
         const qint64 soon = QDateTime::currentSecsSinceEpoch() + 2;
-        QDBusReply<int> added = quillon.call(QStringLiteral("Add"), QStringList{file("a.txt"), file("b.txt")}, soon);
+        QDBusReply<int> added = quillon.call(QStringLiteral("Add"), QStringList { file("a.txt"), file("b.txt") }, soon);
         QCOMPARE(added.value(), 2);
-        QCOMPARE(quillon.call(QStringLiteral("SetDate"), QVariant::fromValue(QList<int>{before + 1}), soon + 3600).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(quillon.call(QStringLiteral("SetDate"), QVariant::fromValue(QList<int> { before + 1 }), soon + 3600).type(), QDBusMessage::ReplyMessage);
         ListedItems items = list();
         QCOMPARE(items.at(before).date, soon);
         QCOMPARE(items.at(before + 1).date, soon + 3600);
 
         QDBusInterface properties(quillon.service(), quillon.path(), QStringLiteral("org.freedesktop.DBus.Properties"), *m_bus);
-        QSignalSpy launched(&quillon, SIGNAL(Launched(QString,qlonglong)));
-        QSignalSpy changed(&properties, SIGNAL(PropertiesChanged(QString,QVariantMap,QStringList)));
+        QSignalSpy launched(&quillon, SIGNAL(Launched(QString, qlonglong)));
+        QSignalSpy changed(&properties, SIGNAL(PropertiesChanged(QString, QVariantMap, QStringList)));
         QVERIFY(launched.isValid() && changed.isValid());
         QCOMPARE(quillon.call(QStringLiteral("Start")).type(), QDBusMessage::ReplyMessage);
         QVERIFY(quillon.property("Running").toBool());
@@ -140,7 +160,7 @@ private Q_SLOTS:
         QTRY_COMPARE(changed.size(), 2);
         QCOMPARE(changed.at(0).at(1).toMap().value(QStringLiteral("Running")).toBool(), true);
         QCOMPARE(changed.at(1).at(1).toMap().value(QStringLiteral("Running")).toBool(), false);
-        QCOMPARE(quillon.call(QStringLiteral("Remove"), QVariant::fromValue(QList<int>{before, before + 1})).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(quillon.call(QStringLiteral("Remove"), QVariant::fromValue(QList<int> { before, before + 1 })).type(), QDBusMessage::ReplyMessage);
         QCOMPARE(list().size(), before);
     }
 
@@ -151,14 +171,14 @@ private Q_SLOTS:
         QTest::addColumn<QVariantList>("arguments");
         QTest::addColumn<QString>("message");
         const qint64 later = QDateTime::currentSecsSinceEpoch() + 3600;
-        QTest::newRow("missing file") << "Add" << QVariantList{QStringList{file("a.txt"), file("gone.txt")}, later} << "No such file or folder";
-        QTest::newRow("relative path") << "Add" << QVariantList{QStringList{QStringLiteral("a.txt")}, later} << "Not an absolute path";
-        QTest::newRow("no paths") << "Add" << QVariantList{QStringList{}, later} << "at least one path";
-        QTest::newRow("date too late") << "Add" << QVariantList{QStringList{file("a.txt")}, Q_INT64_C(253402300800)} << "out of range";
-        QTest::newRow("negative date") << "SetDate" << QVariantList{QVariant::fromValue(QList<int>{0}), Q_INT64_C(-1)} << "out of range";
-        QTest::newRow("row out of range") << "Remove" << QVariantList{QVariant::fromValue(QList<int>{0, 99})} << "out of range";
-        QTest::newRow("no rows") << "SetDate" << QVariantList{QVariant::fromValue(QList<int>{}), later} << "at least one row";
-        QTest::newRow("wrong types") << "Add" << QVariantList{QStringLiteral("/tmp"), later} << "";
+        QTest::newRow("missing file") << "Add" << QVariantList { QStringList { file("a.txt"), file("gone.txt") }, later } << "No such file or folder";
+        QTest::newRow("relative path") << "Add" << QVariantList { QStringList { QStringLiteral("a.txt") }, later } << "Not an absolute path";
+        QTest::newRow("no paths") << "Add" << QVariantList { QStringList {}, later } << "at least one path";
+        QTest::newRow("date too late") << "Add" << QVariantList { QStringList { file("a.txt") }, Q_INT64_C(253402300800) } << "out of range";
+        QTest::newRow("negative date") << "SetDate" << QVariantList { QVariant::fromValue(QList<int> { 0 }), Q_INT64_C(-1) } << "out of range";
+        QTest::newRow("row out of range") << "Remove" << QVariantList { QVariant::fromValue(QList<int> { 0, 99 }) } << "out of range";
+        QTest::newRow("no rows") << "SetDate" << QVariantList { QVariant::fromValue(QList<int> {}), later } << "at least one row";
+        QTest::newRow("wrong types") << "Add" << QVariantList { QStringLiteral("/tmp"), later } << "";
     }
     void badCallsChangeNothing()
     {
@@ -168,8 +188,8 @@ private Q_SLOTS:
         ensureInstance();
         const ListedItems before = list();
         QVERIFY(!before.isEmpty());
-        QDBusMessage call = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                                           QLatin1String(ScriptingService::InterfaceName), method);
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), method);
         call.setArguments(arguments);
         const QDBusMessage reply = m_bus->call(call);
         QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
@@ -192,9 +212,9 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(file("late.sh"), "#!/bin/sh\ntouch '" + late.toUtf8() + "'\n", true));
         const QDateTime now = QDateTime::currentDateTimeUtc();
         const QString conf = file("config/Quillon/Quillon.conf");
-        QVERIFY(Test::writeFile(conf, "[General]\nItems=" + script.toUtf8() + ", " + file("late.sh").toUtf8() + "\nDates="
-                    + now.addSecs(3).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(8).toString(Qt::ISODate).toUtf8()
-                    + "\nTimersRunning=true\nscriptTimeLimitSeconds=6\n"));
+        QVERIFY(Test::writeFile(conf,
+            "[General]\nItems=" + script.toUtf8() + ", " + file("late.sh").toUtf8() + "\nDates=" + now.addSecs(3).toString(Qt::ISODate).toUtf8() + ", "
+                + now.addSecs(8).toString(Qt::ISODate).toUtf8() + "\nTimersRunning=true\nscriptTimeLimitSeconds=6\n"));
         QProcess app;
         startCli(app, {});
         QTRY_VERIFY_WITH_TIMEOUT(readFile(pidFile).endsWith(QLatin1Char('\n')), 15'000);
@@ -202,13 +222,14 @@ private Q_SLOTS:
         QTest::qWait(3000);
         ::kill(pid_t(app.processId()), SIGTERM);
         QTest::qWait(300);
-        QDBusInterface quillon(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                               QLatin1String(ScriptingService::InterfaceName), *m_bus);
-        for (const auto &[method, arguments] : std::initializer_list<std::pair<QString, QVariantList>>{
-                 {QStringLiteral("Stop"), {}}, {QStringLiteral("Add"), {QStringList{file("a.txt")}, now.addSecs(60).toSecsSinceEpoch()}},
-                 {QStringLiteral("Remove"), {QVariant::fromValue(QList<int>{0})}}}) {
+        QDBusInterface quillon(
+            QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), *m_bus);
+        for (const auto &[method, arguments] : std::initializer_list<std::pair<QString, QVariantList>> { { QStringLiteral("Stop"), {} },
+                 { QStringLiteral("Add"), { QStringList { file("a.txt") }, now.addSecs(60).toSecsSinceEpoch() } },
+                 { QStringLiteral("Remove"), { QVariant::fromValue(QList<int> { 0 }) } } }) {
             const QDBusMessage reply = quillon.callWithArgumentList(QDBus::Block, method, arguments);
-            QCOMPARE(reply.errorName() + QLatin1Char(' ') + reply.errorMessage(), QStringLiteral("%1 Quillon is quitting").arg(QLatin1String(ScriptingService::QuittingError)));
+            QCOMPARE(reply.errorName() + QLatin1Char(' ') + reply.errorMessage(),
+                QStringLiteral("%1 Quillon is quitting").arg(QLatin1String(ScriptingService::QuittingError)));
         }
         QVERIFY(app.waitForFinished(20'000));
         QCOMPARE(app.exitStatus(), QProcess::NormalExit);
@@ -225,7 +246,7 @@ private Q_SLOTS:
     {
         ensureInstance();
         QDBusInterface introspectable(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                      QStringLiteral("org.freedesktop.DBus.Introspectable"), *m_bus);
+            QStringLiteral("org.freedesktop.DBus.Introspectable"), *m_bus);
         const QDBusReply<QString> live = introspectable.call(QStringLiteral("Introspect"));
         QFile installed(QStringLiteral(INTERFACE_XML));
         QVERIFY(installed.open(QIODevice::ReadOnly));
@@ -284,12 +305,15 @@ private:
         QStringList out;
         const QString name = QStringLiteral("name"), arg = QStringLiteral("arg");
         for (QDomElement i = doc.documentElement().firstChildElement(); !i.isNull(); i = i.nextSiblingElement()) {
-            for (QDomElement m = i.firstChildElement(); !m.isNull() && i.attribute(name) == QLatin1String(ScriptingService::InterfaceName); m = m.nextSiblingElement()) {
+            for (QDomElement m = i.firstChildElement(); !m.isNull() && i.attribute(name) == QLatin1String(ScriptingService::InterfaceName);
+                 m = m.nextSiblingElement()) {
                 QStringList args[2]; // in, out
                 for (QDomElement a = m.firstChildElement(arg); !a.isNull(); a = a.nextSiblingElement(arg))
-                    args[a.attribute(QStringLiteral("direction")) == QLatin1String("out") && m.tagName() != QLatin1String("signal")] << a.attribute(QStringLiteral("type"));
-                out << QStringLiteral("%1 %2%3(%4)->(%5)").arg(m.tagName(), m.attribute(name), m.attribute(QStringLiteral("type")), args[0].join(QLatin1Char(',')),
-                                                               args[1].join(QLatin1Char(',')));
+                    args[a.attribute(QStringLiteral("direction")) == QLatin1String("out") && m.tagName() != QLatin1String("signal")]
+                        << a.attribute(QStringLiteral("type"));
+                out << QStringLiteral("%1 %2%3(%4)->(%5)")
+                           .arg(m.tagName(), m.attribute(name), m.attribute(QStringLiteral("type")), args[0].join(QLatin1Char(',')),
+                               args[1].join(QLatin1Char(',')));
             }
         }
         out.sort();
@@ -310,15 +334,15 @@ private:
         QProcess p;
         startCli(p, arguments, language);
         if (!p.waitForFinished(30'000))
-            return {-1, "timed out"};
-        return {p.exitCode(), p.readAll()};
+            return { -1, "timed out" };
+        return { p.exitCode(), p.readAll() };
     }
     // The background instance a command started, or one started here.
     void ensureInstance()
     {
         if (m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)))
             return;
-        cli({QStringLiteral("start")}); // refused for a list with nothing ahead, but started all the same
+        cli({ QStringLiteral("start") }); // refused for a list with nothing ahead, but started all the same
         QTRY_VERIFY_WITH_TIMEOUT(m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)), 20'000);
     }
     void stopInstance()
@@ -333,8 +357,8 @@ private:
     }
     ListedItems list()
     {
-        const QDBusMessage reply = m_bus->call(QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-                                                                              QLatin1String(ScriptingService::InterfaceName), QStringLiteral("List")));
+        const QDBusMessage reply = m_bus->call(QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName),
+            QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), QStringLiteral("List")));
         return qdbus_cast<ListedItems>(reply.arguments().value(0));
     }
 

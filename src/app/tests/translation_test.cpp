@@ -3,20 +3,20 @@
 #include "FakeWorkspace.h"
 #include "MailSettings.h"
 #include "MainWindow.h"
-#include "Schedule.h"
-#include "ScheduleEditor.h"
 #include "Preferences.h"
 #include "PreferencesDialog.h"
+#include "Schedule.h"
+#include "ScheduleEditor.h"
+#include "TestSupport.h"
 #include "Texts.h"
 #include "Translations.h"
-#include "TestSupport.h"
 
 #include <QAbstractButton>
 #include <QLabel>
-#include <QTabWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 
 using namespace Quillon;

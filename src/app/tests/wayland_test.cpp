@@ -41,7 +41,7 @@ private:
     void start(QProcess &p, const QByteArray &activationToken = {})
     {
         QProcessEnvironment env = Test::sessionEnvironment(m_session);
-        for (const char *name : {"XDG_RUNTIME_DIR", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        for (const char *name : { "XDG_RUNTIME_DIR", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM" })
             env.insert(QString::fromLatin1(name), qEnvironmentVariable(name)); // the compositor's, from with_weston.sh
         if (!activationToken.isEmpty())
             env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(activationToken));

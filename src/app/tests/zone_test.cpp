@@ -37,8 +37,7 @@ class ZoneTest : public QObject
 public:
     explicit ZoneTest(bool isolated)
         : m_isolated(isolated)
-    {
-    }
+    { }
 
 private Q_SLOTS:
     void zoneChangeWhileRunning()
@@ -53,17 +52,16 @@ private Q_SLOTS:
         FakePowerService power;
         FakeWorkspace workspace;
         FakeScriptRunner scripts;
-        QuillonController controller(Platform{clock, power, workspace, scripts});
+        QuillonController controller(Platform { clock, power, workspace, scripts });
         TimeZoneWatcher zones;
         connect(&zones, &TimeZoneWatcher::zoneChanged, &controller, &QuillonController::timeZoneChanged);
         controller.awakeFromNib();
         ScheduleEditor &editor = controller.editor();
-        editor.add({home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt"))}, Test::at(30));
-        editor.setDate({1}, Test::at(50));
+        editor.add({ home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }, Test::at(30));
+        editor.setDate({ 1 }, Test::at(50));
         controller.schedule().startStopButtonClicked();
-        const auto shown = [&controller](int row) {
-            return controller.fileListWindow()->model()->index(row, ItemTableModel::LaunchTimeColumn).data().toString();
-        };
+        const auto shown
+            = [&controller](int row) { return controller.fileListWindow()->model()->index(row, ItemTableModel::LaunchTimeColumn).data().toString(); };
         const auto wallTime = [](qint64 offset, const char *zone) {
             // The 12-hour clock of the test's locale, without its AM or PM.
             return Test::at(offset).toTimeZone(QTimeZone(zone)).time().toString(QStringLiteral("h:mm:ss AP")).section(QLatin1Char(' '), 0, 0);
@@ -74,7 +72,7 @@ private Q_SLOTS:
         QTRY_VERIFY2(shown(0).contains(wallTime(30, "Asia/Tokyo")), qPrintable(shown(0)));
         QCOMPARE(controller.schedule().dates().at(0), Test::at(30));
         clock.advance(60'000);
-        QCOMPARE(workspace.opened, (QStringList{home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt"))}));
+        QCOMPARE(workspace.opened, (QStringList { home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }));
     }
 
 private:

@@ -3,10 +3,10 @@
 #include "History.h"
 #include "TestSupport.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 #include <QTimer>
 
@@ -117,11 +117,13 @@ private Q_SLOTS:
                 QTRY_COMPARE_WITH_TIMEOUT(rows(file), rowsAfter, 5000);
             }
         }
-        QCOMPARE(QDir(home.path()).entryList({QStringLiteral("history.sqlite.damaged-*")}, QDir::Files).size(), setAside);
+        QCOMPARE(QDir(home.path()).entryList({ QStringLiteral("history.sqlite.damaged-*") }, QDir::Files).size(), setAside);
         // Said once however often it is tried again, and once more when it works again.
         QVERIFY2(m_log.filter(logged).size() == 1, qPrintable(m_log.join(QLatin1Char('|'))));
         QCOMPARE(m_log.filter(QStringLiteral("can be written again")).size(), int(logged.startsWith(QLatin1String("cannot be written"))));
-        struct stat st{};
+        struct stat st
+        {
+        };
         QCOMPARE(::lstat(name.constData(), &st), 0);
         QCOMPARE(S_ISFIFO(st.st_mode), found == QLatin1String("fifo"));
         QCOMPARE(S_ISDIR(st.st_mode), found == QLatin1String("folder"));

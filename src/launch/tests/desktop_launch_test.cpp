@@ -29,7 +29,7 @@ namespace {
 // Whether a child of ours has ended and was never reaped (looked at, not reaped here).
 bool zombieChild()
 {
-    siginfo_t info{};
+    siginfo_t info {};
     return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0 && info.si_pid != 0;
 }
 } // namespace
@@ -47,11 +47,10 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", data.toUtf8());
         qputenv("XDG_CONFIG_HOME", config.toUtf8());
         qputenv("XDG_DATA_DIRS", "/usr/share");
-        QVERIFY(Test::writeFile(m_home.filePath(QStringLiteral("bin/handler.sh")),
-                  "#!/bin/sh\necho \"handler $1\" >> '" + m_marker.toUtf8() + "'\n", true));
+        QVERIFY(Test::writeFile(m_home.filePath(QStringLiteral("bin/handler.sh")), "#!/bin/sh\necho \"handler $1\" >> '" + m_marker.toUtf8() + "'\n", true));
         QVERIFY(Test::writeFile(data + QStringLiteral("/applications/quillon-test-handler.desktop"),
-                  "[Desktop Entry]\nType=Application\nName=Test Handler\nMimeType=text/plain;\nExec=" +
-                      m_home.filePath(QStringLiteral("bin/handler.sh")).toUtf8() + " %f\n"));
+            "[Desktop Entry]\nType=Application\nName=Test Handler\nMimeType=text/plain;\nExec=" + m_home.filePath(QStringLiteral("bin/handler.sh")).toUtf8()
+                + " %f\n"));
         QVERIFY(Test::writeFile(config + QStringLiteral("/mimeapps.list"), "[Default Applications]\ntext/plain=quillon-test-handler.desktop\n"));
         m_prefs = std::make_unique<Preferences>();
         m_prefs->setValue(Keys::EmailScriptResults, true);
@@ -70,20 +69,20 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("script");
         QTest::addColumn<QStringList>("results");
-        QTest::newRow("shell, one trailing newline dropped") << QByteArray("#!/bin/sh\nprintf 'line one\\n\\n'\n") << QStringList{"line one\n"};
-        QTest::newRow("no #! line runs with sh") << QByteArray("echo plain\n") << QStringList{"plain"};
-        QTest::newRow("interpreter with an argument") << QByteArray("#!/usr/bin/env sh\necho via-env\n") << QStringList{"via-env"};
-        QTest::newRow("empty output is a text") << QByteArray("#!/bin/sh\ntrue\n") << QStringList{""};
-        QTest::newRow("non-zero exit: no result") << QByteArray("#!/bin/sh\necho partial\nexit 3\n") << QStringList{};
+        QTest::newRow("shell, one trailing newline dropped") << QByteArray("#!/bin/sh\nprintf 'line one\\n\\n'\n") << QStringList { "line one\n" };
+        QTest::newRow("no #! line runs with sh") << QByteArray("echo plain\n") << QStringList { "plain" };
+        QTest::newRow("interpreter with an argument") << QByteArray("#!/usr/bin/env sh\necho via-env\n") << QStringList { "via-env" };
+        QTest::newRow("empty output is a text") << QByteArray("#!/bin/sh\ntrue\n") << QStringList { "" };
+        QTest::newRow("non-zero exit: no result") << QByteArray("#!/bin/sh\necho partial\nexit 3\n") << QStringList {};
         QTest::newRow("beyond 1 MiB: cut there") << QByteArray("#!/bin/sh\nhead -c 3000000 /dev/zero | tr '\\0' a\n")
-                                                 << QStringList{QString(ShebangScriptRunner::MaxOutput, QLatin1Char('a'))};
-        QTest::newRow("killed by a signal: no result") << QByteArray("#!/bin/sh\nkill -9 $$\n") << QStringList{};
-        QTest::newRow("missing interpreter: not loaded") << QByteArray("#!/no/such/interpreter\necho x\n") << QStringList{};
+                                                 << QStringList { QString(ShebangScriptRunner::MaxOutput, QLatin1Char('a')) };
+        QTest::newRow("killed by a signal: no result") << QByteArray("#!/bin/sh\nkill -9 $$\n") << QStringList {};
+        QTest::newRow("missing interpreter: not loaded") << QByteArray("#!/no/such/interpreter\necho x\n") << QStringList {};
         // Only a regular file is read and run: a FIFO or a link to /dev/zero would never end.
-        QTest::newRow("missing") << QByteArray("(missing)") << QStringList{};
-        QTest::newRow("FIFO") << QByteArray("(FIFO)") << QStringList{};
-        QTest::newRow("link to /dev/zero") << QByteArray("(link to /dev/zero)") << QStringList{};
-        QTest::newRow("folder") << QByteArray("(folder)") << QStringList{};
+        QTest::newRow("missing") << QByteArray("(missing)") << QStringList {};
+        QTest::newRow("FIFO") << QByteArray("(FIFO)") << QStringList {};
+        QTest::newRow("link to /dev/zero") << QByteArray("(link to /dev/zero)") << QStringList {};
+        QTest::newRow("folder") << QByteArray("(folder)") << QStringList {};
     }
     void scriptOutputBecomesTheResult()
     {
@@ -117,13 +116,13 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(doc, "x"));
         QElapsedTimer clock;
         clock.start();
-        m_launcher->launchAllNow({script, doc});
+        m_launcher->launchAllNow({ script, doc });
         QVERIFY(clock.elapsed() < 500);
         QVERIFY(m_scripts.isRunning());
         QTest::qWait(300);
         QVERIFY(!QFile::exists(m_marker));
         QTRY_COMPARE(readFile(m_marker), QStringLiteral("slow\nhandler %1\n").arg(doc));
-        QCOMPARE(m_results, QStringList{QStringLiteral("finished")});
+        QCOMPARE(m_results, QStringList { QStringLiteral("finished") });
     }
 
     // Quitting or the time limit ends the script and all it started that is still in the session,
@@ -132,13 +131,14 @@ private Q_SLOTS:
     void endingReachesAllTheScriptStarted_data()
     {
         QTest::addColumn<QByteArray>("prelude");
-        QTest::addColumn<QByteArray>("child");  // left running in the background; writes its pid to PIDFILE once in place
-        QTest::addColumn<QByteArray>("rest");   // what the script does then
-        QTest::addColumn<int>("limit");         // s; 0 for none
-        QTest::addColumn<int>("quitAfter");     // ms; -1: no quit, the limit ends it
+        QTest::addColumn<QByteArray>("child"); // left running in the background; writes its pid to PIDFILE once in place
+        QTest::addColumn<QByteArray>("rest"); // what the script does then
+        QTest::addColumn<int>("limit"); // s; 0 for none
+        QTest::addColumn<int>("quitAfter"); // ms; -1: no quit, the limit ends it
         QTest::addColumn<bool>("childStays");
         const QByteArray sleeper = "sh -c 'echo $$ > PIDFILE; exec sleep 300'";
-        const QByteArray ownGroup = "/usr/bin/python3 -c 'import os, time; os.setpgid(0, 0); open(\"PIDFILE\", \"w\").write(\"%d\\n\" % os.getpid()); time.sleep(300)'";
+        const QByteArray ownGroup
+            = "/usr/bin/python3 -c 'import os, time; os.setpgid(0, 0); open(\"PIDFILE\", \"w\").write(\"%d\\n\" % os.getpid()); time.sleep(300)'";
         const QByteArray loop = "while :; do sleep 1; done";
         const QByteArray joinOtherGroup = "exec /usr/bin/python3 -c 'import os, time; os.setpgid(0, os.getpgid(os.getppid())); time.sleep(300)'";
         const QByteArray ignoreTerm = "trap '' TERM\n";
@@ -211,8 +211,9 @@ private Q_SLOTS:
         waitForScript();
         m_launcher->setScriptReport({});
         QCOMPARE(reports.size(), 1);
-        QVERIFY2(QRegularExpression(QStringLiteral("^exit status 3, ran 0\\.\\d s; output: checking disk; errors: disk full$")).match(reports.first()).hasMatch(),
-                 qPrintable(reports.first()));
+        QVERIFY2(
+            QRegularExpression(QStringLiteral("^exit status 3, ran 0\\.\\d s; output: checking disk; errors: disk full$")).match(reports.first()).hasMatch(),
+            qPrintable(reports.first()));
         QTest::qWait(300);
         QTRY_VERIFY_WITH_TIMEOUT(!zombieChild(), 3000);
     }
@@ -250,7 +251,8 @@ private Q_SLOTS:
         const QString item = name.contains(QLatin1String(".AppDir")) ? QFileInfo(file).absolutePath() : file;
         m_launcher->launchItem(item);
         // What the programs wrote is read as UTF-8, a kept byte as U+FFFD.
-        QTRY_COMPARE(readFile(m_marker), expected.replace(QLatin1String("%1"), FileName::display(item)).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
+        QTRY_COMPARE(
+            readFile(m_marker), expected.replace(QLatin1String("%1"), FileName::display(item)).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
         // A script is reaped from the event loop: the next test holds the loop up and counts zombies.
         waitForScript();
     }
@@ -259,7 +261,7 @@ private Q_SLOTS:
     void programsStartWhileTheEventLoopIsHeldUp()
     {
         QTRY_VERIFY(!zombieChild());
-        rlimit saved{};
+        rlimit saved {};
         ::getrlimit(RLIMIT_NOFILE, &saved);
         rlimit tight = saved;
         tight.rlim_cur = 128;
@@ -353,7 +355,7 @@ private Q_SLOTS:
         QTRY_VERIFY(dropped >= 0);
         QVERIFY(dropped > 0);
         QTRY_COMPARE(readFile(m_marker).size(), 200 - dropped);
-        QTRY_COMPARE(m_log, QStringList{QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped)});
+        QTRY_COMPARE(m_log, QStringList { QStringLiteral("Quitting: %1 launches that were due were not started.").arg(dropped) });
     }
 
 private:

@@ -18,7 +18,7 @@ class LauncherTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_prefs.setValues({{Keys::SendEmail, false}, {Keys::EmailScriptResults, false}});
+        m_prefs.setValues({ { Keys::SendEmail, false }, { Keys::EmailScriptResults, false } });
         m_workspace = FakeWorkspace();
         m_scripts = FakeScriptRunner();
         m_mails.clear();
@@ -41,8 +41,8 @@ private Q_SLOTS:
         QFETCH(QString, path);
         QFETCH(bool, script);
         m_launcher->launchItem(path);
-        QCOMPARE(m_scripts.ran, script ? QStringList{path} : QStringList{});
-        QCOMPARE(m_workspace.opened, script ? QStringList{} : QStringList{path});
+        QCOMPARE(m_scripts.ran, script ? QStringList { path } : QStringList {});
+        QCOMPARE(m_workspace.opened, script ? QStringList {} : QStringList { path });
     }
 
     void scriptResults_data()
@@ -52,16 +52,16 @@ private Q_SLOTS:
         QTest::addColumn<bool>("mailResults");
         QTest::addColumn<QList<Mail>>("mails");
         const auto text = ScriptDescriptor::fromText(QStringLiteral("done"));
-        const auto list = ScriptDescriptor::fromList({ScriptDescriptor::fromText(QStringLiteral("a")), ScriptDescriptor::fromText(QStringLiteral("b"))});
-        const ScriptDescriptor record{ScriptDescriptor::Type::Record, {}, {}, {{QStringLiteral("k"), text}}};
+        const auto list = ScriptDescriptor::fromList({ ScriptDescriptor::fromText(QStringLiteral("a")), ScriptDescriptor::fromText(QStringLiteral("b")) });
+        const ScriptDescriptor record { ScriptDescriptor::Type::Record, {}, {}, { { QStringLiteral("k"), text } } };
         const QString subject = QStringLiteral("Quillon Script Result");
-        QTest::newRow("text, mailing on") << true << std::optional(text) << true << QList<Mail>{{"done", subject}};
-        QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail>{};
-        QTest::newRow("empty text is still text") << true << std::optional(ScriptDescriptor::fromText({})) << true << QList<Mail>{{"", subject}};
-        QTest::newRow("list of two: never text") << true << std::optional(list) << true << QList<Mail>{};
-        QTest::newRow("record has no text") << true << std::optional(record) << true << QList<Mail>{};
-        QTest::newRow("failed while running") << true << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
-        QTest::newRow("could not load") << false << std::optional<ScriptDescriptor>() << true << QList<Mail>{};
+        QTest::newRow("text, mailing on") << true << std::optional(text) << true << QList<Mail> { { "done", subject } };
+        QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail> {};
+        QTest::newRow("empty text is still text") << true << std::optional(ScriptDescriptor::fromText({})) << true << QList<Mail> { { "", subject } };
+        QTest::newRow("list of two: never text") << true << std::optional(list) << true << QList<Mail> {};
+        QTest::newRow("record has no text") << true << std::optional(record) << true << QList<Mail> {};
+        QTest::newRow("failed while running") << true << std::optional<ScriptDescriptor>() << true << QList<Mail> {};
+        QTest::newRow("could not load") << false << std::optional<ScriptDescriptor>() << true << QList<Mail> {};
     }
     void scriptResults()
     {
@@ -70,9 +70,9 @@ private Q_SLOTS:
         QFETCH(bool, mailResults);
         QFETCH(QList<Mail>, mails);
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {loaded, result, {}, {}, {}, {}};
+        m_scripts.outcomes[path] = { loaded, result, {}, {}, {}, {} };
         // Launch notices are on, and must not matter for scripts.
-        m_prefs.setValues({{Keys::EmailScriptResults, mailResults}, {Keys::SendEmail, true}});
+        m_prefs.setValues({ { Keys::EmailScriptResults, mailResults }, { Keys::SendEmail, true } });
         m_launcher->launchItem(path);
         QCOMPARE(m_mails, mails);
         QVERIFY(m_workspace.opened.isEmpty());
@@ -82,7 +82,7 @@ private Q_SLOTS:
     void scriptSettingIsReadFromTheFileAtEachRun()
     {
         const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = {true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}, {}, {}};
+        m_scripts.outcomes[path] = { true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}, {}, {} };
         m_launcher->launchItem(path);
         QVERIFY(m_mails.isEmpty());
         // Another writer (the preferences window of another instance) turns it on.
@@ -109,21 +109,21 @@ private Q_SLOTS:
         m_workspace.openSucceeds = opens;
         const QString path = QStringLiteral("/home/me/Report 1.txt");
         m_launcher->launchItem(path);
-        QCOMPARE(m_workspace.opened, QStringList{path});
-        QCOMPARE(m_mails, (notices ? QList<Mail>{{path, QStringLiteral("Quillon launched path...")}} : QList<Mail>{}));
-        QCOMPARE(m_log, notices ? QStringList{} : QStringList{QStringLiteral("Email notifications are off.")});
+        QCOMPARE(m_workspace.opened, QStringList { path });
+        QCOMPARE(m_mails, (notices ? QList<Mail> { { path, QStringLiteral("Quillon launched path...") } } : QList<Mail> {}));
+        QCOMPARE(m_log, notices ? QStringList {} : QStringList { QStringLiteral("Email notifications are off.") });
     }
 
     void launchAllNowGoesTopToBottom()
     {
-        const QStringList paths = {QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c")};
-        m_scripts.outcomes[QStringLiteral("/b.scpt")] = {true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}, {}, {}};
+        const QStringList paths = { QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c") };
+        m_scripts.outcomes[QStringLiteral("/b.scpt")] = { true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}, {}, {} };
         m_prefs.setValue(Keys::EmailScriptResults, true);
         m_prefs.setValue(Keys::SendEmail, true);
         m_launcher->launchAllNow(paths);
-        QCOMPARE(m_workspace.opened, (QStringList{"/a", "/c"}));
+        QCOMPARE(m_workspace.opened, (QStringList { "/a", "/c" }));
         const QString notice = QStringLiteral("Quillon launched path...");
-        QCOMPARE(m_mails, (QList<Mail>{{"/a", notice}, {"r", QStringLiteral("Quillon Script Result")}, {"/c", notice}}));
+        QCOMPARE(m_mails, (QList<Mail> { { "/a", notice }, { "r", QStringLiteral("Quillon Script Result") }, { "/c", notice } }));
         m_launcher->launchAllNow({});
         QCOMPARE(m_workspace.opened.size(), 2);
     }
@@ -132,19 +132,19 @@ private Q_SLOTS:
     void itemsWaitBehindARunningScript()
     {
         m_scripts.hold = true;
-        m_launcher->launchAllNow({QStringLiteral("/a.scpt"), QStringLiteral("/doc"), QStringLiteral("/b.scpt"), QStringLiteral("/doc2")});
+        m_launcher->launchAllNow({ QStringLiteral("/a.scpt"), QStringLiteral("/doc"), QStringLiteral("/b.scpt"), QStringLiteral("/doc2") });
         m_launcher->launchItem(QStringLiteral("/due-meanwhile"));
-        QCOMPARE(m_scripts.ran, QStringList{"/a.scpt"});
+        QCOMPARE(m_scripts.ran, QStringList { "/a.scpt" });
         QVERIFY(m_workspace.opened.isEmpty());
         m_scripts.finishRunning();
-        QCOMPARE(m_workspace.opened, QStringList{"/doc"});
-        QCOMPARE(m_scripts.ran, (QStringList{"/a.scpt", "/b.scpt"}));
-        QCOMPARE(m_launcher->abandon(), (QStringList{"/doc2", "/due-meanwhile"}));
-        QCOMPARE(m_scripts.stopped, QStringList{"/b.scpt"});
+        QCOMPARE(m_workspace.opened, QStringList { "/doc" });
+        QCOMPARE(m_scripts.ran, (QStringList { "/a.scpt", "/b.scpt" }));
+        QCOMPARE(m_launcher->abandon(), (QStringList { "/doc2", "/due-meanwhile" }));
+        QCOMPARE(m_scripts.stopped, QStringList { "/b.scpt" });
         m_scripts.finishRunning();
         m_scripts.hold = false;
         m_launcher->launchItem(QStringLiteral("/next"));
-        QCOMPARE(m_workspace.opened, (QStringList{"/doc", "/next"}));
+        QCOMPARE(m_workspace.opened, (QStringList { "/doc", "/next" }));
     }
 
     // A row fired again while its run still waits folds into it; other rows of the same file, and
@@ -153,9 +153,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QList<quint64>>("rows"); // the row of each firing; the first runs at once
         QTest::addColumn<int>("runs");
-        QTest::newRow("one repeating row, five firings") << QList<quint64>{1, 1, 1, 1, 1} << 2;
-        QTest::newRow("three rows of one script") << QList<quint64>{1, 2, 3} << 3;
-        QTest::newRow("two rows, each fired twice") << QList<quint64>{1, 2, 1, 2} << 3;
+        QTest::newRow("one repeating row, five firings") << QList<quint64> { 1, 1, 1, 1, 1 } << 2;
+        QTest::newRow("three rows of one script") << QList<quint64> { 1, 2, 3 } << 3;
+        QTest::newRow("two rows, each fired twice") << QList<quint64> { 1, 2, 1, 2 } << 3;
     }
     void firingsFoldPerRow()
     {
@@ -164,7 +164,7 @@ private Q_SLOTS:
         m_scripts.hold = true;
         for (quint64 row : rows)
             m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, row);
-        m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
+        m_launcher->launchAllNow({ QStringLiteral("/slow.scpt") });
         while (m_scripts.isRunning())
             m_scripts.finishRunning();
         QCOMPARE(m_scripts.ran.size(), runs + 1);
@@ -176,10 +176,10 @@ private Q_SLOTS:
         m_scripts.hold = true;
         m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, 1);
         m_launcher->launchItem(QStringLiteral("/doc"), Launcher::Origin::Schedule, 2);
-        m_launcher->launchAllNow({QStringLiteral("/slow.scpt")});
+        m_launcher->launchAllNow({ QStringLiteral("/slow.scpt") });
         bool idle = false;
         m_launcher->whenIdle([&idle] { idle = true; });
-        QCOMPARE(m_launcher->dropScheduled(), QStringList{"/doc"});
+        QCOMPARE(m_launcher->dropScheduled(), QStringList { "/doc" });
         m_scripts.finishRunning();
         QVERIFY(m_workspace.opened.isEmpty());
         QCOMPARE(m_scripts.ran.size(), 2);
@@ -197,29 +197,29 @@ private Q_SLOTS:
         m_launcher->setScriptWait(std::chrono::milliseconds(200));
         QStringList late;
         m_launcher->setLateReport([&late](const QString &path, const QString &reason) { late << path + QLatin1String(": ") + reason; });
-        m_launcher->launchAllNow({QStringLiteral("/b/backup.scpt"), QStringLiteral("/doc"), QStringLiteral("/next.scpt"), QStringLiteral("/doc2")});
+        m_launcher->launchAllNow({ QStringLiteral("/b/backup.scpt"), QStringLiteral("/doc"), QStringLiteral("/next.scpt"), QStringLiteral("/doc2") });
         QCOMPARE(m_scripts.limit, std::chrono::seconds(0));
         QVERIFY(m_workspace.opened.isEmpty());
-        QTRY_COMPARE(m_workspace.opened, (QStringList{"/doc", "/doc2"}));
-        QCOMPARE(late, (QStringList{"/doc: waited 0 s for backup.scpt, which still runs", "/doc2: waited 0 s for backup.scpt, which still runs"}));
-        QCOMPARE(m_scripts.ran, QStringList{"/b/backup.scpt"});
+        QTRY_COMPARE(m_workspace.opened, (QStringList { "/doc", "/doc2" }));
+        QCOMPARE(late, (QStringList { "/doc: waited 0 s for backup.scpt, which still runs", "/doc2: waited 0 s for backup.scpt, which still runs" }));
+        QCOMPARE(m_scripts.ran, QStringList { "/b/backup.scpt" });
         m_scripts.finishRunning();
-        QCOMPARE(m_scripts.ran, (QStringList{"/b/backup.scpt", "/next.scpt"}));
+        QCOMPARE(m_scripts.ran, (QStringList { "/b/backup.scpt", "/next.scpt" }));
     }
 
     void doubleClickRevealsAndNeverOpens_data()
     {
         QTest::addColumn<int>("row");
         QTest::addColumn<QStringList>("revealed");
-        QTest::newRow("no row") << -1 << QStringList{};
-        QTest::newRow("second row") << 1 << QStringList{"/b"};
-        QTest::newRow("past the end") << 2 << QStringList{};
+        QTest::newRow("no row") << -1 << QStringList {};
+        QTest::newRow("second row") << 1 << QStringList { "/b" };
+        QTest::newRow("past the end") << 2 << QStringList {};
     }
     void doubleClickRevealsAndNeverOpens()
     {
         QFETCH(int, row);
         QFETCH(QStringList, revealed);
-        m_launcher->doubleAction(row, {QStringLiteral("/a"), QStringLiteral("/b")});
+        m_launcher->doubleAction(row, { QStringLiteral("/a"), QStringLiteral("/b") });
         QCOMPARE(m_workspace.selected, revealed);
         QVERIFY(m_workspace.opened.isEmpty());
     }

@@ -18,9 +18,10 @@ namespace Quillon::MailTest {
 inline bool makeOneCertificate(const QTemporaryDir &dir, const QString &name, const QString &subject, const QString &altNames)
 {
     return Test::run(QStringLiteral("openssl"),
-                     {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
-                      QStringLiteral("-keyout"), dir.filePath(name + QStringLiteral("-key.pem")), QStringLiteral("-out"), dir.filePath(name + QStringLiteral(".pem")),
-                      QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), subject, QStringLiteral("-addext"), QStringLiteral("subjectAltName=") + altNames});
+        { QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
+            QStringLiteral("-keyout"), dir.filePath(name + QStringLiteral("-key.pem")), QStringLiteral("-out"), dir.filePath(name + QStringLiteral(".pem")),
+            QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-subj"), subject, QStringLiteral("-addext"),
+            QStringLiteral("subjectAltName=") + altNames });
 }
 
 // Trusted through SSL_CERT_FILE; "dnsonly" names 127.0.0.9 only as CN and DNS entry, which must not do for an address.
@@ -31,7 +32,8 @@ inline bool makeCertificate(const QTemporaryDir &dir)
         return false;
     QFile::rename(dir.filePath(QStringLiteral("cert-key.pem")), dir.filePath(QStringLiteral("key.pem")));
     const QString bundle = dir.filePath(QStringLiteral("trusted.pem"));
-    if (!Test::writeFile(bundle, (Test::readFile(dir.filePath(QStringLiteral("cert.pem"))) + Test::readFile(dir.filePath(QStringLiteral("dnsonly.pem")))).toUtf8()))
+    if (!Test::writeFile(
+            bundle, (Test::readFile(dir.filePath(QStringLiteral("cert.pem"))) + Test::readFile(dir.filePath(QStringLiteral("dnsonly.pem")))).toUtf8()))
         return false;
     qputenv("SSL_CERT_FILE", bundle.toUtf8());
     trustCertificatesFromEnvironment();
@@ -47,14 +49,15 @@ public:
     bool start(const QTemporaryDir &certDir, const QString &onCpu, QStringList arguments)
     {
         // First, so that a test's own --cert and --key (given later) win.
-        arguments = QStringList{QStringLiteral("--cert"), certDir.filePath(QStringLiteral("cert.pem")), QStringLiteral("--key"),
-                                certDir.filePath(QStringLiteral("key.pem"))} + arguments;
+        arguments = QStringList {
+            QStringLiteral("--cert"), certDir.filePath(QStringLiteral("cert.pem")), QStringLiteral("--key"), certDir.filePath(QStringLiteral("key.pem"))
+        } + arguments;
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        const QStringList command = QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral(SMTP_SERVER_SCRIPT)} + arguments;
+        const QStringList command = QStringList { QStringLiteral("/usr/bin/python3"), QStringLiteral(SMTP_SERVER_SCRIPT) } + arguments;
         if (onCpu.isEmpty())
             m_process.start(command.first(), command.mid(1));
         else
-            m_process.start(QStringLiteral("taskset"), QStringList{QStringLiteral("-c"), onCpu} + command);
+            m_process.start(QStringLiteral("taskset"), QStringList { QStringLiteral("-c"), onCpu } + command);
         QDeadlineTimer deadline(20'000);
         while (!deadline.hasExpired()) {
             if (!m_process.canReadLine() && !m_process.waitForReadyRead(int(deadline.remainingTime())))
@@ -105,8 +108,7 @@ class Host : public MailHost
 public:
     explicit Host(Preferences &preferences)
         : m_preferences(preferences)
-    {
-    }
+    { }
     Preferences &mailPreferences() override { return m_preferences; }
     void doAlert(const QString &message, const QString &informative) override { alerts << QPair(message, informative); }
     StepQueue *mailSteps() override { return &steps; }

@@ -15,9 +15,18 @@ class RefusingStore final : public SecretStore
 {
 public:
     int calls = 0;
-    void read(const QString &, ReadDone done) override { answerLater([done] { done(Result::Unavailable, {}, QStringLiteral("dismissed")); }); }
-    void write(const QString &, const QString &, Done done) override { answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); }); }
-    void remove(const QString &, Done done) override { answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); }); }
+    void read(const QString &, ReadDone done) override
+    {
+        answerLater([done] { done(Result::Unavailable, {}, QStringLiteral("dismissed")); });
+    }
+    void write(const QString &, const QString &, Done done) override
+    {
+        answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); });
+    }
+    void remove(const QString &, Done done) override
+    {
+        answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); });
+    }
 
 private:
     void answerLater(std::function<void()> answer)
@@ -118,12 +127,12 @@ private Q_SLOTS:
     {
         QTemporaryDir certs;
         MailTest::Server server;
-        QVERIFY(server.start(certs, {QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), New}));
+        QVERIFY(server.start(certs, { QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), New }));
         MailPassword password(m_prefs, m_store.get());
         password.set(New);
         QTRY_COMPARE(read(password), New);
-        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, QStringLiteral("127.0.0.1")},
-                            {Keys::ServerPort, server.port}, {Keys::SelectedAuthentication, 1}, {Keys::LoginUsername, QStringLiteral("ann")}});
+        m_prefs.setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") }, { Keys::ServerAddress, QStringLiteral("127.0.0.1") },
+            { Keys::ServerPort, server.port }, { Keys::SelectedAuthentication, 1 }, { Keys::LoginUsername, QStringLiteral("ann") } });
         MailTest::Host host(m_prefs);
         host.password = &password;
         SimpleSMTP delivery;

@@ -44,50 +44,62 @@ private Q_SLOTS:
         QTest::addColumn<bool>("delivered");
         QTest::addColumn<QString>("alert");
         QTest::addColumn<QString>("problem"); // what the user is told when nothing was sent
-        const QStringList auth{QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password};
+        const QStringList auth { QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), Password };
         const QString sent = QStringLiteral("Sent!");
         const QString closing = QStringLiteral("Closing the connection.");
         const QString closed = QStringLiteral("Connection closed.");
         const QString mechanisms = QStringLiteral("Available authentication mechanisms: *");
         const QString authDone = QStringLiteral("Authentication completed! Sending the message...");
-        QTest::newRow("STARTTLS + CRAM-MD5") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} + auth << "127.0.0.1" << true << 3 << Password
-                                         << QStringList{"Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
-        QTest::newRow("implicit TLS on 465 + LOGIN") << QStringList{QStringLiteral("--tls"), QStringLiteral("implicit"), QStringLiteral("--port"), QStringLiteral("465")} + auth
-                                                  << "127.0.0.2" << true << 2 << Password
-                                                  << QStringList{"Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
-        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password << QStringList{"Connected!", mechanisms, authDone, sent, closing, closed} << true << "" << QString();
-        QTest::newRow("mechanism 0 with a user name set: no AUTH") << auth << "127.0.0.1" << false << 0 << Password
-                                                                  << QStringList{"Connected!", "Sending the message...", sent, closing, closed} << true << "" << QString();
+        QTest::newRow("STARTTLS + CRAM-MD5") << QStringList { QStringLiteral("--tls"), QStringLiteral("starttls") } + auth << "127.0.0.1" << true << 3
+                                             << Password
+                                             << QStringList { "Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent,
+                                                    closing, closed }
+                                             << true << "" << QString();
+        QTest::newRow("implicit TLS on 465 + LOGIN")
+            << QStringList { QStringLiteral("--tls"), QStringLiteral("implicit"), QStringLiteral("--port"), QStringLiteral("465") } + auth << "127.0.0.2"
+            << true << 2 << Password << QStringList { "Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed }
+            << true << "" << QString();
+        QTest::newRow("no TLS + PLAIN") << auth << "127.0.0.1" << false << 1 << Password
+                                        << QStringList { "Connected!", mechanisms, authDone, sent, closing, closed } << true << "" << QString();
+        QTest::newRow("mechanism 0 with a user name set: no AUTH")
+            << auth << "127.0.0.1" << false << 0 << Password << QStringList { "Connected!", "Sending the message...", sent, closing, closed } << true << ""
+            << QString();
         // What the user is told names the setting to change: the password, or the kind of login.
-        const QStringList refused{"Connected!", mechanisms, "Authentication failed! Closing the connection...", closed};
+        const QStringList refused { "Connected!", mechanisms, "Authentication failed! Closing the connection...", closed };
         QTest::newRow("wrong password") << auth << "127.0.0.1" << false << 1 << QStringLiteral("wrong") << refused << false << ""
                                         << "the server refused the login";
-        QTest::newRow("PLAIN, the server offers no login") << QStringList{QStringLiteral("--no-auth")} << "127.0.0.1" << false << 1 << Password << refused
-                                                           << false << "" << "the server offers no login; choose None for Login in Preferences";
-        QTest::newRow("LOGIN, the server offers PLAIN only") << auth + QStringList{QStringLiteral("--plain-only")} << "127.0.0.1" << false << 2 << Password
-                                                             << refused << false << "" << "the server does not offer the LOGIN login; it offers PLAIN";
-        QTest::newRow("STARTTLS wanted, not offered") << QStringList{} << "127.0.0.1" << true << 0 << Password
-                                                     << QStringList{"Connected!", "SSL handshaking...",
-                                                                    "The mail session ended early: the server does not offer STARTTLS, and nothing is sent in clear.", closed}
-                                                     << false << "" << QString();
-        QTest::newRow("certificate for another name") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls")} << "127.0.0.3" << true << 0 << Password
-                                                      << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate could not be verified*", closed}
+        QTest::newRow("PLAIN, the server offers no login")
+            << QStringList { QStringLiteral("--no-auth") } << "127.0.0.1" << false << 1 << Password << refused << false << ""
+            << "the server offers no login; choose None for Login in Preferences";
+        QTest::newRow("LOGIN, the server offers PLAIN only")
+            << auth + QStringList { QStringLiteral("--plain-only") } << "127.0.0.1" << false << 2 << Password << refused << false << ""
+            << "the server does not offer the LOGIN login; it offers PLAIN";
+        QTest::newRow("STARTTLS wanted, not offered") << QStringList {} << "127.0.0.1" << true << 0 << Password
+                                                      << QStringList { "Connected!", "SSL handshaking...",
+                                                             "The mail session ended early: the server does not offer STARTTLS, and nothing is sent in clear.",
+                                                             closed }
                                                       << false << "" << QString();
-        QTest::newRow("an address named by a DNS entry only") << QStringList{QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--cert"),
-                                                                       m_certs.filePath(QStringLiteral("dnsonly.pem")), QStringLiteral("--key"),
-                                                                       m_certs.filePath(QStringLiteral("dnsonly-key.pem"))}
-                                                         << "127.0.0.9" << true << 0 << Password
-                                                         << QStringList{"Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*", closed}
-                                                         << false << "" << QString();
-        QTest::newRow("password missing: logged, then the session idles out") << auth << "127.0.0.1" << false << 2 << QString()
-                                                                            << QStringList{"Connected!", mechanisms,
-                                                                                           "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
-                                                                                           "The mail session ended early: nothing happened for 1 s.", closed}
-                                                                            << false << "" << QString();
-        QTest::newRow("refused message") << QStringList{QStringLiteral("--refuse")} << "127.0.0.1" << false << 0 << Password
-                                         << QStringList{"Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks",
-                                                        "Closing the connection.", closed} << false
-                                         << "Message not sent. Server response: 550 Refused: no thanks" << QString();
+        QTest::newRow("certificate for another name") << QStringList { QStringLiteral("--tls"), QStringLiteral("starttls") } << "127.0.0.3" << true << 0
+                                                      << Password
+                                                      << QStringList { "Connected!", "SSL handshaking...",
+                                                             "The mail session ended early: the server's certificate could not be verified*", closed }
+                                                      << false << "" << QString();
+        QTest::newRow("an address named by a DNS entry only")
+            << QStringList { QStringLiteral("--tls"), QStringLiteral("starttls"), QStringLiteral("--cert"), m_certs.filePath(QStringLiteral("dnsonly.pem")),
+                   QStringLiteral("--key"), m_certs.filePath(QStringLiteral("dnsonly-key.pem")) }
+            << "127.0.0.9" << true << 0 << Password
+            << QStringList { "Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*",
+                   closed }
+            << false << "" << QString();
+        QTest::newRow("password missing: logged, then the session idles out")
+            << auth << "127.0.0.1" << false << 2 << QString()
+            << QStringList { "Connected!", mechanisms, "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
+                   "The mail session ended early: nothing happened for 1 s.", closed }
+            << false << "" << QString();
+        QTest::newRow("refused message") << QStringList { QStringLiteral("--refuse") } << "127.0.0.1" << false << 0 << Password
+                                         << QStringList { "Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks",
+                                                "Closing the connection.", closed }
+                                         << false << "Message not sent. Server response: 550 Refused: no thanks" << QString();
     }
     void deliversToARealServer()
     {
@@ -104,9 +116,9 @@ private Q_SLOTS:
             QSKIP("Binding port 465 needs root.");
         MailTest::Server peer;
         QVERIFY(peer.start(m_certs, server << QStringLiteral("--host") << host));
-        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::ServerAddress, host}, {Keys::ServerPort, peer.port},
-                            {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, mechanism}, {Keys::LoginUsername, QStringLiteral("ann")},
-                            {Keys::LoginPassword, password}});
+        m_prefs.setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") }, { Keys::ServerAddress, host }, { Keys::ServerPort, peer.port },
+            { Keys::UseSSL, useSSL }, { Keys::SelectedAuthentication, mechanism }, { Keys::LoginUsername, QStringLiteral("ann") },
+            { Keys::LoginPassword, password } });
         MailTest::Host controller(m_prefs);
         if (password.isEmpty())
             controller.limits.reply = std::chrono::seconds(1);
@@ -117,24 +129,25 @@ private Q_SLOTS:
         // Every session ends by itself, a refused one at once (not at the server's timeout).
         QTRY_VERIFY_WITH_TIMEOUT(finished.count() == 1, 20'000);
 
-        QStringList expected = QStringList{QStringLiteral("Connecting to the %1 server...").arg(host)} + log;
+        QStringList expected = QStringList { QStringLiteral("Connecting to the %1 server...").arg(host) } + log;
         for (qsizetype i = 0; i < expected.size() && i < m_log.size(); ++i) {
             if (expected[i].endsWith(QLatin1Char('*')) && m_log[i].startsWith(expected[i].chopped(1)))
                 expected[i] = m_log[i];
         }
         QCOMPARE(m_log, expected);
         if (mechanism > 0 && !server.contains(QLatin1String("--no-auth")))
-            QVERIFY2(m_log.at(expected.indexOf(QStringLiteral("Connected!")) + (useSSL ? 3 : 1)).contains(QLatin1String("PLAIN")), qPrintable(m_log.join(QLatin1Char('|'))));
+            QVERIFY2(m_log.at(expected.indexOf(QStringLiteral("Connected!")) + (useSSL ? 3 : 1)).contains(QLatin1String("PLAIN")),
+                qPrintable(m_log.join(QLatin1Char('|'))));
         if (!problem.isEmpty())
             QCOMPARE(delivery.problem(), problem);
-        QCOMPARE(controller.alerts, (alert.isEmpty() ? QList<QPair<QString, QString>>{} : QList<QPair<QString, QString>>{{alert, QString()}}));
+        QCOMPARE(controller.alerts, (alert.isEmpty() ? QList<QPair<QString, QString>> {} : QList<QPair<QString, QString>> { { alert, QString() } }));
 
         QTRY_COMPARE(peer.messages().size(), delivered ? 1 : 0);
         if (!delivered)
             return;
         const QString ann = QStringLiteral("ann@example.org");
-        const QJsonObject sent{{"mail_from", ann}, {"rcpt_tos", QJsonArray{ann}}, {"from", ann}, {"to", ann}, {"subject", Subject}, {"content_type", "text/plain"},
-                               {"charset", "utf-8"}, {"transfer_encoding", "base64"}, {"body", Body}, {"authenticated", mechanism > 0}};
+        const QJsonObject sent { { "mail_from", ann }, { "rcpt_tos", QJsonArray { ann } }, { "from", ann }, { "to", ann }, { "subject", Subject },
+            { "content_type", "text/plain" }, { "charset", "utf-8" }, { "transfer_encoding", "base64" }, { "body", Body }, { "authenticated", mechanism > 0 } };
         QVERIFY2(peer.messages().first() == sent, QJsonDocument(peer.messages().first()).toJson().constData());
     }
 
@@ -182,8 +195,8 @@ private Q_SLOTS:
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);
-        QCOMPARE(controller.alerts, (QList<QPair<QString, QString>>{{QStringLiteral("An error occurred when sending email."), error}}));
-        QCOMPARE(m_log, QStringList{error});
+        QCOMPARE(controller.alerts, (QList<QPair<QString, QString>> { { QStringLiteral("An error occurred when sending email."), error } }));
+        QCOMPARE(m_log, QStringList { error });
         QTRY_COMPARE(finished.count(), 1);
         QVERIFY(!listener.waitForNewConnection(200));
     }
@@ -200,27 +213,31 @@ private Q_SLOTS:
         const QString ann = QStringLiteral("ann@example.org");
         const QByteArray hi = "220 hi\r\n", ok = "250 ok\r\n";
         const QString early = QStringLiteral("The mail session ended early");
-        QTest::newRow("a line longer than 64 KiB") << ann << false << QByteArrayList{"220 " + QByteArray(70'000, 'a')} << QByteArrayList{} << early;
-        QTest::newRow("a reply of 1,001 lines") << ann << false << QByteArrayList{QByteArray("220-x\r\n").repeated(1001) + "220 x\r\n"} << QByteArrayList{} << early;
-        QTest::newRow("garbage") << ann << false << QByteArrayList{"HELLO THERE\r\n"} << QByteArrayList{} << early;
-        QTest::newRow("closed after the greeting") << ann << false << QByteArrayList{hi, {}} << QByteArrayList{"EHLO"} << early;
-        QTest::newRow("closed at once") << ann << false << QByteArrayList{{}} << QByteArrayList{} << early;
-        QTest::newRow("silence") << ann << false << QByteArrayList{} << QByteArrayList{} << early;
-        QTest::newRow("bytes in clear after the answer to STARTTLS") << ann << true
-            << QByteArrayList{hi, "250-x\r\n250 STARTTLS\r\n", "220 go ahead\r\n250-x\r\n250 AUTH INJECTEDMECH\r\n"}
-            << QByteArrayList{"EHLO", "STARTTLS"} << "in clear after agreeing to STARTTLS";
-        QTest::newRow("answers before the commands") << ann << false << QByteArrayList{hi + ok + "235 ok\r\n" + ok + ok}
-            << QByteArrayList{} << "reply before it was asked";
-        QTest::newRow("334 to MAIL") << ann << false << QByteArrayList{hi, ok, "334 go on\r\n"} << QByteArrayList{"EHLO", "MAIL", "QUIT"} << "Message not sent";
-        QTest::newRow("354 to RCPT") << ann << false << QByteArrayList{hi, ok, ok, "354 go on\r\n"} << QByteArrayList{"EHLO", "MAIL", "RCPT", "QUIT"} << "Message not sent";
+        QTest::newRow("a line longer than 64 KiB") << ann << false << QByteArrayList { "220 " + QByteArray(70'000, 'a') } << QByteArrayList {} << early;
+        QTest::newRow("a reply of 1,001 lines") << ann << false << QByteArrayList { QByteArray("220-x\r\n").repeated(1001) + "220 x\r\n" } << QByteArrayList {}
+                                                << early;
+        QTest::newRow("garbage") << ann << false << QByteArrayList { "HELLO THERE\r\n" } << QByteArrayList {} << early;
+        QTest::newRow("closed after the greeting") << ann << false << QByteArrayList { hi, {} } << QByteArrayList { "EHLO" } << early;
+        QTest::newRow("closed at once") << ann << false << QByteArrayList { {} } << QByteArrayList {} << early;
+        QTest::newRow("silence") << ann << false << QByteArrayList {} << QByteArrayList {} << early;
+        QTest::newRow("bytes in clear after the answer to STARTTLS")
+            << ann << true << QByteArrayList { hi, "250-x\r\n250 STARTTLS\r\n", "220 go ahead\r\n250-x\r\n250 AUTH INJECTEDMECH\r\n" }
+            << QByteArrayList { "EHLO", "STARTTLS" } << "in clear after agreeing to STARTTLS";
+        QTest::newRow("answers before the commands") << ann << false << QByteArrayList { hi + ok + "235 ok\r\n" + ok + ok } << QByteArrayList {}
+                                                     << "reply before it was asked";
+        QTest::newRow("334 to MAIL") << ann << false << QByteArrayList { hi, ok, "334 go on\r\n" } << QByteArrayList { "EHLO", "MAIL", "QUIT" }
+                                     << "Message not sent";
+        QTest::newRow("354 to RCPT") << ann << false << QByteArrayList { hi, ok, ok, "354 go on\r\n" } << QByteArrayList { "EHLO", "MAIL", "RCPT", "QUIT" }
+                                     << "Message not sent";
         QTest::newRow("a line break pasted into the address") << QStringLiteral("ann@example.org\r\nRCPT TO:<victim@evil.example>") << false
-            << QByteArrayList{hi, ok, ok, ok} << QByteArrayList{} << "Error (BadAddress)";
-        QTest::newRow("parameters pasted into the address") << QStringLiteral("ann@example.org> NOTIFY=SUCCESS") << false
-            << QByteArrayList{hi, ok, ok, ok} << QByteArrayList{} << "Error (BadAddress)";
-        QTest::newRow("non-ASCII address, no SMTPUTF8") << QStringLiteral("j\u00fcrgen@example.org") << false << QByteArrayList{hi, ok}
-            << QByteArrayList{"EHLO"} << "does not offer SMTPUTF8";
-        QTest::newRow("a reply that would forge log lines") << ann << false
-            << QByteArrayList{hi, ok, "550 no\rForged line \x1b[31mred\xe2\x80\xae reversed\r\n"} << QByteArrayList{"EHLO", "MAIL", "QUIT"} << "Forged line";
+                                                              << QByteArrayList { hi, ok, ok, ok } << QByteArrayList {} << "Error (BadAddress)";
+        QTest::newRow("parameters pasted into the address")
+            << QStringLiteral("ann@example.org> NOTIFY=SUCCESS") << false << QByteArrayList { hi, ok, ok, ok } << QByteArrayList {} << "Error (BadAddress)";
+        QTest::newRow("non-ASCII address, no SMTPUTF8")
+            << QStringLiteral("j\u00fcrgen@example.org") << false << QByteArrayList { hi, ok } << QByteArrayList { "EHLO" } << "does not offer SMTPUTF8";
+        QTest::newRow("a reply that would forge log lines")
+            << ann << false << QByteArrayList { hi, ok, "550 no\rForged line \x1b[31mred\xe2\x80\xae reversed\r\n" }
+            << QByteArrayList { "EHLO", "MAIL", "QUIT" } << "Forged line";
     }
     void hostileServerGetsOnlyWhatItEarned()
     {
@@ -246,10 +263,10 @@ private Q_SLOTS:
                 }
             });
         });
-        m_prefs.setValues({{Keys::ServerAddress, QStringLiteral("127.0.0.1")}, {Keys::ServerPort, listener.serverPort()}, {Keys::RecipientEmail, recipient},
-                            {Keys::UseSSL, useSSL}, {Keys::SelectedAuthentication, 0}});
+        m_prefs.setValues({ { Keys::ServerAddress, QStringLiteral("127.0.0.1") }, { Keys::ServerPort, listener.serverPort() },
+            { Keys::RecipientEmail, recipient }, { Keys::UseSSL, useSSL }, { Keys::SelectedAuthentication, 0 } });
         MailTest::Host controller(m_prefs);
-        controller.limits = {std::chrono::milliseconds(2000), std::chrono::milliseconds(500)};
+        controller.limits = { std::chrono::milliseconds(2000), std::chrono::milliseconds(500) };
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
         delivery.sendMail(controller, Body, Subject);

@@ -18,7 +18,7 @@ public:
         m_name = name;
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.setStandardOutputFile(QProcess::nullDevice());
-        QStringList command{QStringLiteral("-m"), QStringLiteral("dbusmock")};
+        QStringList command { QStringLiteral("-m"), QStringLiteral("dbusmock") };
         if (!log.isEmpty())
             command << QStringLiteral("-l") << log;
         m_process.start(QStringLiteral("/usr/bin/python3"), command + arguments);

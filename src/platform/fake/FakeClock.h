@@ -14,8 +14,7 @@ public:
     explicit FakeClock(qint64 startMSecs = 1'800'000'000'000, QObject *parent = nullptr)
         : WallClock(parent)
         , m_now(startMSecs)
-    {
-    }
+    { }
 
     qint64 nowMSecs() const override { return m_now; }
     void aimAt(qint64 deadline) override

@@ -16,7 +16,7 @@ public:
     {
         ran << path;
         if (hold) {
-            m_running = {path, std::move(done)};
+            m_running = { path, std::move(done) };
             return;
         }
         done(outcomes.value(path));
@@ -41,7 +41,7 @@ public:
     QStringList ran;
     QStringList stopped;
     bool hold = false;
-    std::chrono::seconds limit{-1};
+    std::chrono::seconds limit { -1 };
 
 private:
     std::pair<QString, Done> m_running;

@@ -14,8 +14,7 @@ public:
     explicit FakeWakeAlarm(bool available = true, QObject *parent = nullptr)
         : WakeAlarm(parent)
         , m_available(available)
-    {
-    }
+    { }
     QString name() const override { return QStringLiteral("test alarm"); }
     void probe() override { Q_EMIT probed(m_available, m_available ? QString() : QStringLiteral("not here")); }
     void request(qint64 epochSecs) override

@@ -3,6 +3,7 @@
 #include "FileName.h"
 #include "Log.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -10,7 +11,6 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QCoreApplication>
 #include <QTranslator>
 
 #include <csignal>
@@ -43,7 +43,9 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
     const int fd = ::open(FileName::encode(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0)
         return false;
-    struct stat st{};
+    struct stat st
+    {
+    };
     bool ok = ::write(fd, text.constData(), size_t(text.size())) == text.size();
     if (executable)
         ok = ok && ::fstat(fd, &st) == 0 && ::fchmod(fd, st.st_mode | S_IXUSR) == 0;
@@ -53,7 +55,9 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
 // The permission bits, 0 for a file that is not there.
 inline uint modeOf(const QString &path)
 {
-    struct stat st{};
+    struct stat st
+    {
+    };
     return ::stat(FileName::encode(path).constData(), &st) == 0 ? uint(st.st_mode & 07777) : 0;
 }
 
@@ -84,13 +88,13 @@ inline bool endsCleanly(QProcess &p, int signal = 0, int msecs = 15'000)
 inline QProcessEnvironment sessionEnvironment(const QTemporaryDir &home)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    for (const char *folder : {"config", "state", "data"})
+    for (const char *folder : { "config", "state", "data" })
         env.insert(QStringLiteral("XDG_%1_HOME").arg(QString::fromLatin1(folder).toUpper()), home.filePath(QString::fromLatin1(folder)));
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.filePath(QStringLiteral("runtime")));
     QDir().mkpath(home.filePath(QStringLiteral("runtime")));
     QFile::setPermissions(home.filePath(QStringLiteral("runtime")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN"})
+    for (const char *name : { "DISPLAY", "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN" })
         env.remove(QString::fromLatin1(name));
     return env;
 }
@@ -99,7 +103,10 @@ inline QProcessEnvironment sessionEnvironment(const QTemporaryDir &home)
 class CapturedLog : public QStringList
 {
 public:
-    CapturedLog() { setLogSink([this](const QString &line) { append(line); }); }
+    CapturedLog()
+    {
+        setLogSink([this](const QString &line) { append(line); });
+    }
     ~CapturedLog() { setLogSink({}); }
     CapturedLog(const CapturedLog &) = delete;
     CapturedLog &operator=(const CapturedLog &) = delete;
@@ -130,7 +137,7 @@ class PrivateBus
 public:
     bool start()
     {
-        m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        m_daemon.start(QStringLiteral("dbus-daemon"), { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1") });
         if (!m_daemon.waitForReadyRead(10'000))
             return false;
         m_address = QString::fromUtf8(m_daemon.readLine().trimmed());

@@ -52,7 +52,8 @@ bool setEnabled(bool enabled)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     file.write("[Desktop Entry]\nType=Application\nName=Quillon\nComment=Open files, applications and scripts at the times you choose\n"
-               "Exec=" + execLine(exec) + "\nIcon=" QUILLON_APP_ID "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+               "Exec="
+        + execLine(exec) + "\nIcon=" QUILLON_APP_ID "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
     return file.commit();
 }
 

@@ -32,7 +32,8 @@ DesktopNotifications::DesktopNotifications(QDBusConnection bus, QObject *parent)
 void DesktopNotifications::askCapabilities()
 {
     m_capabilities = Capabilities::Unknown;
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(QDBusMessage::createMethodCall(Service, Path, Interface, QStringLiteral("GetCapabilities"))), this);
+    auto *watcher
+        = new QDBusPendingCallWatcher(m_bus.asyncCall(QDBusMessage::createMethodCall(Service, Path, Interface, QStringLiteral("GetCapabilities"))), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         const QDBusPendingReply<QStringList> reply = *watcher;
@@ -65,7 +66,7 @@ void DesktopNotifications::notify(uint replaces, const QString &summary, const Q
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(Service, Path, Interface, QStringLiteral("Notify"));
-    const QVariantMap hints{{QStringLiteral("desktop-entry"), QStringLiteral(QUILLON_APP_ID)}};
+    const QVariantMap hints { { QStringLiteral("desktop-entry"), QStringLiteral(QUILLON_APP_ID) } };
     // Until the server has said it shows plain text, a file name with "<" or "&" (or a hostile
     // server's reply in a mail problem) is escaped: never a live link or image. Actions go out
     // unless the server said it cannot show them; a server that cannot ignores them.

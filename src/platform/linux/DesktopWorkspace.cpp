@@ -12,12 +12,12 @@
 #include <QTimer>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
-#include <poll.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #undef signals
@@ -27,13 +27,11 @@
 namespace Quillon {
 namespace {
 
-template<typename T>
-struct GFree
+template<typename T> struct GFree
 {
     void operator()(T *p) const { g_object_unref(p); }
 };
-template<typename T>
-using GPtr = std::unique_ptr<T, GFree<T>>;
+template<typename T> using GPtr = std::unique_ptr<T, GFree<T>>;
 
 void reapWhenDone(GDesktopAppInfo *, GPid pid, gpointer reaper)
 {
@@ -47,9 +45,8 @@ bool launchApp(GAppInfo *app, GList *uris, ChildReaper &reaper, GError **error)
 {
     if (!G_IS_DESKTOP_APP_INFO(app))
         return g_app_info_launch(app, uris, nullptr, error);
-    return g_desktop_app_info_launch_uris_as_manager(G_DESKTOP_APP_INFO(app), uris, nullptr,
-                                                     GSpawnFlags(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD), nullptr, nullptr,
-                                                     reapWhenDone, &reaper, error);
+    return g_desktop_app_info_launch_uris_as_manager(
+        G_DESKTOP_APP_INFO(app), uris, nullptr, GSpawnFlags(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD), nullptr, nullptr, reapWhenDone, &reaper, error);
 }
 
 // GLib percent-encodes the name's bytes as they are.
@@ -73,7 +70,7 @@ QString failure(const QString &path, GError *error, const QString &reason = QStr
 // Started in its own folder and reaped by the reaper, so it never lingers as a zombie.
 QString startProgram(const QString &path, const QByteArray &program, const QByteArray &folder, ChildReaper &reaper)
 {
-    char *argv[] = {const_cast<char *>(program.constData()), nullptr};
+    char *argv[] = { const_cast<char *>(program.constData()), nullptr };
     GPid pid = 0;
     GError *error = nullptr;
     if (!g_spawn_async(folder.constData(), argv, nullptr, G_SPAWN_DO_NOT_REAP_CHILD, nullptr, nullptr, &pid, &error))
@@ -113,7 +110,7 @@ QString openLocalFile(const QString &path, ChildReaper &reaper)
     const QByteArray uri = uriOf(file);
     if (!app)
         return openWithDefaultHandler(uri, path);
-    GList uris{const_cast<char *>(uri.constData()), nullptr, nullptr};
+    GList uris { const_cast<char *>(uri.constData()), nullptr, nullptr };
     GError *error = nullptr;
     const bool ok = launchApp(app, &uris, reaper, &error);
     g_object_unref(app);
@@ -151,12 +148,18 @@ bool isProgramByContent(const QByteArray &file)
     char head[4] = {};
     const ssize_t got = ::read(fd, head, sizeof head);
     ::close(fd);
-    return (got == 4 && QByteArray(head, 4) == QByteArrayLiteral("\x7f" "ELF")) || (got >= 2 && head[0] == '#' && head[1] == '!');
+    return (got == 4
+               && QByteArray(head, 4)
+                   == QByteArrayLiteral("\x7f"
+                                        "ELF"))
+        || (got >= 2 && head[0] == '#' && head[1] == '!');
 }
 
 bool isExecutableFile(const QByteArray &file)
 {
-    struct stat st{};
+    struct stat st
+    {
+    };
     return ::stat(file.constData(), &st) == 0 && S_ISREG(st.st_mode) && ::access(file.constData(), X_OK) == 0;
 }
 
@@ -164,14 +167,12 @@ bool isExecutableFile(const QByteArray &file)
 // launched (the D-Bus notice that a program was launched, say). Nothing runs a pool thread's
 // context, so each launch left its tasks there for good. The opener runs in a context of its own,
 // which it runs after every job; what finishes later is run after the next one.
-template<typename Job>
-auto withOwnMainContext(Job &&job)
+template<typename Job> auto withOwnMainContext(Job &&job)
 {
     thread_local GMainContext *const context = g_main_context_new();
     g_main_context_push_thread_default(context);
     auto result = job();
-    while (g_main_context_iteration(context, FALSE)) {
-    }
+    while (g_main_context_iteration(context, FALSE)) { }
     g_main_context_pop_thread_default(context);
     return result;
 }
@@ -181,8 +182,7 @@ auto withOwnMainContext(Job &&job)
 ChildReaper::ChildReaper()
     : m_wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
     , m_thread([this] { run(); })
-{
-}
+{ }
 
 ChildReaper::~ChildReaper()
 {
@@ -212,7 +212,7 @@ void ChildReaper::add(pid_t pid)
     const int fd = int(::syscall(SYS_pidfd_open, pid, 0));
     {
         const std::lock_guard lock(m_mutex);
-        m_children.push_back({pid, fd});
+        m_children.push_back({ pid, fd });
     }
     wake();
 }
@@ -230,11 +230,11 @@ void ChildReaper::run()
     std::vector<pollfd> watched;
     std::unique_lock lock(m_mutex);
     while (!m_stopping) {
-        watched.assign(1, pollfd{m_wakeFd, POLLIN, 0});
+        watched.assign(1, pollfd { m_wakeFd, POLLIN, 0 });
         bool withoutFd = false; // a kernel without pidfds: those children are looked at now and then
         for (const Child &child : m_children) {
             if (child.fd >= 0)
-                watched.push_back({child.fd, POLLIN, 0});
+                watched.push_back({ child.fd, POLLIN, 0 });
             else
                 withoutFd = true;
         }
@@ -279,14 +279,17 @@ void DesktopWorkspace::inBackground(std::function<QString()> job, const QString 
                 error = withOwnMainContext(job);
         }
         if (!error.isEmpty() || !item.isEmpty()) {
-            QMetaObject::invokeMethod(&m_logContext, [this, error, item, how] {
-                if (!error.isEmpty())
-                    systemLog(error);
-                if (item.isEmpty())
-                    return;
-                const QString prefix = QStringLiteral("Could not open %1: ").arg(item);
-                reportOutcome(item, how, error.startsWith(prefix) ? error.mid(prefix.size()) : error);
-            }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                &m_logContext,
+                [this, error, item, how] {
+                    if (!error.isEmpty())
+                        systemLog(error);
+                    if (item.isEmpty())
+                        return;
+                    const QString prefix = QStringLiteral("Could not open %1: ").arg(item);
+                    reportOutcome(item, how, error.startsWith(prefix) ? error.mid(prefix.size()) : error);
+                },
+                Qt::QueuedConnection);
         }
         --m_pending;
     });
@@ -324,7 +327,9 @@ bool DesktopWorkspace::openFile(const QString &path)
 {
     // Looked at by its bytes: Qt's file classes cannot name a file whose name is not UTF-8.
     const QByteArray file = FileName::encode(QDir::isAbsolutePath(path) ? path : QDir::current().absoluteFilePath(path));
-    struct stat st{};
+    struct stat st
+    {
+    };
     const bool exists = ::stat(file.constData(), &st) == 0;
     if (!exists && ::lstat(file.constData(), &st) != 0) {
         systemLog(failure(path, nullptr, QStringLiteral("the file no longer exists")));
@@ -352,11 +357,9 @@ bool DesktopWorkspace::openFile(const QString &path)
 
 void DesktopWorkspace::selectFile(const QString &path)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
-                                                       QStringLiteral("/org/freedesktop/FileManager1"),
-                                                       QStringLiteral("org.freedesktop.FileManager1"),
-                                                       QStringLiteral("ShowItems"));
-    call << QStringList{QString::fromLatin1(uriOf(FileName::encode(path)))} << QString();
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    call << QStringList { QString::fromLatin1(uriOf(FileName::encode(path))) } << QString();
     auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &m_logContext);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, path](QDBusPendingCallWatcher *w) {
         w->deleteLater();

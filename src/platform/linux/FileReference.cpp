@@ -4,8 +4,8 @@
 
 #include <QDataStream>
 #include <QDir>
-#include <QIODevice>
 #include <QHash>
+#include <QIODevice>
 #include <QSet>
 
 #include <algorithm>
@@ -62,7 +62,9 @@ QByteArray handleOf(const QByteArray &path)
 
 std::optional<Identity> identityOf(const QByteArray &path)
 {
-    struct statx stx{};
+    struct statx stx
+    {
+    };
     if (statx(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &stx) != 0)
         return std::nullopt;
     Identity id;
@@ -98,9 +100,10 @@ bool sameFile(const Identity &saved, const Identity &found, const QByteArray &fo
     if (found.uid != ::geteuid())
         return false;
     // Another user could put a file there, or swap it, between now and the launch.
-    struct stat folder{};
-    if (::stat(parentOf(foundPath).constData(), &folder) != 0 || (folder.st_mode & S_IWOTH)
-        || (folder.st_uid != ::geteuid() && folder.st_uid != 0))
+    struct stat folder
+    {
+    };
+    if (::stat(parentOf(foundPath).constData(), &folder) != 0 || (folder.st_mode & S_IWOTH) || (folder.st_uid != ::geteuid() && folder.st_uid != 0))
         return false;
     if (!saved.handle.isEmpty() && !found.handle.isEmpty())
         return saved.handle == found.handle;
@@ -123,7 +126,7 @@ std::optional<Decoded> decode(const QByteArray &reference)
         // A plain absolute path, as a hand-written list or another tool would store it.
         if (!reference.startsWith('/') || reference.contains('\0') || reference.size() > MaxPathBytes)
             return std::nullopt;
-        return Decoded{reference, {}, true};
+        return Decoded { reference, {}, true };
     }
     QDataStream stream(reference.mid(Magic.size()));
     stream.setVersion(QDataStream::Qt_6_0);
@@ -144,7 +147,7 @@ class InodeSearch
 public:
     void want(qsizetype index, const QByteArray &oldPath, const Identity &identity)
     {
-        m_wanted.insert(identity.ino, {index, identity});
+        m_wanted.insert(identity.ino, { index, identity });
         m_devices.insert(identity.dev);
         ++m_missing;
         for (QByteArray dir = parentOf(oldPath); dir != "/"; dir = parentOf(dir))
@@ -173,7 +176,7 @@ private:
 
     void searchBelow(const QByteArray &root)
     {
-        QList<QByteArray> queue{root};
+        QList<QByteArray> queue { root };
         while (!queue.isEmpty() && m_budget > 0 && m_found.size() < m_missing) {
             const QByteArray dir = queue.takeFirst();
             if (m_searched.contains(dir))
@@ -182,7 +185,9 @@ private:
             DIR *d = opendir(dir.constData());
             if (!d)
                 continue;
-            struct stat dirStat{};
+            struct stat dirStat
+            {
+            };
             if (fstat(dirfd(d), &dirStat) != 0 || !m_devices.contains(quint64(dirStat.st_dev))) {
                 closedir(d);
                 continue;
@@ -198,7 +203,9 @@ private:
                     match(child, e->d_ino);
                 bool isDir = e->d_type == DT_DIR;
                 if (e->d_type == DT_UNKNOWN) {
-                    struct stat st{};
+                    struct stat st
+                    {
+                    };
                     isDir = lstat(child.constData(), &st) == 0 && S_ISDIR(st.st_mode);
                 }
                 if (isDir)
@@ -248,7 +255,7 @@ QByteArray make(const QString &path)
 
 std::optional<QString> resolve(const QByteArray &reference)
 {
-    return resolveAll({reference}).constFirst();
+    return resolveAll({ reference }).constFirst();
 }
 
 QList<std::optional<QString>> resolveAll(const QList<QByteArray> &references)

@@ -16,8 +16,7 @@ SecretStore::Result resultOf(const QKeychain::Job *job)
     }
 }
 
-template<typename JobType>
-JobType *makeJob(const QString &service, const QString &key, QObject *parent)
+template<typename JobType> JobType *makeJob(const QString &service, const QString &key, QObject *parent)
 {
     auto *job = new JobType(service, parent);
     job->setAutoDelete(true);
@@ -32,8 +31,7 @@ JobType *makeJob(const QString &service, const QString &key, QObject *parent)
 KeychainSecretStore::KeychainSecretStore(QString service, QObject *parent)
     : QObject(parent)
     , m_service(std::move(service))
-{
-}
+{ }
 
 void KeychainSecretStore::read(const QString &key, ReadDone done)
 {
@@ -50,18 +48,14 @@ void KeychainSecretStore::write(const QString &key, const QString &secret, Done 
 {
     auto *job = makeJob<QKeychain::WritePasswordJob>(m_service, key, this);
     job->setTextData(secret);
-    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) {
-        done(resultOf(finished), finished->errorString());
-    });
+    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) { done(resultOf(finished), finished->errorString()); });
     job->start();
 }
 
 void KeychainSecretStore::remove(const QString &key, Done done)
 {
     auto *job = makeJob<QKeychain::DeletePasswordJob>(m_service, key, this);
-    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) {
-        done(resultOf(finished), finished->errorString());
-    });
+    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) { done(resultOf(finished), finished->errorString()); });
     job->start();
 }
 

@@ -39,7 +39,7 @@ Stat statOf(pid_t pid)
     const QList<QByteArray> fields = stat.mid(close + 2).split(' ');
     if (fields.size() < 4)
         return {};
-    return {fields.at(0).isEmpty() ? char(0) : fields.at(0).at(0), pid_t(fields.at(3).toInt())};
+    return { fields.at(0).isEmpty() ? char(0) : fields.at(0).at(0), pid_t(fields.at(3).toInt()) };
 }
 
 bool holdsMark(pid_t pid, const MarkFilter &filter)

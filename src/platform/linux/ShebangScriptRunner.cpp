@@ -13,11 +13,11 @@
 #include <QTimer>
 
 #include <csignal>
-#include <memory>
-#include <vector>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace Quillon {
 namespace {
@@ -42,7 +42,9 @@ bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &
     const int fd = ::open(script.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         return false;
-    struct stat st{};
+    struct stat st
+    {
+    };
     QFile file;
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(fd);
@@ -65,8 +67,7 @@ bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &
 ShebangScriptRunner::ShebangScriptRunner(QObject *parent)
     : QObject(parent)
     , m_runPrefix(QByteArray::number(::getpid()) + '-')
-{
-}
+{ }
 
 ShebangScriptRunner::~ShebangScriptRunner()
 {
@@ -80,13 +81,15 @@ void ShebangScriptRunner::signalRuns(pid_t script, quint64 first, quint64 last, 
         ::kill(script, signal);
         ::kill(-script, signal);
     }
-    ProcessFamily::signalMarked([this, first, last](const QByteArray &value) {
-        if (!value.startsWith(m_runPrefix))
-            return false;
-        bool number = false;
-        const quint64 run = value.mid(m_runPrefix.size()).toULongLong(&number);
-        return number && run >= first && run <= last;
-    }, signal);
+    ProcessFamily::signalMarked(
+        [this, first, last](const QByteArray &value) {
+            if (!value.startsWith(m_runPrefix))
+                return false;
+            bool number = false;
+            const quint64 run = value.mid(m_runPrefix.size()).toULongLong(&number);
+            return number && run >= first && run <= last;
+        },
+        signal);
 }
 
 void ShebangScriptRunner::start(const QString &path, Done done)
@@ -153,8 +156,8 @@ void ShebangScriptRunner::start(const QString &path, Done done)
     connect(m_process, &QProcess::readyReadStandardError, this, &ShebangScriptRunner::readErrors);
     connect(m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
         finish(status == QProcess::NormalExit && code == 0,
-               status == QProcess::CrashExit ? (m_overTime ? QStringLiteral("ended after the time limit") : QStringLiteral("ended by a signal"))
-                                             : QStringLiteral("exit status %1").arg(code));
+            status == QProcess::CrashExit ? (m_overTime ? QStringLiteral("ended after the time limit") : QStringLiteral("ended by a signal"))
+                                          : QStringLiteral("exit status %1").arg(code));
     });
     connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)

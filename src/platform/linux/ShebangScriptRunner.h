@@ -29,7 +29,7 @@ public:
     // Standard error is kept only for the record of a failure.
     static constexpr qsizetype MaxErrors = 4096;
     // SIGTERM, then SIGKILL after this; a process that outlives SIGKILL as long again is given up.
-    static constexpr std::chrono::milliseconds StopGrace{5000};
+    static constexpr std::chrono::milliseconds StopGrace { 5000 };
 
     explicit ShebangScriptRunner(QObject *parent = nullptr);
     ~ShebangScriptRunner() override;
@@ -56,7 +56,7 @@ private:
     bool m_outputCut = false;
     bool m_overTime = false;
     QElapsedTimer m_started;
-    std::chrono::seconds m_limit{0};
+    std::chrono::seconds m_limit { 0 };
     QTimer *m_limitTimer = nullptr;
     // A run's mark is our pid and its number: only what our own runs started is ever signalled.
     QByteArray m_runPrefix;

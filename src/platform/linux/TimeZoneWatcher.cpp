@@ -34,15 +34,13 @@ TimeZoneWatcher::TimeZoneWatcher(QObject *parent)
         connect(m_mounts.get(), &QSocketNotifier::activated, this, [this] {
             char buffer[4096];
             ::lseek(m_mountsFd, 0, SEEK_SET);
-            while (::read(m_mountsFd, buffer, sizeof buffer) > 0) {
-            }
+            while (::read(m_mountsFd, buffer, sizeof buffer) > 0) { }
             check();
         });
     }
     // timedated says so on the system bus as well; where there is one, it is heard too.
     QDBusConnection::systemBus().connect(QStringLiteral("org.freedesktop.timedate1"), QStringLiteral("/org/freedesktop/timedate1"),
-                                         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"), this,
-                                         SLOT(check()));
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"), this, SLOT(check()));
 }
 
 TimeZoneWatcher::~TimeZoneWatcher()
@@ -57,7 +55,9 @@ QByteArray TimeZoneWatcher::identity()
 {
     char target[4096] = {};
     const ssize_t n = ::readlink(LocalTime, target, sizeof target - 1);
-    struct stat st{};
+    struct stat st
+    {
+    };
     ::stat(LocalTime, &st);
     return QByteArray(target, n > 0 ? int(n) : 0) + ' ' + QByteArray::number(quint64(st.st_dev)) + ':' + QByteArray::number(quint64(st.st_ino)) + ':'
         + QByteArray::number(qint64(st.st_mtim.tv_sec)) + '.' + QByteArray::number(qint64(st.st_mtim.tv_nsec));

@@ -19,7 +19,7 @@ constexpr qint64 ResumeThresholdNSecs = 200'000'000;
 
 qint64 clockNSecs(clockid_t id)
 {
-    timespec ts{};
+    timespec ts {};
     clock_gettime(id, &ts);
     return qint64(ts.tv_sec) * 1'000'000'000 + ts.tv_nsec;
 }
@@ -27,8 +27,7 @@ qint64 clockNSecs(clockid_t id)
 
 TimerFdClock::TimerFdClock(QObject *parent)
     : TimerFdClock(&TimerFdClock::sleptNSecs, parent)
-{
-}
+{ }
 
 TimerFdClock::TimerFdClock(SleepGauge gauge, QObject *parent)
     : WallClock(parent)
@@ -92,7 +91,7 @@ void TimerFdClock::armKernel(qint64 deadlineMSecs)
 {
     if (m_fd < 0)
         return;
-    itimerspec spec{};
+    itimerspec spec {};
     // A zero it_value disarms the timer; the earliest real instant is 1 ns after the epoch.
     const qint64 ms = qMax<qint64>(deadlineMSecs, 0);
     spec.it_value.tv_sec = time_t(ms / 1000);

@@ -26,8 +26,7 @@ const QString SystemdManager = QStringLiteral("org.freedesktop.systemd1.Manager"
 constexpr int FirstWakingSystemd = 254;
 
 // Calls and hands the reply to done, on the event loop; never waits.
-template<typename Done>
-void callAsync(QObject *context, const QDBusMessage &call, Done done)
+template<typename Done> void callAsync(QObject *context, const QDBusMessage &call, Done done)
 {
     auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, done] {
@@ -153,7 +152,8 @@ void HelperWakeAlarm::release(std::function<void()> done)
         return;
     }
     // Its input closes and it ends, taking its alarms with it; one that does not is killed.
-    connect(&m_helper, &QProcess::finished, this, [done] { done(); }, Qt::SingleShotConnection);
+    connect(
+        &m_helper, &QProcess::finished, this, [done] { done(); }, Qt::SingleShotConnection);
     QTimer::singleShot(2000, &m_helper, [this] { m_helper.kill(); });
     m_helper.closeWriteChannel();
 }
@@ -161,7 +161,7 @@ void HelperWakeAlarm::release(std::function<void()> done)
 QString HelperWakeAlarm::installedHelper()
 {
     const QString dir = QCoreApplication::applicationDirPath();
-    for (const QString &candidate : {dir + QStringLiteral("/quillon-wake"), dir + QStringLiteral("/../libexec/quillon/quillon-wake")}) {
+    for (const QString &candidate : { dir + QStringLiteral("/quillon-wake"), dir + QStringLiteral("/../libexec/quillon/quillon-wake") }) {
         if (QFileInfo(candidate).isExecutable())
             return QFileInfo(candidate).canonicalFilePath();
     }
@@ -202,7 +202,7 @@ void HelperWakeAlarm::readAnswers()
 void KdeWakeAlarm::probe()
 {
     QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
     call << KdeService;
     callAsync(this, call, [this](const QDBusMessage &reply) {
         const bool there = reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).toBool();
@@ -255,17 +255,17 @@ void SystemdWakeAlarm::request(qint64 epochSecs)
     Q_UNUSED(registered);
     const QString stem = QStringLiteral("quillon-wake-%1-%2-%3").arg(::getpid()).arg(epochSecs).arg(++m_serial);
     const QString calendar = QDateTime::fromSecsSinceEpoch(epochSecs, Qt::UTC).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) + QStringLiteral(" UTC");
-    const UnitProperties timer{
-        {QStringLiteral("Description"), QDBusVariant(QStringLiteral("Wake the machine for Quillon"))},
-        {QStringLiteral("TimersCalendar"), QDBusVariant(QVariant::fromValue(QList<CalendarTimer>{{QStringLiteral("OnCalendar"), calendar}}))},
-        {QStringLiteral("WakeSystem"), QDBusVariant(true)},
-        {QStringLiteral("AccuracyUSec"), QDBusVariant(QVariant::fromValue(quint64(1'000'000)))},
-        {QStringLiteral("RemainAfterElapse"), QDBusVariant(false)},
+    const UnitProperties timer {
+        { QStringLiteral("Description"), QDBusVariant(QStringLiteral("Wake the machine for Quillon")) },
+        { QStringLiteral("TimersCalendar"), QDBusVariant(QVariant::fromValue(QList<CalendarTimer> { { QStringLiteral("OnCalendar"), calendar } })) },
+        { QStringLiteral("WakeSystem"), QDBusVariant(true) },
+        { QStringLiteral("AccuracyUSec"), QDBusVariant(QVariant::fromValue(quint64(1'000'000))) },
+        { QStringLiteral("RemainAfterElapse"), QDBusVariant(false) },
     };
     // The timer needs a unit to start; one that does nothing.
-    const QList<AuxUnit> aux{{stem + QStringLiteral(".service"),
-                              {{QStringLiteral("ExecStart"),
-                                QDBusVariant(QVariant::fromValue(QList<ExecCommand>{{QStringLiteral("/bin/true"), {QStringLiteral("/bin/true")}, false}}))}}}};
+    const QList<AuxUnit> aux { { stem + QStringLiteral(".service"),
+        { { QStringLiteral("ExecStart"),
+            QDBusVariant(QVariant::fromValue(QList<ExecCommand> { { QStringLiteral("/bin/true"), { QStringLiteral("/bin/true") }, false } })) } } } };
     QDBusMessage call = QDBusMessage::createMethodCall(SystemdService, SystemdPath, SystemdManager, QStringLiteral("StartTransientUnit"));
     call << stem + QStringLiteral(".timer") << QStringLiteral("fail") << QVariant::fromValue(timer) << QVariant::fromValue(aux);
     callAsync(this, call, [this](const QDBusMessage &reply) {

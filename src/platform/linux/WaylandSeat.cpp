@@ -26,8 +26,9 @@ void announced(void *data, wl_registry *, uint32_t, const char *interface, uint3
     if (std::strcmp(interface, wl_seat_interface.name) == 0)
         *static_cast<bool *>(data) = true;
 }
-void withdrawn(void *, wl_registry *, uint32_t) {}
-const wl_registry_listener Listener{announced, withdrawn};
+void withdrawn(void *, wl_registry *, uint32_t)
+{ }
+const wl_registry_listener Listener { announced, withdrawn };
 } // namespace
 
 bool WaylandSeat::compositorHasNoSeat()

@@ -26,7 +26,7 @@ private Q_SLOTS:
     // Without birth times (ext4 with 128-byte inodes) a deleted item's inode goes to the next new file.
     void onlyTheSameFileIsFoundAgain_data()
     {
-        QTest::addColumn<QString>("after");   // what happens to docs/report.sh once it is referenced
+        QTest::addColumn<QString>("after"); // what happens to docs/report.sh once it is referenced
         QTest::addColumn<bool>("found");
         QTest::newRow("moved by the user") << "mv" << true;
         QTest::newRow("deleted; another user's new file in a shared folder gets its inode") << "nobody" << false;
@@ -43,11 +43,12 @@ private Q_SLOTS:
             QSKIP("Needs root to mount a filesystem image and to create a file as another user.");
         if (m_mount.isEmpty()) {
             QVERIFY(makeImage());
-            if (!Test::run(QStringLiteral("mount"), {QStringLiteral("-o"), QStringLiteral("loop"), image(), m_dir.filePath(QStringLiteral("mnt"))}))
+            if (!Test::run(QStringLiteral("mount"), { QStringLiteral("-o"), QStringLiteral("loop"), image(), m_dir.filePath(QStringLiteral("mnt")) }))
                 QSKIP("Loop devices are not available here.");
             m_mount = m_dir.filePath(QStringLiteral("mnt"));
         }
-        const QString root = m_mount + QLatin1Char('/') + QString::fromLatin1(QTest::currentDataTag()).left(8).simplified().replace(QLatin1Char(' '), QLatin1Char('-'));
+        const QString root
+            = m_mount + QLatin1Char('/') + QString::fromLatin1(QTest::currentDataTag()).left(8).simplified().replace(QLatin1Char(' '), QLatin1Char('-'));
         QVERIFY(QDir().mkpath(root + QStringLiteral("/docs")) && QDir().mkpath(root + QStringLiteral("/kept")));
         const QString shared = root + QStringLiteral("/shared");
         QVERIFY(QDir().mkpath(shared));
@@ -56,7 +57,9 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(item, "#!/bin/sh\necho mine\n", true));
         const QByteArray reference = FileReference::make(item);
         QVERIFY(!reference.isEmpty());
-        struct stat before{};
+        struct stat before
+        {
+        };
         ::stat(QFile::encodeName(item).constData(), &before);
 
         QString other;
@@ -65,18 +68,22 @@ private Q_SLOTS:
             QVERIFY(QFile::rename(item, other));
         } else {
             QVERIFY(QFile::remove(item));
-            other = after == QLatin1String("nobody")      ? shared + QStringLiteral("/evil.sh")
-                  : after == QLatin1String("same name") ? root + QStringLiteral("/kept/report.sh")
-                  : after == QLatin1String("same size") ? root + QStringLiteral("/kept/other.sh")
-                                                        : root + QStringLiteral("/kept/notes.txt");
+            other = after == QLatin1String("nobody")  ? shared + QStringLiteral("/evil.sh")
+                : after == QLatin1String("same name") ? root + QStringLiteral("/kept/report.sh")
+                : after == QLatin1String("same size") ? root + QStringLiteral("/kept/other.sh")
+                                                      : root + QStringLiteral("/kept/notes.txt");
             const QByteArray text = after.startsWith(QLatin1String("same")) ? "#!/bin/sh\necho evil\n" : "other things entirely\n";
-            const QStringList as = after == QLatin1String("nobody") ? QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")}
-                                                                   : QStringList{QStringLiteral("--reuid=0")};
-            QVERIFY(Test::run(QStringLiteral("setpriv"), as + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("printf '%1' > '%2'").arg(QString::fromLatin1(text), other)}));
-            const timespec times[2] = {before.st_atim, before.st_mtim};
+            const QStringList as = after == QLatin1String("nobody")
+                ? QStringList { QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups") }
+                : QStringList { QStringLiteral("--reuid=0") };
+            QVERIFY(Test::run(QStringLiteral("setpriv"),
+                as + QStringList { QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("printf '%1' > '%2'").arg(QString::fromLatin1(text), other) }));
+            const timespec times[2] = { before.st_atim, before.st_mtim };
             QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         }
-        struct stat now{};
+        struct stat now
+        {
+        };
         ::stat(QFile::encodeName(other).constData(), &now);
         QCOMPARE(now.st_ino, before.st_ino); // the case this is about: the inode is the same
         QCOMPARE(FileReference::resolve(reference), found ? std::optional<QString>(other) : std::nullopt);
@@ -117,8 +124,8 @@ private:
         QFile file(image());
         // Another user must be able to reach the shared folder.
         return file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024) && QDir().mkpath(m_dir.filePath(QStringLiteral("mnt")))
-               && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0
-               && Test::run(QStringLiteral("mkfs.ext4"), {QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image()});
+            && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0
+            && Test::run(QStringLiteral("mkfs.ext4"), { QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image() });
     }
 
     QTemporaryDir m_dir;

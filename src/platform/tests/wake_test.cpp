@@ -5,8 +5,8 @@
 #include "Preferences.h"
 #include "Schedule.h"
 #include "SettingsKeys.h"
-#include "TimerFdClock.h"
 #include "TestSupport.h"
+#include "TimerFdClock.h"
 #include "WakeAlarms.h"
 
 #include <QDBusConnection>
@@ -20,8 +20,8 @@
 #include <unistd.h>
 
 using namespace Quillon;
-using Test::readFile;
 using Test::at;
+using Test::readFile;
 
 namespace {
 const QString Logind = QStringLiteral("org.freedesktop.login1");
@@ -32,7 +32,7 @@ const QString LogindManager = QStringLiteral("org.freedesktop.login1.Manager");
 struct Machine
 {
     explicit Machine(Preferences &prefs)
-        : power({alarm})
+        : power({ alarm })
         , schedule(prefs, clock)
     {
         schedule.setPowerService(&power);
@@ -42,14 +42,14 @@ struct Machine
     void start(const QList<std::pair<const char *, double>> &items)
     {
         for (const auto &[path, offset] : items) {
-            schedule.appendPaths({QString::fromUtf8(path)});
+            schedule.appendPaths({ QString::fromUtf8(path) });
             schedule.setDateAt(schedule.count() - 1, at(offset));
         }
         schedule.startStopButtonClicked();
     }
     FakeWakeAlarm *alarm = new FakeWakeAlarm; // owned by the service
     LogindPowerService power;
-    FakeClock clock{Test::Now};
+    FakeClock clock { Test::Now };
     Schedule schedule;
 };
 
@@ -83,10 +83,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("story");
         QTest::addColumn<QList<qint64>>("requests");
         const qint64 wake = at(1800 - 15).toSecsSinceEpoch();
-        QTest::newRow("10:00 and 09:30: one wake at 09:29:45") << "yes" << "two" << QList<qint64>{wake};
-        QTest::newRow("no armed item") << "yes" << "none" << QList<qint64>{};
-        QTest::newRow("schedule stopped") << "yes" << "stopped" << QList<qint64>{};
-        QTest::newRow("sleep not available (na)") << "na" << "two" << QList<qint64>{};
+        QTest::newRow("10:00 and 09:30: one wake at 09:29:45") << "yes"
+                                                               << "two" << QList<qint64> { wake };
+        QTest::newRow("no armed item") << "yes"
+                                       << "none" << QList<qint64> {};
+        QTest::newRow("schedule stopped") << "yes"
+                                          << "stopped" << QList<qint64> {};
+        QTest::newRow("sleep not available (na)") << "na"
+                                                  << "two" << QList<qint64> {};
     }
     void sleepRequestsOneWake()
     {
@@ -99,7 +103,7 @@ private Q_SLOTS:
         QVERIFY(m.power.registerForNotifications());
         QTRY_VERIFY(m.power.holdsInhibitor());
         if (story != QLatin1String("none"))
-            m.start({{"/ten", 3600}, {"/half-past-nine", 1800}});
+            m.start({ { "/ten", 3600 }, { "/half-past-nine", 1800 } });
         if (story == QLatin1String("stopped"))
             m.schedule.startStopButtonClicked();
         QTest::qWait(100); // CanSuspend's answer
@@ -120,20 +124,20 @@ private Q_SLOTS:
         QFETCH(bool, catchUp);
         Test::DBusMock logind;
         QVERIFY(startLogind(logind));
-        m_prefs.setValues({{Keys::OpenMissedItems, catchUp}, {Keys::RepeatSeconds, 1}, {Keys::TimeUnit, 3}});
-        auto reset = qScopeGuard([this] { m_prefs.setValues({{Keys::OpenMissedItems, false}, {Keys::RepeatSeconds, 0}}); });
+        m_prefs.setValues({ { Keys::OpenMissedItems, catchUp }, { Keys::RepeatSeconds, 1 }, { Keys::TimeUnit, 3 } });
+        auto reset = qScopeGuard([this] { m_prefs.setValues({ { Keys::OpenMissedItems, false }, { Keys::RepeatSeconds, 0 } }); });
         Machine m(m_prefs);
         QStringList opened;
         m.schedule.setLauncher([&opened](const QString &path, quint64) { opened << path; });
         QSignalSpy missed(&m.schedule, &Schedule::missed);
         QVERIFY(m.power.registerForNotifications());
-        m.start({{"/tomorrow", 86'400 + 600}, {"/daily-later", 120}, {"/daily-first", 60}});
+        m.start({ { "/tomorrow", 86'400 + 600 }, { "/daily-later", 120 }, { "/daily-first", 60 } });
         emitPrepareForSleep(true);
         m.clock.suspend(3600'000, false);
         emitPrepareForSleep(false);
         QTRY_COMPARE(missed.size(), 2);
         QCOMPARE(missed.at(0).at(1).toDateTime(), at(60));
-        const QStringList expected = catchUp ? QStringList{QStringLiteral("/daily-first"), QStringLiteral("/daily-later")} : QStringList{};
+        const QStringList expected = catchUp ? QStringList { QStringLiteral("/daily-first"), QStringLiteral("/daily-later") } : QStringList {};
         QCOMPARE(opened, expected);
         const QList<TimerSlot> timers = m.schedule.timers();
         QCOMPARE(m.schedule.dates().at(2), catchUp ? at(60 + 86'400) : at(60));
@@ -151,7 +155,7 @@ private Q_SLOTS:
         QVERIFY(m.power.registerForNotifications());
         QTRY_VERIFY(m.power.holdsInhibitor());
         QTRY_COMPARE(inhibitors(), 1);
-        m.start({{"/item", 600}});
+        m.start({ { "/item", 600 } });
 
         emitPrepareForSleep(true);
         QTRY_COMPARE(m.alarm->requests.size(), 1);
@@ -174,13 +178,13 @@ private Q_SLOTS:
     {
         auto *missing = new FakeWakeAlarm(false);
         auto *present = new FakeWakeAlarm(true);
-        LogindPowerService power({missing, present});
+        LogindPowerService power({ missing, present });
         power.registerForNotifications();
         QCOMPARE(power.chosenAlarm(), present);
         QVERIFY(power.schedulePowerWake(at(100), 15));
-        QCOMPARE(present->requests, QList<qint64>{at(85).toSecsSinceEpoch()});
+        QCOMPARE(present->requests, QList<qint64> { at(85).toSecsSinceEpoch() });
 
-        LogindPowerService none({new FakeWakeAlarm(false)});
+        LogindPowerService none({ new FakeWakeAlarm(false) });
         none.registerForNotifications();
         QVERIFY(!none.schedulePowerWake(at(100), 15));
         QVERIFY(!none.schedulePowerWake(at(200), 15));
@@ -193,9 +197,9 @@ private Q_SLOTS:
         const QString service = QStringLiteral("org.kde.Solid.PowerManagement");
         const QString log = m_home.filePath(QStringLiteral("kde.log"));
         Test::DBusMock kde;
-        QVERIFY(kde.start({service, QStringLiteral("/org/kde/Solid/PowerManagement"), service}, service, log));
+        QVERIFY(kde.start({ service, QStringLiteral("/org/kde/Solid/PowerManagement"), service }, service, log));
         kde.control(QStringLiteral("/org/kde/Solid/PowerManagement"), QStringLiteral("AddMethod"),
-                    {service, QStringLiteral("scheduleWakeup"), QStringLiteral("sot"), QStringLiteral("u"), QStringLiteral("ret = 7")});
+            { service, QStringLiteral("scheduleWakeup"), QStringLiteral("sot"), QStringLiteral("u"), QStringLiteral("ret = 7") });
         KdeWakeAlarm alarm;
         QSignalSpy probed(&alarm, &WakeAlarm::probed);
         QSignalSpy done(&alarm, &WakeAlarm::requestDone);
@@ -223,11 +227,11 @@ private Q_SLOTS:
         const QString service = QStringLiteral("org.freedesktop.systemd1");
         const QString log = m_home.filePath(QStringLiteral("systemd-%1.log").arg(version));
         Test::DBusMock systemd;
-        QVERIFY(systemd.start({QStringLiteral("--session"), QStringLiteral("--template"), QStringLiteral("systemd")}, service, log));
+        QVERIFY(systemd.start({ QStringLiteral("--session"), QStringLiteral("--template"), QStringLiteral("systemd") }, service, log));
         call(service, QStringLiteral("/org/freedesktop/systemd1"), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
-             {QStringLiteral("org.freedesktop.systemd1.Manager"), QStringLiteral("Version"), QVariant::fromValue(QDBusVariant(version))});
+            { QStringLiteral("org.freedesktop.systemd1.Manager"), QStringLiteral("Version"), QVariant::fromValue(QDBusVariant(version)) });
         auto *alarm = new SystemdWakeAlarm;
-        LogindPowerService power({alarm});
+        LogindPowerService power({ alarm });
         QSignalSpy chosen(&power, &LogindPowerService::wakeChoiceMade);
         power.registerForNotifications();
         QTRY_COMPARE(chosen.count(), 1);
@@ -275,7 +279,7 @@ private Q_SLOTS:
         // Awake again, the timer fires as before.
         events.clear();
         clock.aimAt(clock.nowMSecs() + 50);
-        QTRY_COMPARE(events, QStringList{QStringLiteral("expired")});
+        QTRY_COMPARE(events, QStringList { QStringLiteral("expired") });
     }
 
     void settingTheClockIsReported()
@@ -287,7 +291,7 @@ private Q_SLOTS:
         QSignalSpy expired(&clock, &WallClock::expired);
         clock.aimAt(clock.nowMSecs() + 3600'000);
         // Set to what it already reads: any setting of the clock cancels the timer.
-        timespec now{};
+        timespec now {};
         ::clock_gettime(CLOCK_REALTIME, &now);
         QCOMPARE(::clock_settime(CLOCK_REALTIME, &now), 0);
         QTRY_COMPARE(changed.count(), 1);
@@ -323,21 +327,21 @@ private Q_SLOTS:
         }
         QVERIFY(found);
         alarm.reset(); // Quillon quits: the helper's input closes and it ends
-        QTRY_VERIFY(!QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)) ||
-                    readFile(QStringLiteral("/proc/%1/stat").arg(pid)).contains(QLatin1String(") Z ")));
+        QTRY_VERIFY(
+            !QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)) || readFile(QStringLiteral("/proc/%1/stat").arg(pid)).contains(QLatin1String(") Z ")));
     }
 
 private:
     bool startLogind(Test::DBusMock &logind, const QString &canSuspend = QStringLiteral("yes"))
     {
-        return logind.start({QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind"), QStringLiteral("-p"),
-                             QStringLiteral("{\"CanSuspend\": \"%1\"}").arg(canSuspend)},
-                            Logind, m_home.filePath(QStringLiteral("logind.log")));
+        return logind.start({ QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind"), QStringLiteral("-p"),
+                                QStringLiteral("{\"CanSuspend\": \"%1\"}").arg(canSuspend) },
+            Logind, m_home.filePath(QStringLiteral("logind.log")));
     }
     void emitPrepareForSleep(bool start)
     {
         call(Logind, LogindPath, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"),
-             {LogindManager, QStringLiteral("PrepareForSleep"), QStringLiteral("b"), QVariant::fromValue(QVariantList{start})});
+            { LogindManager, QStringLiteral("PrepareForSleep"), QStringLiteral("b"), QVariant::fromValue(QVariantList { start }) });
     }
     int inhibitors()
     {

@@ -39,11 +39,11 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("rows");
         QTest::addColumn<int>("armed");
         QTest::addColumn<QByteArray>("restoredIn"); // the zone of the next start; saved in Berlin
-        QTest::newRow("as saved") << false << 0 << QList<int>{0, 1, 2} << 2 << QByteArray("Europe/Berlin");
-        QTest::newRow("middle file deleted") << true << 0 << QList<int>{0, 2} << 2 << QByteArray("Europe/Berlin");
-        QTest::newRow("every date passed") << false << 1 << QList<int>{0, 1, 2} << 0 << QByteArray("Europe/Berlin");
+        QTest::newRow("as saved") << false << 0 << QList<int> { 0, 1, 2 } << 2 << QByteArray("Europe/Berlin");
+        QTest::newRow("middle file deleted") << true << 0 << QList<int> { 0, 2 } << 2 << QByteArray("Europe/Berlin");
+        QTest::newRow("every date passed") << false << 1 << QList<int> { 0, 1, 2 } << 0 << QByteArray("Europe/Berlin");
         // A laptop that travelled: the moments are the same, 8 hours later on the wall.
-        QTest::newRow("started in another zone") << false << 0 << QList<int>{0, 1, 2} << 2 << QByteArray("Asia/Tokyo");
+        QTest::newRow("started in another zone") << false << 0 << QList<int> { 0, 1, 2 } << 2 << QByteArray("Asia/Tokyo");
     }
     void savedListComesBack()
     {
@@ -61,19 +61,19 @@ private Q_SLOTS:
             qunsetenv("TZ");
             ::tzset();
         });
-        const QStringList paths = {file("a.txt"), file("b.txt"), file("c.txt")};
+        const QStringList paths = { file("a.txt"), file("b.txt"), file("c.txt") };
         // Moments: a local date of the test itself would move with the zone.
-        const QList<QDateTime> dates{at(100).toUTC(), at(200).toUTC(), at(-300).toUTC()};
+        const QList<QDateTime> dates { at(100).toUTC(), at(200).toUTC(), at(-300).toUTC() };
         {
             auto s = makeSchedule();
             s->appendPaths(paths);
             for (int i = 0; i < 3; ++i)
-                s->setDate({i}, dates[i]);
+                s->setDate({ i }, dates[i]);
             s->startTimers(true);
             if (deleteMiddle)
                 QVERIFY(QFile::remove(paths[1]));
             // Left out, and told: the dates are written whole, so the last item takes the middle one's.
-            QCOMPARE(s->saveItems(), deleteMiddle ? QStringList{paths[1]} : QStringList{});
+            QCOMPARE(s->saveItems(), deleteMiddle ? QStringList { paths[1] } : QStringList {});
         }
         m_clock.advance(hoursLater * 3600'000);
         zone(restoredIn);
@@ -104,8 +104,8 @@ private Q_SLOTS:
         const Test::CapturedLog log;
         {
             auto s = makeSchedule();
-            s->appendPaths({file("a.txt"), file("b.txt")});
-            s->setDate({0, 1}, at(100));
+            s->appendPaths({ file("a.txt"), file("b.txt") });
+            s->setDate({ 0, 1 }, at(100));
             s->startTimers(true);
             s->saveItems();
             s->startStopButtonClicked();
@@ -125,10 +125,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("to");
-        QTest::newRow("renamed in its folder") << "docs/report.txt" << "docs/final report.txt";
-        QTest::newRow("moved to a sibling folder") << "docs/report.txt" << "archive/report.txt";
-        QTest::newRow("moved and renamed, old folder gone") << "old/deep/report.txt" << "new/place/r.txt";
-        QTest::newRow("moved into a subfolder") << "report.txt" << "a/b/c/report.txt";
+        QTest::newRow("renamed in its folder") << "docs/report.txt"
+                                               << "docs/final report.txt";
+        QTest::newRow("moved to a sibling folder") << "docs/report.txt"
+                                                   << "archive/report.txt";
+        QTest::newRow("moved and renamed, old folder gone") << "old/deep/report.txt"
+                                                            << "new/place/r.txt";
+        QTest::newRow("moved into a subfolder") << "report.txt"
+                                                << "a/b/c/report.txt";
         // Names from a Latin-1 system are not UTF-8: found by their bytes all the same.
         QTest::newRow("Latin-1, renamed") << FileName::decode("caf\xe9.txt") << FileName::decode("d\xe9j\xe0.txt");
     }
@@ -231,7 +235,7 @@ private:
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
     std::unique_ptr<QTemporaryDir> m_files;
-    FakeClock m_clock{Now};
+    FakeClock m_clock { Now };
 };
 
 QTEST_GUILESS_MAIN(PersistenceTest)

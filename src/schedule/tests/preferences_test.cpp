@@ -82,7 +82,7 @@ private Q_SLOTS:
         done = true;
         watcher.join();
         ::umask(old);
-        QCOMPARE(seen, QSet<QByteArray>{"0022"});
+        QCOMPARE(seen, QSet<QByteArray> { "0022" });
     }
 
     void fallbackFilesAreNotRead()
@@ -104,11 +104,13 @@ private Q_SLOTS:
         const QByteArray bad = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x7)";
         const QByteArray good = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x1)";
         QTest::newRow("malformed section") << QByteArray("serverPort=25\nrecipientEmail=ann@example.org\n[General\nsendEmail=true\n") << "";
-        QTest::newRow("damaged date") << "serverPort=25\nrecipientEmail=ann@example.org\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n" << "When";
+        QTest::newRow("damaged date") << "serverPort=25\nrecipientEmail=ann@example.org\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n"
+                                      << "When";
         QByteArray junk;
         for (int i = 0; i < 2000; ++i)
             junk += "\x7f" + QByteArray::number(i, 36) + "=\x01\n";
-        QTest::newRow("junk that parses as keys") << "serverPort=25\nrecipientEmail=ann@example.org\n" + junk + "[General\n" << "";
+        QTest::newRow("junk that parses as keys") << "serverPort=25\nrecipientEmail=ann@example.org\n" + junk + "[General\n"
+                                                  << "";
     }
     void damagedFileKeepsEveryReadableKey()
     {
@@ -125,10 +127,11 @@ private Q_SLOTS:
         QCOMPARE(m_settings.read(QStringLiteral("recipientEmail")).toString(), QStringLiteral("ann@example.org"));
         // Only keys of ours are saved anew; the rest stays in the kept copy.
         const QStringList saved = QSettings(m_settings.file(), QSettings::IniFormat).allKeys();
-        QVERIFY2(std::all_of(saved.begin(), saved.end(), [](const QString &key) { return Keys::isKnown(key); }), qPrintable(saved.join(QLatin1Char(' ')).left(300)));
+        QVERIFY2(
+            std::all_of(saved.begin(), saved.end(), [](const QString &key) { return Keys::isKnown(key); }), qPrintable(saved.join(QLatin1Char(' ')).left(300)));
         if (!gone.isEmpty())
             QVERIFY(m_settings.read(gone).isNull() && m_settings.read(QStringLiteral("Dates")).toList().size() == 2);
-        const QStringList kept = QDir(m_settings.configDir()).entryList({QStringLiteral("Quillon.conf.unreadable-*")});
+        const QStringList kept = QDir(m_settings.configDir()).entryList({ QStringLiteral("Quillon.conf.unreadable-*") });
         QCOMPARE(kept.size(), 1);
         QCOMPARE(Test::readFile(m_settings.configDir() + QLatin1Char('/') + kept.first()).toUtf8(), "[General]\n" + ini);
         QDir(m_settings.configDir()).remove(kept.first());

@@ -16,7 +16,7 @@ using namespace Quillon;
 namespace {
 constexpr uid_t Nobody = 65534;
 
-const QStringList AsNobody{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")};
+const QStringList AsNobody { QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups") };
 
 // The probe saves a one-item list with its settings under home, as uid 65534 where asked; -1 if it hung.
 int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
@@ -25,7 +25,8 @@ int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home);
     probe.setProcessEnvironment(env);
     // setpriv with no options runs the program as it is.
-    probe.start(QStringLiteral("setpriv"), (asNobody ? AsNobody : QStringList()) + QStringList{QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname")});
+    probe.start(
+        QStringLiteral("setpriv"), (asNobody ? AsNobody : QStringList()) + QStringList { QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname") });
     return probe.waitForFinished(20'000) ? probe.exitCode() : -1;
 }
 } // namespace
@@ -45,8 +46,8 @@ private Q_SLOTS:
         QTest::newRow("write-only (0200)") << good << 0200u << 0700u;
         QTest::newRow("read-only (0400)") << good << 0400u << 0700u;
         QTest::newRow("read-only folder (0500)") << good << 0600u << 0500u;
-        QTest::newRow("malformed: a quote swallows the rest") << QByteArray("[General]\nrecipientName=\"Ann\nItems=/etc/hostname\nsendEmail=true\n")
-                                                              << 0600u << 0700u;
+        QTest::newRow("malformed: a quote swallows the rest")
+            << QByteArray("[General]\nrecipientName=\"Ann\nItems=/etc/hostname\nsendEmail=true\n") << 0600u << 0700u;
     }
     void fileThatCannotBeReadOrWrittenSurvives()
     {
@@ -59,11 +60,13 @@ private Q_SLOTS:
         const QString dir = home.filePath(QStringLiteral("Quillon"));
         const QString file = dir + QStringLiteral("/Quillon.conf");
         QVERIFY(Test::writeFile(file, ini));
-        for (const QString &p : {home.path(), dir, file})
+        for (const QString &p : { home.path(), dir, file })
             QCOMPARE(::chown(QFile::encodeName(p).constData(), Nobody, Nobody), 0);
         ::chmod(QFile::encodeName(file).constData(), fileMode);
         ::chmod(QFile::encodeName(dir).constData(), dirMode);
-        struct stat before{};
+        struct stat before
+        {
+        };
         ::stat(QFile::encodeName(file).constData(), &before);
 
         QProcess probe;
@@ -80,7 +83,9 @@ private Q_SLOTS:
             kept = kept || Test::readFile(path).toUtf8() == ini;
         }
         QVERIFY2(kept, qPrintable(log));
-        struct stat after{};
+        struct stat after
+        {
+        };
         if (::stat(QFile::encodeName(file).constData(), &after) == 0 && after.st_ino == before.st_ino)
             QCOMPARE(uint(after.st_mode & 07777), 0600u); // set back by us above: the probe left the inode alone
         QCOMPARE(Test::modeOf(home.path()), 0700u);
@@ -91,10 +96,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kind");
-        QTest::newRow("FIFO as the settings file") << "Quillon.conf" << "fifo";
-        QTest::newRow("FIFO as the window state") << "window.conf" << "fifo";
-        QTest::newRow("folder as the settings file") << "Quillon.conf" << "folder";
-        QTest::newRow("folder as the settings lock") << "Quillon.conf.lock" << "folder";
+        QTest::newRow("FIFO as the settings file") << "Quillon.conf"
+                                                   << "fifo";
+        QTest::newRow("FIFO as the window state") << "window.conf"
+                                                  << "fifo";
+        QTest::newRow("folder as the settings file") << "Quillon.conf"
+                                                     << "folder";
+        QTest::newRow("folder as the settings lock") << "Quillon.conf.lock"
+                                                     << "folder";
     }
     void oddFilesInTheSettingsFolder()
     {
@@ -115,7 +124,7 @@ private Q_SLOTS:
         QVERIFY2(log.contains(QLatin1String("set aside")), qPrintable(log));
         QVERIFY(QFileInfo(conf).isFile());
         QVERIFY(Test::readFile(conf).contains(QLatin1String("QUILLON-REF")));
-        QCOMPARE(QDir(dir).entryList({name + QStringLiteral(".unreadable-*")}, QDir::AllEntries | QDir::System).size(), 1);
+        QCOMPARE(QDir(dir).entryList({ name + QStringLiteral(".unreadable-*") }, QDir::AllEntries | QDir::System).size(), 1);
     }
 
     // In a folder of mode 0755 the new settings file is never readable by others, not even for an instant.
@@ -126,10 +135,12 @@ private Q_SLOTS:
         QTemporaryDir home;
         const QString dir = home.filePath(QStringLiteral("Quillon"));
         QVERIFY(QDir().mkpath(dir));
-        for (const QString &p : {home.path(), dir})
+        for (const QString &p : { home.path(), dir })
             ::chmod(QFile::encodeName(p).constData(), 0755);
         QProcess reader;
-        reader.start(QStringLiteral("setpriv"), AsNobody + QStringList{QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+        reader.start(QStringLiteral("setpriv"),
+            AsNobody
+                + QStringList { QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
 import contextlib, os, sys
 d, stop, seen = sys.argv[1], sys.argv[2], b''
 print('ready', flush=True)
@@ -138,7 +149,8 @@ while not os.path.exists(stop):
         with contextlib.suppress(OSError), open(os.path.join(d, name), 'rb') as f:
             seen += f.read()
 sys.stdout.buffer.write(seen)
-)"), dir, home.filePath(QStringLiteral("stop"))});
+)"),
+                    dir, home.filePath(QStringLiteral("stop")) });
         QVERIFY(reader.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(reader.canReadLine() || reader.state() != QProcess::Running, 10'000);
         const bool ready = reader.readLine() == "ready\n";
@@ -180,12 +192,14 @@ sys.stdout.buffer.write(seen)
 
         const Test::CapturedLog log;
         Preferences prefs;
-        prefs.setValues({{Keys::LoginPassword, QStringLiteral("secret")}, {Keys::Items, QVariantList{QByteArray(200, 'a')}}});
+        prefs.setValues({ { Keys::LoginPassword, QStringLiteral("secret") }, { Keys::Items, QVariantList { QByteArray(200, 'a') } } });
         const QString before = Test::readFile(prefs.fileName());
         QVERIFY(before.contains(QLatin1String("secret")));
 
         // Leave less room than the new file needs.
-        struct statvfs fs{};
+        struct statvfs fs
+        {
+        };
         QCOMPARE(::statvfs(QFile::encodeName(mountPoint.path()).constData(), &fs), 0);
         QFile filler(mountPoint.filePath(QStringLiteral("filler")));
         QVERIFY(filler.open(QIODevice::WriteOnly));

@@ -16,7 +16,7 @@ int main(int argc, char *argv[])
     if (preferences.rememberItems())
         schedule.restoreItems();
     if (argc > 1)
-        schedule.appendPaths({QString::fromLocal8Bit(argv[1])});
+        schedule.appendPaths({ QString::fromLocal8Bit(argv[1]) });
     schedule.saveItems();
     return 0;
 }

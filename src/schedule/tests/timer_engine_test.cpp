@@ -38,7 +38,7 @@ private Q_SLOTS:
 
     void onlyStrictlyFutureDatesAreArmed()
     {
-        add({{"now", 0}, {"past", -5}, {"soon", 0.001}, {"later", 60}});
+        add({ { "now", 0 }, { "past", -5 }, { "soon", 0.001 }, { "later", 60 } });
         m_schedule->startTimers(false);
         QVERIFY(m_schedule->timersRunning());
         QCOMPARE(m_schedule->timersRemaining(), 2);
@@ -61,7 +61,7 @@ private Q_SLOTS:
     {
         QFETCH(int, how);
         QFETCH(int, alerts);
-        add({{"past", -1}});
+        add({ { "past", -1 } });
         QSignalSpy spy(m_schedule.get(), &Schedule::alertRequested);
         if (how == 0)
             m_schedule->startStopButtonClicked();
@@ -83,20 +83,20 @@ private Q_SLOTS:
     {
         QFETCH(bool, quitWhenDone);
         m_prefs.setValue(Keys::QuitWhenDone, quitWhenDone);
-        add({{"c", 30}, {"a", 10}, {"b", 20}});
+        add({ { "c", 30 }, { "a", 10 }, { "b", 20 } });
         QSignalSpy quit(m_schedule.get(), &Schedule::quitRequested);
         QSignalSpy told(m_schedule.get(), &Schedule::stoppedByItself);
         m_schedule->startStopButtonClicked();
         m_clock->advance(9999);
         QVERIFY(m_launched.isEmpty());
         m_clock->advance(1);
-        QCOMPARE(m_launched, QStringList{"a"});
+        QCOMPARE(m_launched, QStringList { "a" });
         QVERIFY(!m_schedule->timers()[1]->isValid()); // fired, kept in its slot
         m_clock->advance(10'000);
         QCOMPARE(quit.count(), 0);
         m_clock->advance(10'000);
-        QCOMPARE(m_launched, (QStringList{"a", "b", "c"}));
-        QCOMPARE(m_launchTimes, (QList<qint64>{Now + 10'000, Now + 20'000, Now + 30'000}));
+        QCOMPARE(m_launched, (QStringList { "a", "b", "c" }));
+        QCOMPARE(m_launchTimes, (QList<qint64> { Now + 10'000, Now + 20'000, Now + 30'000 }));
         QVERIFY(!m_schedule->timersRunning());
         QCOMPARE(quit.count(), quitWhenDone ? 1 : 0);
         QCOMPARE(told.count(), 1);
@@ -120,8 +120,8 @@ private Q_SLOTS:
         QFETCH(qint64, msecs);
         QFETCH(bool, armed);
         m_prefs.setValue(Keys::RepeatSeconds, 1);
-        add({{"edge", 0}});
-        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
+        add({ { "edge", 0 } });
+        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
         m_schedule->startTimers(true);
         QCOMPARE(m_schedule->timersRemaining(), armed ? 1 : 0);
         m_clock->advance(86'400'000);
@@ -130,21 +130,21 @@ private Q_SLOTS:
 
     void stopAndStartAgain()
     {
-        add({{"a", 10}, {"b", 100}});
+        add({ { "a", 10 }, { "b", 100 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000);
-        QCOMPARE(m_launched, QStringList{"a"});
+        QCOMPARE(m_launched, QStringList { "a" });
         m_schedule->startStopButtonClicked(); // stop
         QVERIFY(!m_schedule->timersRunning());
         QVERIFY(!m_schedule->timers()[0] && !m_schedule->timers()[1]);
-        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(10), at(100)}));
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime> { at(10), at(100) }));
         m_clock->advance(200'000);
         QCOMPARE(m_launched.size(), 1); // stopped timers never fire
-        m_schedule->setDate({1}, at(300));
+        m_schedule->setDate({ 1 }, at(300));
         m_schedule->startStopButtonClicked();
         QCOMPARE(m_schedule->timersRemaining(), 1); // "a" is past and not armed again
         m_clock->advance(100'000);
-        QCOMPARE(m_launched, (QStringList{"a", "b"}));
+        QCOMPARE(m_launched, (QStringList { "a", "b" }));
     }
 
     void repeatPeriod_data()
@@ -166,7 +166,7 @@ private Q_SLOTS:
         QFETCH(qint64, periodSecs);
         m_prefs.setValue(Keys::RepeatSeconds, count);
         m_prefs.setValue(Keys::TimeUnit, unit);
-        add({{"r", 10}});
+        add({ { "r", 10 } });
         m_schedule->startStopButtonClicked();
         // Fire a little late: the next date counts from the scheduled date, not the firing.
         m_clock->advance(10'250);
@@ -181,7 +181,7 @@ private Q_SLOTS:
     void lateRepeatingItemOpensAtMostTwice()
     {
         m_prefs.setValue(Keys::RepeatSeconds, 60);
-        add({{"r", 10}});
+        add({ { "r", 10 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000 + 3600'000); // an hour late: sixty periods missed
         QCOMPARE(m_launched.size(), 1);
@@ -208,14 +208,14 @@ private Q_SLOTS:
         QFETCH(double, due);
         QFETCH(qint64, jump);
         QFETCH(bool, firedBefore);
-        add({{"a", due}});
+        add({ { "a", due } });
         m_schedule->startStopButtonClicked();
         QTest::qWait(10);
         m_clock->setClock(Now + jump);
         m_clock->advance(61'000);
         QTRY_COMPARE(m_launched.size(), firedBefore ? 1 : 0);
         m_clock->advance(3600'000);
-        QCOMPARE(m_launched, QStringList{"a"});
+        QCOMPARE(m_launched, QStringList { "a" });
     }
 
     // A firing is the row and its moment: once it happened, no re-arm, clock step or restart opens
@@ -229,24 +229,24 @@ private Q_SLOTS:
     void aFiringHappensOnce()
     {
         QFETCH(int, rearm);
-        add({{"a", 30}, {"later", 3600}});
+        add({ { "a", 30 }, { "later", 3600 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(31'000);
-        QCOMPARE(m_launched, QStringList{"a"});
+        QCOMPARE(m_launched, QStringList { "a" });
         m_clock->setClock(Now - 10'000);
         if (rearm == 0) {
-            m_schedule->setDate({1}, at(3000));
+            m_schedule->setDate({ 1 }, at(3000));
         } else {
             m_schedule->startStopButtonClicked();
             m_schedule->startStopButtonClicked();
         }
         m_clock->advance(60'000);
-        QCOMPARE(m_launched, QStringList{"a"});
+        QCOMPARE(m_launched, QStringList { "a" });
     }
 
     void resumeDropsItemsDueDuringSleepAndKeepsTheRest()
     {
-        add({{"during", 100}, {"after", 1000}});
+        add({ { "during", 100 }, { "after", 1000 } });
         // Stopped, a wake changes nothing.
         QSignalSpy running(m_schedule.get(), &Schedule::runningStateChanged);
         m_clock->suspend(10'000);
@@ -259,7 +259,7 @@ private Q_SLOTS:
         QVERIFY(m_schedule->timersRunning());
         QCOMPARE(m_schedule->timersRemaining(), 1);
         m_clock->advance(500'000);
-        QCOMPARE(m_launched, QStringList{"after"});
+        QCOMPARE(m_launched, QStringList { "after" });
     }
 
     void repeatAsksForAWakeBeforeTheEarliestItem()
@@ -268,11 +268,11 @@ private Q_SLOTS:
         m_schedule->setPowerService(&power);
         m_prefs.setValue(Keys::RepeatSeconds, 1);
         m_prefs.setValue(Keys::TimeUnit, 2);
-        add({{"a", 10}, {"b", 1800}, {"c", 10}});
+        add({ { "a", 10 }, { "b", 1800 }, { "c", 10 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(10'000);
         // Two repeats in one turn, one request.
-        QTRY_COMPARE(power.wakes, QList<QDateTime>{at(1800 - 15)});
+        QTRY_COMPARE(power.wakes, QList<QDateTime> { at(1800 - 15) });
         QTest::qWait(20);
         QCOMPARE(power.wakes.size(), 1);
     }
@@ -282,13 +282,13 @@ private Q_SLOTS:
     {
         FakePowerService power;
         m_schedule->setPowerService(&power);
-        add({{"ten", 3600}, {"half past nine", 1800}, {"soon", 5}});
+        add({ { "ten", 3600 }, { "half past nine", 1800 }, { "soon", 5 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(5000); // "soon" fires and is spent
-        m_schedule->setDate({1}, at(7200));
+        m_schedule->setDate({ 1 }, at(7200));
         m_schedule->restartTimers(); // its old timer is cancelled
         m_schedule->scheduleWakeUp();
-        QCOMPARE(power.wakes, QList<QDateTime>{at(3600 - 15)});
+        QCOMPARE(power.wakes, QList<QDateTime> { at(3600 - 15) });
     }
 
     void realClockArmsFarDatesAndFiresNearOnesOnTime()
@@ -298,10 +298,10 @@ private Q_SLOTS:
         QList<qint64> firedAt;
         schedule.setLauncher([&](const QString &, quint64) { firedAt << real.nowMSecs(); });
         const qint64 now = real.nowMSecs();
-        schedule.appendPaths({QStringLiteral("far"), QStringLiteral("near")});
-        schedule.setDate({0}, QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000));
+        schedule.appendPaths({ QStringLiteral("far"), QStringLiteral("near") });
+        schedule.setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000));
         const qint64 nearDate = now + 300;
-        schedule.setDate({1}, QDateTime::fromMSecsSinceEpoch(nearDate));
+        schedule.setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(nearDate));
         schedule.startStopButtonClicked();
         QCOMPARE(schedule.timersRemaining(), 2);
         QTRY_COMPARE(firedAt.size(), 1);
@@ -316,7 +316,8 @@ private Q_SLOTS:
     {
         TimerFdClock real;
         Schedule schedule(m_prefs, real);
-        const auto openDescriptors = [] { return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size(); };
+        const auto openDescriptors
+            = [] { return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size(); };
         const qsizetype before = openDescriptors();
         QStringList paths;
         for (int i = 0; i < 100'000; ++i)
@@ -371,7 +372,7 @@ private:
     {
         for (const auto &[name, offset] : items) {
             m_schedule->addPath(QString::fromLatin1(name), m_schedule->count());
-            m_schedule->setDate({m_schedule->count() - 1}, at(offset));
+            m_schedule->setDate({ m_schedule->count() - 1 }, at(offset));
         }
     }
 

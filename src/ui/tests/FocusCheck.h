@@ -32,7 +32,7 @@ inline QSize focusedPart(QWidget *w)
 {
     // A list shows it on the current row, a tab bar on the tab, a stretched check box around what it draws.
     if (auto *view = qobject_cast<QAbstractItemView *>(w))
-        return {view->viewport()->width(), view->visualRect(view->currentIndex()).height()};
+        return { view->viewport()->width(), view->visualRect(view->currentIndex()).height() };
     if (auto *tabs = qobject_cast<QTabBar *>(w))
         return tabs->tabRect(tabs->currentIndex()).size();
     return w->sizeHint().boundedTo(w->size());
@@ -45,7 +45,7 @@ inline QStringList controlsWithoutVisibleFocus(QWidget *window)
     window->show();
     window->activateWindow();
     if (!QTest::qWaitForWindowActive(window))
-        return {QStringLiteral("(window never became active)")};
+        return { QStringLiteral("(window never became active)") };
     QStringList unseen;
     QList<QWidget *> visited;
     QWidget *previous = nullptr;

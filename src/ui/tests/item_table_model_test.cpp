@@ -26,7 +26,7 @@ class ItemTableModelTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_prefs.setValues({{Keys::AddFolderFiles, false}, {Keys::AddFolderFilesRecursively, false}});
+        m_prefs.setValues({ { Keys::AddFolderFiles, false }, { Keys::AddFolderFilesRecursively, false } });
         m_clock = std::make_unique<FakeClock>(Now);
         m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
         m_workspace = FakeWorkspace();
@@ -46,8 +46,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("iconPath");
-        QTest::newRow("plain file") << "/home/me/Documents/Report.txt" << "Report.txt" << "/home/me/Documents/Report.txt";
-        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x" << "x" << "/A.app";
+        QTest::newRow("plain file") << "/home/me/Documents/Report.txt"
+                                    << "Report.txt"
+                                    << "/home/me/Documents/Report.txt";
+        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x"
+                                           << "x"
+                                           << "/A.app";
     }
     void pathCells()
     {
@@ -66,8 +70,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("en_US") << "en_US" << "Mar 1, 2026, 8:30:05 AM";
-        QTest::newRow("de_DE") << "de_DE" << "01.03.2026, 08:30:05";
+        QTest::newRow("en_US") << "en_US"
+                               << "Mar 1, 2026, 8:30:05 AM";
+        QTest::newRow("de_DE") << "de_DE"
+                               << "01.03.2026, 08:30:05";
     }
     void mediumDateStyle()
     {
@@ -83,9 +89,9 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 4; ++i)
             m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
-        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 400));
-        m_schedule->setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
-        m_schedule->setDate({2}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_schedule->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+        m_schedule->setDate({ 2 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         m_schedule->startTimers(true);
         QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 3).isValid()); // placeholder
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("0 secs"));
@@ -110,8 +116,8 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 6; ++i)
             m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
-        m_schedule->setDate({1, 2, 4}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
-        m_schedule->setDate({0, 3, 5}, QDateTime::fromMSecsSinceEpoch(Now + 9000));
+        m_schedule->setDate({ 1, 2, 4 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->setDate({ 0, 3, 5 }, QDateTime::fromMSecsSinceEpoch(Now + 9000));
         m_schedule->startTimers(true);
         QSignalSpy changed(m_model.get(), &QAbstractItemModel::dataChanged);
         m_clock->advanceSecs(2);
@@ -122,7 +128,7 @@ private Q_SLOTS:
             for (int r = signal.at(0).toModelIndex().row(); r <= signal.at(1).toModelIndex().row(); ++r)
                 rows.insert(r);
         }
-        QCOMPARE(rows, (QSet<int>{1, 2, 4}));
+        QCOMPARE(rows, (QSet<int> { 1, 2, 4 }));
         QCOMPARE(changed.size(), 2); // rows 1-2, then row 4
     }
 
@@ -130,17 +136,18 @@ private Q_SLOTS:
     {
         m_schedule->addPath(QStringLiteral("/soon"), 0);
         m_schedule->addPath(QStringLiteral("/later"), 1);
-        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 400));
-        m_schedule->setDate({1}, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
+        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_schedule->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
         m_schedule->startTimers(true);
         const auto tip = [this](int row, int column) { return m_model->data(m_model->index(row, column), Qt::ToolTipRole).toString(); };
-        QVERIFY2(tip(1, ItemTableModel::FileColumn).startsWith(QLatin1String("Opens ")) && tip(1, ItemTableModel::FileColumn).endsWith(QLatin1String("(in 3 days)")),
-                 qPrintable(tip(1, ItemTableModel::FileColumn)));
+        QVERIFY2(
+            tip(1, ItemTableModel::FileColumn).startsWith(QLatin1String("Opens ")) && tip(1, ItemTableModel::FileColumn).endsWith(QLatin1String("(in 3 days)")),
+            qPrintable(tip(1, ItemTableModel::FileColumn)));
         QVERIFY(!tip(0, ItemTableModel::FileColumn).contains(QLatin1String("days")));
         QCOMPARE(tip(0, ItemTableModel::CheckColumn), QStringLiteral("Waiting"));
         m_clock->advance(400);
         QCOMPARE(tip(0, ItemTableModel::CheckColumn),
-                 QStringLiteral("Opened at %1").arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(QStringLiteral("HH:mm:ss"))));
+            QStringLiteral("Opened at %1").arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(QStringLiteral("HH:mm:ss"))));
     }
 
     void movingRows_data()
@@ -148,19 +155,19 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("dragged");
         QTest::addColumn<int>("dropRow");
         QTest::addColumn<QStringList>("order");
-        QTest::newRow("first to after the last") << QList<int>{0} << 3 << QStringList{"b", "c", "a"};
-        QTest::newRow("just below itself") << QList<int>{0} << 1 << QStringList{"a", "b", "c"};
-        QTest::newRow("last to the top") << QList<int>{2} << 0 << QStringList{"c", "a", "b"};
-        QTest::newRow("two rows: only the first moves") << QList<int>{1, 2} << 0 << QStringList{"b", "a", "c"};
-        QTest::newRow("onto its own place") << QList<int>{1} << 1 << QStringList{"a", "b", "c"};
+        QTest::newRow("first to after the last") << QList<int> { 0 } << 3 << QStringList { "b", "c", "a" };
+        QTest::newRow("just below itself") << QList<int> { 0 } << 1 << QStringList { "a", "b", "c" };
+        QTest::newRow("last to the top") << QList<int> { 2 } << 0 << QStringList { "c", "a", "b" };
+        QTest::newRow("two rows: only the first moves") << QList<int> { 1, 2 } << 0 << QStringList { "b", "a", "c" };
+        QTest::newRow("onto its own place") << QList<int> { 1 } << 1 << QStringList { "a", "b", "c" };
     }
     void movingRows()
     {
         QFETCH(QList<int>, dragged);
         QFETCH(int, dropRow);
         QFETCH(QStringList, order);
-        m_schedule->appendPaths({"a", "b", "c"});
-        m_schedule->setDate({0}, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_schedule->appendPaths({ "a", "b", "c" });
+        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         QModelIndexList indexes;
         for (int row : dragged) {
             for (int c = 0; c < ItemTableModel::ColumnCount; ++c)
@@ -176,12 +183,12 @@ private Q_SLOTS:
 
     void filesDroppedAtARowLandInReverse()
     {
-        m_schedule->appendPaths({"/old1", "/old2"});
+        m_schedule->appendPaths({ "/old1", "/old2" });
         QMimeData data;
         // As a file manager sends it: a name that is not UTF-8 stays percent-encoded, and is kept.
-        data.setUrls({QUrl::fromLocalFile("/A"), QUrl::fromEncoded("file:///r%E9sum%E9"), QUrl::fromLocalFile("/C")});
+        data.setUrls({ QUrl::fromLocalFile("/A"), QUrl::fromEncoded("file:///r%E9sum%E9"), QUrl::fromLocalFile("/C") });
         QVERIFY(m_model->dropMimeData(&data, Qt::CopyAction, 1, 0, {}));
-        QCOMPARE(m_schedule->paths(), (QStringList{"/old1", "/C", FileName::decode("/r\xe9sum\xe9"), "/A", "/old2"}));
+        QCOMPARE(m_schedule->paths(), (QStringList { "/old1", "/C", FileName::decode("/r\xe9sum\xe9"), "/A", "/old2" }));
         QVERIFY(!m_schedule->timers().at(1));
     }
 
@@ -191,16 +198,16 @@ private Q_SLOTS:
         QTest::addColumn<bool>("recursive");
         QTest::addColumn<QString>("dropped");
         QTest::addColumn<QStringList>("items");
-        const QStringList top = {"f1.txt", "Tool.app", "AppDir"};
-        QTest::newRow("folder as itself") << false << false << "top" << QStringList{"top"};
-        QTest::newRow("recursive alone changes nothing") << false << true << "top" << QStringList{"top"};
+        const QStringList top = { "f1.txt", "Tool.app", "AppDir" };
+        QTest::newRow("folder as itself") << false << false << "top" << QStringList { "top" };
+        QTest::newRow("recursive alone changes nothing") << false << true << "top" << QStringList { "top" };
         QTest::newRow("top-level files and packages") << true << false << "top" << top;
         QTest::newRow("every depth, inside packages and hidden folders too")
             << true << true << "top"
-            << QStringList{"f1.txt", "Tool.app", "Tool.app/Contents/MacOS/Tool", "AppDir", "AppDir/AppRun", "sub/s1.txt", ".hid/v.txt"};
-        QTest::newRow("a package dropped is one item") << true << true << "top/Tool.app" << QStringList{"top/Tool.app"};
-        QTest::newRow("a hidden file dropped itself is taken") << true << true << "top/.dot" << QStringList{"top/.dot"};
-        QTest::newRow("a link to a folder counts as the folder") << true << false << "link" << QStringList{"link/f1.txt", "link/Tool.app", "link/AppDir"};
+            << QStringList { "f1.txt", "Tool.app", "Tool.app/Contents/MacOS/Tool", "AppDir", "AppDir/AppRun", "sub/s1.txt", ".hid/v.txt" };
+        QTest::newRow("a package dropped is one item") << true << true << "top/Tool.app" << QStringList { "top/Tool.app" };
+        QTest::newRow("a hidden file dropped itself is taken") << true << true << "top/.dot" << QStringList { "top/.dot" };
+        QTest::newRow("a link to a folder counts as the folder") << true << false << "link" << QStringList { "link/f1.txt", "link/Tool.app", "link/AppDir" };
     }
     void droppedFolders()
     {
@@ -210,15 +217,15 @@ private Q_SLOTS:
         QFETCH(QStringList, items);
         QTemporaryDir tree;
         const QString topDir = tree.filePath(QStringLiteral("top"));
-        for (const char *f : {"f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner"})
+        for (const char *f : { "f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner" })
             QVERIFY(Test::writeFile(topDir + QLatin1Char('/') + QLatin1String(f)));
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
         QVERIFY(QFile::link(topDir, tree.filePath(QStringLiteral("link"))));
         QVERIFY(Test::writeFile(topDir + QStringLiteral("/.hidden"), "listed.txt\n"));
-        m_prefs.setValues({{Keys::AddFolderFiles, folderFiles}, {Keys::AddFolderFilesRecursively, recursive}});
+        m_prefs.setValues({ { Keys::AddFolderFiles, folderFiles }, { Keys::AddFolderFilesRecursively, recursive } });
 
         QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(tree.filePath(dropped))});
+        data.setUrls({ QUrl::fromLocalFile(tree.filePath(dropped)) });
         QVERIFY(m_model->dropMimeData(&data, Qt::CopyAction, 0, 0, {}));
         QStringList got;
         const QString base = dropped == QLatin1String("top") && folderFiles ? topDir + QLatin1Char('/') : tree.path() + QLatin1Char('/');

@@ -24,8 +24,8 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScopeGuard>
-#include <QStatusBar>
 #include <QScreen>
+#include <QStatusBar>
 #include <QTest>
 #include <QUndoStack>
 
@@ -47,10 +47,10 @@ private Q_SLOTS:
         m_window = std::make_unique<MainWindow>(*m_editor, m_prefs, m_workspace);
         connect(m_schedule.get(), &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
         m_window->setupDatePickerControl();
-        m_schedule->appendPaths({"/a", "/b", "/c"});
-        m_schedule->setDate({0}, at(100));
-        m_schedule->setDate({1}, at(200));
-        m_schedule->setDate({2}, at(300));
+        m_schedule->appendPaths({ "/a", "/b", "/c" });
+        m_schedule->setDate({ 0 }, at(100));
+        m_schedule->setDate({ 1 }, at(200));
+        m_schedule->setDate({ 2 }, at(300));
     }
     void cleanup()
     {
@@ -62,14 +62,14 @@ private Q_SLOTS:
     // Shows the current row's date, writes a picked one in whole seconds to every selected row.
     void pickerFollowsTheSelection()
     {
-        select({1});
+        select({ 1 });
         QVERIFY(m_window->datePicker()->isEnabled());
         QCOMPARE(m_window->datePicker()->dateTime(), at(200));
-        select({0, 2}, 2);
+        select({ 0, 2 }, 2);
         QCOMPARE(m_window->datePicker()->dateTime(), at(300));
         QCOMPARE(m_schedule->dates().at(0), at(100));
         m_window->datePicker()->setDateTime(at(5000.8));
-        const QList<QDateTime> picked{at(5000), at(200), at(5000)};
+        const QList<QDateTime> picked { at(5000), at(200), at(5000) };
         QCOMPARE(m_schedule->dates(), picked);
         m_window->deselectAllButtonClicked();
         QVERIFY(!m_window->datePicker()->isEnabled());
@@ -127,11 +127,11 @@ private Q_SLOTS:
         m_window->dateTimeClicked();
         QWidget *dateWindow = m_window->calendarClockWindow();
         auto *label = dateWindow->findChild<QLabel *>(QStringLiteral("selectionLabel"));
-        select({0, 1, 2});
+        select({ 0, 1, 2 });
         QCOMPARE(label->text(), QStringLiteral("Launch date and time of 3 selected items:"));
         m_window->fileTable()->selectionModel()->clearSelection();
         QVERIFY(label->text().contains(QLatin1String("changes nothing")));
-        select({1});
+        select({ 1 });
         QVERIFY(QTest::qWaitForWindowExposed(dateWindow));
         m_clock->advance(1'500);
         QTest::mouseClick(dateWindow->findChild<QPushButton *>(QStringLiteral("nowButton")), Qt::LeftButton);
@@ -154,7 +154,7 @@ private Q_SLOTS:
         QWidget *viewport = m_window->fileTable()->viewport();
         const QRect row = m_window->fileTable()->visualRect(m_window->model()->index(1, ItemTableModel::NameColumn));
         QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(QStringLiteral("/dropped"))});
+        data.setUrls({ QUrl::fromLocalFile(QStringLiteral("/dropped")) });
         const auto dropAt = [&](QPoint at) {
             QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QCoreApplication::sendEvent(viewport, &enter);
@@ -167,7 +167,7 @@ private Q_SLOTS:
         QVERIFY(!dropAt(row.center()));
         QCOMPARE(m_schedule->count(), 3);
         QVERIFY(dropAt(QPoint(row.center().x(), row.top() + 1)));
-        QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/dropped", "/b", "/c"}));
+        QCOMPARE(m_schedule->paths(), (QStringList { "/a", "/dropped", "/b", "/c" }));
     }
 
     // Ctrl+Down moves the selected row; undo puts the order back with the rows' marks, timers and selection.
@@ -179,7 +179,7 @@ private Q_SLOTS:
         m_clock->advanceSecs(150);
         const QList<TimerSlot> slots = m_schedule->timers();
         QVERIFY(slots.at(0) && !slots.at(0)->isValid());
-        select({0});
+        select({ 0 });
         m_window->fileTable()->setFocus();
         QTest::keyClick(m_window->fileTable(), Qt::Key_Down, Qt::ControlModifier);
         QCOMPARE(m_schedule->paths().at(1), QStringLiteral("/a"));
@@ -188,17 +188,17 @@ private Q_SLOTS:
         QTest::keyClick(m_window->fileTable(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), m_window->findChild<QWidget *>(QStringLiteral("browseButton")));
         QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(m_schedule->paths(), (QStringList{"/a", "/b", "/c"}));
+        QCOMPARE(m_schedule->paths(), (QStringList { "/a", "/b", "/c" }));
         QCOMPARE(m_schedule->timers(), slots);
         QVERIFY(m_schedule->timersRunning());
-        QCOMPARE(m_window->selectedRows(), QList<int>{0});
+        QCOMPARE(m_window->selectedRows(), QList<int> { 0 });
         // Steps of the picker are one undo; undoing while running arms the old date again.
-        select({1});
+        select({ 1 });
         m_window->datePicker()->setDateTime(at(1000));
         m_window->datePicker()->setDateTime(at(2000));
         QCOMPARE(m_editor->undoStack()->count(), 1);
         m_editor->undoStack()->undo();
-        QCOMPARE(m_schedule->dates(), (QList<QDateTime>{at(100), at(200), at(300)}));
+        QCOMPARE(m_schedule->dates(), (QList<QDateTime> { at(100), at(200), at(300) }));
         QCOMPARE(m_schedule->timers().at(1)->fireDate(), at(200));
     }
 
@@ -212,7 +212,7 @@ private Q_SLOTS:
         QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
         // Clear with nothing selected takes every row, unasked; undo puts each back with its date.
         const Schedule::Snapshot before = m_schedule->snapshot();
-        for (const QKeyCombination redo : {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y}) {
+        for (const QKeyCombination redo : { Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y }) {
             m_window->fileTable()->selectionModel()->clearSelection();
             QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("clearButton")), Qt::LeftButton);
             QCOMPARE(m_schedule->count(), 0);
@@ -258,7 +258,8 @@ private Q_SLOTS:
         m_window->resize(screen * 2);
         m_window->saveWindowState();
         MainWindow again(*m_editor, m_prefs, m_workspace);
-        QVERIFY2(again.width() <= screen.width() && again.height() <= screen.height(), qPrintable(QStringLiteral("%1x%2").arg(again.width()).arg(again.height())));
+        QVERIFY2(
+            again.width() <= screen.width() && again.height() <= screen.height(), qPrintable(QStringLiteral("%1x%2").arg(again.width()).arg(again.height())));
     }
 
     // Enter on a typed folder path goes into the folder; the button still reads "Choose" and adds.
@@ -300,23 +301,23 @@ private Q_SLOTS:
     {
         auto *hint = m_window->fileTable()->viewport()->findChild<QLabel *>(QStringLiteral("emptyHint"));
         QVERIFY(hint->isHidden());
-        select({0, 2});
+        select({ 0, 2 });
         m_window->clearListButtonClicked();
-        QCOMPARE(m_schedule->paths(), QStringList{"/b"});
-        QCOMPARE(m_schedule->dates(), QList<QDateTime>{at(200)});
+        QCOMPARE(m_schedule->paths(), QStringList { "/b" });
+        QCOMPARE(m_schedule->dates(), QList<QDateTime> { at(200) });
         // A run of neighbouring rows goes in one step, the rows around it stay.
-        m_schedule->appendPaths({"/c", "/d", "/e"});
-        select({1, 2, 3});
+        m_schedule->appendPaths({ "/c", "/d", "/e" });
+        select({ 1, 2, 3 });
         m_window->clearListButtonClicked();
-        QCOMPARE(m_schedule->paths(), QStringList{"/b"});
+        QCOMPARE(m_schedule->paths(), QStringList { "/b" });
         QCOMPARE(m_window->model()->rowCount(), 1);
-        m_schedule->appendPaths({"/f"});
+        m_schedule->appendPaths({ "/f" });
         m_window->deselectAllButtonClicked();
         m_window->clearListButtonClicked();
         QCOMPARE(m_schedule->count(), 0);
         QCOMPARE(m_schedule->dates().size(), 0);
         QVERIFY(!hint->isHidden()); // the empty list says how to fill it
-        m_schedule->appendPaths({QStringLiteral("/x")});
+        m_schedule->appendPaths({ QStringLiteral("/x") });
         QVERIFY(hint->isHidden());
     }
 
@@ -337,7 +338,7 @@ private Q_SLOTS:
         QCOMPARE(m_window->model()->headerData(ItemTableModel::FileColumn, Qt::Horizontal).toString(), QStringLiteral("Location"));
         // Stopped by itself, when every item was moved into the past: the status bar says so.
         m_schedule->startTimers(true);
-        select({0, 1, 2});
+        select({ 0, 1, 2 });
         m_window->datePicker()->setDateTime(at(-60));
         QVERIFY(!m_schedule->timersRunning());
         QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("No item has a launch time in the future; the schedule stopped."));

@@ -1,7 +1,7 @@
-#include "Preferences.h"
 #include "Autostart.h"
 #include "FocusCheck.h"
 #include "FocusRingStyle.h"
+#include "Preferences.h"
 #include "PreferencesDialog.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
@@ -103,7 +103,9 @@ private Q_SLOTS:
     {
         m_prefs.setValue(Keys::ServerPort, 1);
         const auto inode = [this] {
-            struct stat st{};
+            struct stat st
+            {
+            };
             ::stat(QFile::encodeName(m_prefs.fileName()).constData(), &st);
             return st.st_ino;
         };
@@ -119,7 +121,7 @@ private Q_SLOTS:
     // An address that cannot go into an envelope is refused with its reason; a login without TLS warns.
     void recipientAndPasswordSayWhatTheyWillDo()
     {
-        m_prefs.setValues({{Keys::RecipientEmail, QStringLiteral("ann@example.org")}, {Keys::UseSSL, true}, {Keys::SelectedAuthentication, 0}});
+        m_prefs.setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") }, { Keys::UseSSL, true }, { Keys::SelectedAuthentication, 0 } });
         PreferencesDialog dialog(m_prefs);
         QSignalSpy test(&dialog, &PreferencesDialog::testEmailRequested);
         dialog.show();
@@ -200,8 +202,7 @@ private Q_SLOTS:
     }
 
 private:
-    template<typename T>
-    static T *control(QWidget &dialog, QLatin1StringView key)
+    template<typename T> static T *control(QWidget &dialog, QLatin1StringView key)
     {
         T *w = dialog.findChild<T *>(QString(key));
         if (!w)
