@@ -75,7 +75,7 @@ int main(int argc, char *argv[])
     controller.preferences().setValue(Keys::RememberItems, false);
     controller.awakeFromNib();
     controller.applicationWillFinishLaunching();
-    ScriptingService scripting(controller);
+    ScriptingService scripting(controller.editor(), controller.launcher());
     if (!scripting.registerOn(serverBus)) {
         std::puts("could not take the bus name");
         return 1;

@@ -6,6 +6,7 @@
 #include "Preferences.h"
 #include "SavedList.h"
 #include "ScriptingService.h"
+#include "quillon_proxy.h"
 
 #include <QCommandLineParser>
 #include <QDBusConnection>
@@ -73,28 +74,22 @@ bool startInstance(const QDBusConnection &bus)
     return false;
 }
 
-// The instance's Running property.
-bool scheduleRuns(const QDBusConnection &bus)
+// The interface of the instance, as the build generated it from the exported class.
+std::unique_ptr<QuillonProxy> proxyOn(const QDBusConnection &bus)
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    get << QLatin1String(ScriptingService::InterfaceName) << QStringLiteral("Running");
-    const QDBusMessage reply = bus.call(get, QDBus::Block, 10'000);
-    return reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+    auto proxy = std::make_unique<QuillonProxy>(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), bus);
+    proxy->setTimeout(120'000);
+    return proxy;
 }
 
-struct Reply
+// Whether a call went through; when not, the refusal is said and the exit status is returned.
+template<typename Reply> bool answered(Reply &reply, int &status)
 {
-    QDBusMessage message;
-    bool ok() const { return message.type() == QDBusMessage::ReplyMessage; }
-};
-
-Reply call(const QDBusConnection &bus, const QString &method, const QVariantList &arguments = {})
-{
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), method);
-    message.setArguments(arguments);
-    return { bus.call(message, QDBus::Block, 120'000) };
+    reply.waitForFinished();
+    if (!reply.isError())
+        return true;
+    status = refused(reply.error().message());
+    return false;
 }
 
 // The table's countdown is fixed English text; the terminal speaks the user's language.
@@ -227,36 +222,27 @@ int CommandLine::run(const QStringList &arguments)
     qDBusRegisterMetaType<ListedOutcomes>();
     const QDBusConnection bus = QDBusConnection::sessionBus();
 
-    QVariantList callArguments;
-    QString method;
+    std::optional<QDateTime> when;
+    QStringList paths;
+    QList<int> rows;
     if (verb == QLatin1String("add")) {
         if (words.isEmpty())
             return usage(verb, tr("no file given"));
         if (!parser.isSet(at))
             return usage(verb, tr("--at TIME is needed"));
         QString note;
-        const std::optional<QDateTime> when = parseLaunchTime(parser.value(at), QDateTime::currentDateTime(), &note);
+        when = parseLaunchTime(parser.value(at), QDateTime::currentDateTime(), &note);
         if (!when)
             return usage(verb, tr("cannot read the time '%1'").arg(parser.value(at)));
         if (!note.isEmpty())
             say(stderr, note);
-        QStringList paths;
         for (const QString &word : words)
             paths << QDir::cleanPath(QFileInfo(word).absoluteFilePath());
-        method = QStringLiteral("Add");
-        callArguments = { paths, when->toSecsSinceEpoch() };
     } else if (verb == QLatin1String("remove")) {
-        const std::optional<QList<int>> rows = rowsFrom(words);
-        if (!rows || rows->isEmpty())
+        const std::optional<QList<int>> given = rowsFrom(words);
+        if (!given || given->isEmpty())
             return usage(verb, tr("give the rows to remove as numbers from 1, as list shows them"));
-        method = QStringLiteral("Remove");
-        callArguments = { QVariant::fromValue(*rows) };
-    } else if (verb == QLatin1String("list")) {
-        method = QStringLiteral("List");
-    } else {
-        method = verb == QLatin1String("start") ? QStringLiteral("Start")
-            : verb == QLatin1String("stop")     ? QStringLiteral("Stop")
-                                                : QStringLiteral("LaunchAllNow");
+        rows = *given;
     }
 
     if (!instanceRuns(bus)) {
@@ -277,36 +263,49 @@ int CommandLine::run(const QStringList &arguments)
             return refused(tr("Quillon could not be started"));
     }
 
+    const std::unique_ptr<QuillonProxy> quillon = proxyOn(bus);
+    int status = Done;
+    if (verb == QLatin1String("list")) {
+        QDBusPendingReply<ListedItems> items = quillon->List();
+        if (!answered(items, status))
+            return status;
+        // An older instance has no Outcomes: the list is still shown.
+        QDBusPendingReply<ListedOutcomes> outcomes = quillon->Outcomes();
+        outcomes.waitForFinished();
+        return printList(items.value(), parser.isSet(json), quillon->running(), outcomes.isError() ? ListedOutcomes() : outcomes.value());
+    }
     if (verb == QLatin1String("remove")) {
         // Said in the rows the user sees, counted from 1.
-        const Reply listed = call(bus, QStringLiteral("List"));
-        const qsizetype count = listed.ok() ? qdbus_cast<ListedItems>(listed.message.arguments().value(0)).size() : 0;
-        for (int row : callArguments.first().value<QList<int>>()) {
-            if (listed.ok() && row >= count)
+        QDBusPendingReply<ListedItems> listed = quillon->List();
+        listed.waitForFinished();
+        const qsizetype count = listed.isError() ? 0 : listed.value().size();
+        for (int row : std::as_const(rows)) {
+            if (!listed.isError() && row >= count)
                 return refused(tr("there is no row %1; the list has %n row(s)", nullptr, int(count)).arg(row + 1));
         }
-    }
-    const Reply reply = call(bus, method, callArguments);
-    if (!reply.ok())
-        return refused(reply.message.errorMessage());
-    if (verb == QLatin1String("list")) {
-        // An older instance has no Outcomes: the list is still shown.
-        const Reply outcomes = call(bus, QStringLiteral("Outcomes"));
-        return printList(qdbus_cast<ListedItems>(reply.message.arguments().value(0)), parser.isSet(json), scheduleRuns(bus),
-            outcomes.ok() ? qdbus_cast<ListedOutcomes>(outcomes.message.arguments().value(0)) : ListedOutcomes());
+        QDBusPendingReply<> removed = quillon->Remove(rows);
+        answered(removed, status);
+        return status;
     }
     if (verb == QLatin1String("add")) {
-        const int added = reply.message.arguments().value(0).toInt();
-        say(stdout, tr("%n item(s) added.", nullptr, added));
-        if (!scheduleRuns(bus)) {
+        QDBusPendingReply<int> added = quillon->Add(paths, when->toSecsSinceEpoch());
+        if (!answered(added, status))
+            return status;
+        say(stdout, tr("%n item(s) added.", nullptr, added.value()));
+        if (!quillon->running()) {
             if (!parser.isSet(startToo)) {
-                say(stderr, tr("The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).", nullptr, added));
-            } else if (const Reply started = call(bus, QStringLiteral("Start")); !started.ok()) {
-                return refused(started.message.errorMessage());
+                say(stderr,
+                    tr("The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).", nullptr, added.value()));
+            } else {
+                QDBusPendingReply<> started = quillon->Start();
+                answered(started, status);
             }
         }
+        return status;
     }
-    return Done;
+    QDBusPendingReply<> done = verb == QLatin1String("start") ? quillon->Start() : verb == QLatin1String("stop") ? quillon->Stop() : quillon->LaunchAllNow();
+    answered(done, status);
+    return status;
 }
 
 } // namespace Quillon

@@ -99,6 +99,7 @@ public:
 
     Schedule &schedule() { return m_schedule; }
     ScheduleEditor &editor() { return m_editor; }
+    Launcher &launcher() { return m_launcher; }
     Preferences &preferences() { return m_preferences; }
     MainWindow *fileListWindow() const { return m_window.get(); }
     QTimer *updateDisplayTimer() const { return m_updateDisplayTimer; }

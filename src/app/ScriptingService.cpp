@@ -1,7 +1,9 @@
 #include "ScriptingService.h"
 
+#include "Launcher.h"
 #include "Log.h"
-#include "QuillonController.h"
+#include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "Texts.h"
 #include "WallClock.h"
 
@@ -47,15 +49,16 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, ListedOutcome &ou
     return argument;
 }
 
-ScriptingService::ScriptingService(QuillonController &controller, QObject *parent)
+ScriptingService::ScriptingService(ScheduleEditor &editor, Launcher &launcher, QObject *parent)
     : QObject(parent)
-    , m_controller(controller)
+    , m_editor(editor)
+    , m_launcher(launcher)
 {
     qDBusRegisterMetaType<ListedItem>();
     qDBusRegisterMetaType<ListedItems>();
     qDBusRegisterMetaType<ListedOutcome>();
     qDBusRegisterMetaType<ListedOutcomes>();
-    Schedule &schedule = controller.schedule();
+    Schedule &schedule = editor.schedule();
     connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
     connect(
         &schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) { Q_EMIT Launched(path, date.toSecsSinceEpoch()); });
@@ -67,8 +70,7 @@ bool ScriptingService::registerOn(QDBusConnection bus)
         systemLog(QStringLiteral("No session bus: Quillon cannot be driven from scripts in this session."));
         return false;
     }
-    if (!bus.registerObject(QLatin1String(ObjectPath), this,
-            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties)) {
+    if (!exportOn(bus)) {
         systemLog(QStringLiteral("Could not export %1 on the session bus: %2").arg(QLatin1String(ObjectPath), bus.lastError().message()));
         return false;
     }
@@ -84,9 +86,20 @@ bool ScriptingService::registerOn(QDBusConnection bus)
     return true;
 }
 
+bool ScriptingService::exportOn(QDBusConnection bus)
+{
+    return bus.registerObject(QLatin1String(ObjectPath), this,
+        QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties);
+}
+
 bool ScriptingService::running() const
 {
-    return m_controller.schedule().timersRunning();
+    return m_editor.schedule().timersRunning();
+}
+
+bool ScriptingService::quitting() const
+{
+    return m_editor.schedule().isFrozen();
 }
 
 bool ScriptingService::refuse(const QString &why)
@@ -99,7 +112,7 @@ bool ScriptingService::refuse(const QString &why)
 bool ScriptingService::checkNotQuitting()
 {
     // The list was saved as the quit began: a change now would be answered OK and lost.
-    if (!m_controller.isQuitting())
+    if (!quitting())
         return true;
     if (calledFromDBus())
         sendErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting"));
@@ -117,7 +130,7 @@ bool ScriptingService::checkRows(const QList<int> &rows, const QString &method)
 {
     if (rows.isEmpty())
         return refuse(tr("%1 needs at least one row.").arg(method));
-    const int count = m_controller.schedule().count();
+    const int count = m_editor.schedule().count();
     for (int row : rows) {
         if (row < 0 || row >= count)
             return refuse(tr("Row %1 is out of range: the list has %n row(s), counted from 0.", nullptr, count).arg(row));
@@ -185,7 +198,7 @@ void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
             this, [this, add] { checkSlice(add); }, Qt::QueuedConnection);
         return;
     }
-    if (m_controller.isQuitting()) {
+    if (quitting()) {
         add->bus.send(add->call.createErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting")));
         return;
     }
@@ -195,13 +208,13 @@ void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
 int ScriptingService::addChecked(const QStringList &paths, qint64 date, bool anyFolder)
 {
     // Each path looked at again only when a folder is among them.
-    ScheduleEditor &editor = m_controller.editor();
+    ScheduleEditor &editor = m_editor;
     return editor.add(anyFolder ? editor.expandFolders(paths) : paths, QDateTime::fromSecsSinceEpoch(date));
 }
 
 ListedItems ScriptingService::List()
 {
-    const Schedule &schedule = m_controller.schedule();
+    const Schedule &schedule = m_editor.schedule();
     ListedItems items;
     items.reserve(schedule.count());
     for (int row = 0; row < schedule.count(); ++row) {
@@ -214,7 +227,7 @@ ListedItems ScriptingService::List()
 
 ListedOutcomes ScriptingService::Outcomes()
 {
-    const Schedule &schedule = m_controller.schedule();
+    const Schedule &schedule = m_editor.schedule();
     ListedOutcomes outcomes;
     outcomes.reserve(schedule.count());
     for (int row = 0; row < schedule.count(); ++row) {
@@ -234,18 +247,18 @@ void ScriptingService::Remove(const QList<int> &rows)
         refuse(tr("The schedule is running; stop it before removing items."));
         return;
     }
-    m_controller.editor().remove(rows);
+    m_editor.remove(rows);
 }
 
 void ScriptingService::SetDate(const QList<int> &rows, qint64 date)
 {
     if (checkNotQuitting() && checkRows(rows, QStringLiteral("SetDate")) && checkDate(date))
-        m_controller.editor().setDate(rows, QDateTime::fromSecsSinceEpoch(date));
+        m_editor.setDate(rows, QDateTime::fromSecsSinceEpoch(date));
 }
 
 void ScriptingService::Start()
 {
-    Schedule &schedule = m_controller.schedule();
+    Schedule &schedule = m_editor.schedule();
     if (!checkNotQuitting() || schedule.timersRunning())
         return;
     // Refused here rather than in an alert on a screen the script's user may not be watching.
@@ -262,14 +275,14 @@ void ScriptingService::Start()
 
 void ScriptingService::Stop()
 {
-    if (checkNotQuitting() && m_controller.schedule().timersRunning())
-        m_controller.schedule().startStopButtonClicked();
+    if (checkNotQuitting() && m_editor.schedule().timersRunning())
+        m_editor.schedule().startStopButtonClicked();
 }
 
 void ScriptingService::LaunchAllNow()
 {
     if (checkNotQuitting())
-        m_controller.launchAllNow();
+        m_launcher.launchAllNow(m_editor.schedule().paths());
 }
 
 void ScriptingService::announceRunning()

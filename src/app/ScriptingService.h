@@ -12,7 +12,8 @@
 
 namespace Quillon {
 
-class QuillonController;
+class Launcher;
+class ScheduleEditor;
 
 // One row as List() gives it: a(sxb).
 struct ListedItem
@@ -52,10 +53,12 @@ public:
     // The error a change gets once the quit has saved the list.
     static constexpr const char *QuittingError = "org.quillon.Quillon1.Error.Quitting";
 
-    explicit ScriptingService(QuillonController &controller, QObject *parent = nullptr);
+    ScriptingService(ScheduleEditor &editor, Launcher &launcher, QObject *parent = nullptr);
     // Exports the object and takes the name; false (and a log line) when the bus or the name is
     // not to be had. Quillon works on without it.
     bool registerOn(QDBusConnection bus);
+    // Only exports the object, as registerOn does: for a private connection.
+    bool exportOn(QDBusConnection bus);
     bool running() const;
 
 public Q_SLOTS:
@@ -93,7 +96,11 @@ private:
     void announceRunning();
     void sendRunning(bool running);
 
-    QuillonController &m_controller;
+    // Quitting began when the list was saved and frozen: changes are refused from then on.
+    bool quitting() const;
+
+    ScheduleEditor &m_editor;
+    Launcher &m_launcher;
     QDBusConnection m_bus { QString() };
     bool m_announced = false;
     bool m_announceQueued = false;

@@ -173,7 +173,7 @@ int main(int argc, char *argv[])
     QObject::connect(&app, &QGuiApplication::commitDataRequest, &controller, &QuillonController::terminate);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
     // Scripts in the session reach the list through the bus; without one Quillon works on alone.
-    ScriptingService scripting(controller);
+    ScriptingService scripting(controller.editor(), controller.launcher());
     // The lock above already keeps a second Quillon of these settings out: whoever holds the name is
     // another program or a Quillon of other settings, and scripts would drive the wrong list.
     if (!scripting.registerOn(QDBusConnection::sessionBus()) && QDBusConnection::sessionBus().isConnected()

@@ -59,7 +59,7 @@ private Q_SLOTS:
         QTemporaryDir files;
         QVERIFY(Test::writeFile(files.filePath(QStringLiteral("a.txt"))) && Test::writeFile(files.filePath(QStringLiteral("b.txt"))));
         start();
-        ScriptingService scripting(*m_controller);
+        ScriptingService scripting(m_controller->editor(), m_controller->launcher());
         MainWindow *window = m_controller->fileListWindow();
         const qint64 inAnHour = Now / 1000 + 3600;
         QCOMPARE(scripting.Add({ files.filePath(QStringLiteral("a.txt")), files.filePath(QStringLiteral("b.txt")) }, inAnHour), 2);
@@ -273,7 +273,7 @@ private Q_SLOTS:
         QTRY_COMPARE(check.data(Qt::AccessibleTextRole).toString(), heard);
         QVERIFY2(check.data(Qt::ToolTipRole).toString().startsWith(tip), qPrintable(check.data(Qt::ToolTipRole).toString()));
         QCOMPARE(check.data(Qt::AccessibleDescriptionRole), check.data(Qt::ToolTipRole));
-        ScriptingService scripting(*m_controller);
+        ScriptingService scripting(m_controller->editor(), m_controller->launcher());
         QCOMPARE(scripting.Outcomes().value(0).outcome, outcome);
     }
 

@@ -7,7 +7,6 @@
 #include <QDBusInterface>
 #include <QDBusMetaType>
 #include <QDBusReply>
-#include <QDomDocument>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -242,17 +241,6 @@ private Q_SLOTS:
         QFile::remove(conf);
     }
 
-    void installedInterfaceMatchesTheExportedOne()
-    {
-        ensureInstance();
-        QDBusInterface introspectable(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
-            QStringLiteral("org.freedesktop.DBus.Introspectable"), *m_bus);
-        const QDBusReply<QString> live = introspectable.call(QStringLiteral("Introspect"));
-        QFile installed(QStringLiteral(INTERFACE_XML));
-        QVERIFY(installed.open(QIODevice::ReadOnly));
-        QCOMPARE(members(live.value().toUtf8()), members(installed.readAll()));
-    }
-
     // What a person types after --at, against a local "now" of 2026-11-23 13:40:20.500 in Berlin.
     void launchTimeText_data()
     {
@@ -297,28 +285,6 @@ private Q_SLOTS:
     }
 
 private:
-    // "method Add(as,x)->(i)" and so on; Qt calls a signal's arguments "out", the file gives none.
-    static QStringList members(const QByteArray &xml)
-    {
-        QDomDocument doc;
-        doc.setContent(xml);
-        QStringList out;
-        const QString name = QStringLiteral("name"), arg = QStringLiteral("arg");
-        for (QDomElement i = doc.documentElement().firstChildElement(); !i.isNull(); i = i.nextSiblingElement()) {
-            for (QDomElement m = i.firstChildElement(); !m.isNull() && i.attribute(name) == QLatin1String(ScriptingService::InterfaceName);
-                 m = m.nextSiblingElement()) {
-                QStringList args[2]; // in, out
-                for (QDomElement a = m.firstChildElement(arg); !a.isNull(); a = a.nextSiblingElement(arg))
-                    args[a.attribute(QStringLiteral("direction")) == QLatin1String("out") && m.tagName() != QLatin1String("signal")]
-                        << a.attribute(QStringLiteral("type"));
-                out << QStringLiteral("%1 %2%3(%4)->(%5)")
-                           .arg(m.tagName(), m.attribute(name), m.attribute(QStringLiteral("type")), args[0].join(QLatin1Char(',')),
-                               args[1].join(QLatin1Char(',')));
-            }
-        }
-        out.sort();
-        return out;
-    }
     QString file(const char *name) const { return m_home.filePath(QString::fromUtf8(name)); }
     void startCli(QProcess &p, const QStringList &arguments, const QString &language = QStringLiteral("C")) const
     {
