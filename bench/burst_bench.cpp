@@ -6,6 +6,7 @@
 #include "Log.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "ShebangScriptRunner.h"
 #include "TestSupport.h"
 #include "TimerFdClock.h"
@@ -49,11 +50,11 @@ int main(int argc, char *argv[])
         Test::writeFile(exe, "#!/bin/sh\necho " + QByteArray::number(i) + " >> '" + QFile::encodeName(log) + "'\n", true);
         paths << exe;
     }
-    schedule.appendPaths(paths);
     const qint64 due = clock.nowMSecs() + 1000;
-    schedule.setDateAt(0, QDateTime::fromMSecsSinceEpoch(due));
+    QList<QDateTime> dates { QDateTime::fromMSecsSinceEpoch(due) };
     for (int i = 1; i <= Programs; ++i)
-        schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(due + 100 + (i * 800) / Programs));
+        dates << QDateTime::fromMSecsSinceEpoch(due + 100 + (i * 800) / Programs);
+    ScheduleEditor(schedule, prefs).add(paths, dates);
     schedule.startTimers(true);
 
     qint64 lastTurn = monotonicNs();

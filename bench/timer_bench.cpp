@@ -3,6 +3,7 @@
 #include "BenchUtil.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "TimerFdClock.h"
 
 #include <QCoreApplication>
@@ -21,14 +22,15 @@ static void lateness(Preferences &prefs, int count)
     QStringList paths;
     for (int i = 0; i < count; ++i)
         paths << QStringLiteral("/bench/%1").arg(i);
-    schedule.appendPaths(paths);
     const qint64 start = clock.nowMSecs() + 1000;
     QList<qint64> dueNs(count);
+    QList<QDateTime> dates;
     for (int i = 0; i < count; ++i) {
         // Spread over three seconds, several items sharing some milliseconds.
         const qint64 due = start + (qint64(i) * 3000) / count;
-        schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(due));
+        dates << QDateTime::fromMSecsSinceEpoch(due);
     }
+    ScheduleEditor(schedule, prefs).add(paths, dates);
     QHash<QString, qint64> dueByPath;
     for (int i = 0; i < count; ++i)
         dueByPath.insert(paths[i], schedule.dates()[i].toMSecsSinceEpoch() * 1'000'000);
@@ -67,9 +69,10 @@ int main(int argc, char *argv[])
     QStringList paths;
     for (int i = 0; i < 100'000; ++i)
         paths << QStringLiteral("/bench/%1").arg(i);
-    schedule.appendPaths(paths);
+    QList<QDateTime> dates;
     for (int i = 0; i < 100'000; ++i)
-        schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(clock.nowMSecs() + 86'400'000 + i));
+        dates << QDateTime::fromMSecsSinceEpoch(clock.nowMSecs() + 86'400'000 + i);
+    ScheduleEditor(schedule, prefs).add(paths, dates);
     const qint64 t0 = monotonicNs();
     schedule.startTimers(true);
     std::printf("arming 100000 items: %.1f ms (%d armed)\n", (monotonicNs() - t0) / 1e6, schedule.timersRemaining());

@@ -5,6 +5,7 @@
 #include "PowerService.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "TimerFdClock.h"
 
@@ -48,10 +49,11 @@ int main(int argc, char *argv[])
     QStringList paths;
     for (int i = 0; i < Items; ++i)
         paths << QStringLiteral("/items/%1").arg(i);
-    schedule.appendPaths(paths);
     const qint64 due = clock.nowMSecs() + 1000;
+    QList<QDateTime> dates;
     for (int i = 0; i < Items; ++i)
-        schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(due + qint64(i) * 1000 / Items));
+        dates << QDateTime::fromMSecsSinceEpoch(due + qint64(i) * 1000 / Items);
+    ScheduleEditor(schedule, prefs).add(paths, dates);
     schedule.startTimers(true);
 
     qint64 last = monotonicNs();

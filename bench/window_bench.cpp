@@ -77,9 +77,10 @@ int main(int argc, char *argv[])
         QStringList paths;
         for (int i = 0; i < 10'000; ++i)
             paths << QStringLiteral("/bench/item %1.txt").arg(i);
-        controller.fileListWindow()->addChosenPaths(paths);
+        QList<QDateTime> dates;
         for (int i = 0; i < 10'000; ++i)
-            controller.schedule().setDateAt(i, QDateTime::currentDateTime().addSecs(3600 + i));
+            dates << QDateTime::currentDateTime().addSecs(3600 + i);
+        controller.editor().add(paths, dates);
         controller.schedule().startTimers(true);
         QApplication::processEvents();
         QList<qint64> cpu;

@@ -58,10 +58,7 @@ int main(int argc, char *argv[])
             lastLateMs = std::max(lastLateMs, double(QDateTime::currentMSecsSinceEpoch() - dueMSecs));
             controller.launchItem(path);
         });
-        controller.schedule().appendPaths(programs);
-        QList<int> rows(Items);
-        std::iota(rows.begin(), rows.end(), 0);
-        controller.schedule().setDate(rows, QDateTime::fromMSecsSinceEpoch(dueMSecs));
+        controller.editor().add(programs, QDateTime::fromMSecsSinceEpoch(dueMSecs));
         controller.schedule().startTimers(false);
 
         LoopBlockMeter meter;

@@ -67,8 +67,8 @@ int main(int argc, char *argv[])
             node.removeChild(iface);
         iface = next;
     }
-    node.insertBefore(live.createComment(QStringLiteral(" Generated from the program at build time; README.md says what each member does. ")),
-        node.firstChild());
+    node.insertBefore(
+        live.createComment(QStringLiteral(" Generated from the program at build time; README.md says what each member does. ")), node.firstChild());
     QFile out(QString::fromLocal8Bit(argv[1]));
     if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(live.toByteArray(2)) < 0) {
         std::fprintf(stderr, "dbus-interface-xml: cannot write %s\n", argv[1]);

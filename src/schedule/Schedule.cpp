@@ -52,84 +52,111 @@ QList<quint64> Schedule::newIds(qsizetype n)
     return ids;
 }
 
-void Schedule::addPath(const QString &path, int index)
+void Schedule::beginReset()
 {
-    Q_EMIT rowsAboutToBeInserted(index, index);
-    m_paths.insert(index, path);
-    m_dates.insert(std::min<qsizetype>(index, m_dates.size()), now());
-    m_timers.insert(index, TimerSlot());
-    m_ids.insert(index, m_nextId++);
-    m_slotIndexStale = true;
-    Q_EMIT rowsInserted();
-}
-
-void Schedule::appendPaths(const QStringList &paths)
-{
-    if (paths.isEmpty())
-        return;
-    Q_EMIT rowsAboutToBeInserted(count(), count() + int(paths.size()) - 1);
-    for (const QString &path : paths) {
-        m_paths.append(path);
-        m_dates.append(now());
-        m_timers.append(TimerSlot());
-        m_ids.append(m_nextId++);
-    }
-    m_slotIndexStale = true;
-    Q_EMIT rowsInserted();
-}
-
-void Schedule::insertPaths(int index, const QStringList &paths)
-{
-    if (paths.isEmpty())
-        return;
-    const qsizetype n = paths.size();
-    Q_EMIT rowsAboutToBeInserted(index, index + int(n) - 1);
-    const QDateTime stamp = now();
-    m_paths.insert(index, n, QString());
-    std::copy(paths.begin(), paths.end(), m_paths.begin() + index);
-    m_dates.insert(std::min<qsizetype>(index, m_dates.size()), n, stamp);
-    m_timers.insert(index, n, TimerSlot());
-    const QList<quint64> ids = newIds(n);
-    m_ids.insert(index, n, 0);
-    std::copy(ids.begin(), ids.end(), m_ids.begin() + index);
-    m_slotIndexStale = true;
-    Q_EMIT rowsInserted();
-}
-
-void Schedule::removeRows(QList<int> rows)
-{
-    std::sort(rows.begin(), rows.end(), std::greater<>());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    rows.removeIf([this](int row) { return row < 0 || row >= count(); });
-    // One removal per run of neighbouring rows, from the bottom: Select All and Delete on a long
-    // list is one step, not one per row.
-    for (qsizetype i = 0; i < rows.size();) {
-        const int last = rows.at(i);
-        int first = last;
-        while (++i < rows.size() && rows.at(i) == first - 1)
-            first = rows.at(i);
-        const qsizetype n = last - first + 1;
-        Q_EMIT rowsAboutToBeRemoved(first, last);
-        m_paths.remove(first, n);
-        // The dates may be fewer than the rows (a saved list with missing files).
-        if (first < m_dates.size())
-            m_dates.remove(first, std::min<qsizetype>(n, m_dates.size() - first));
-        m_timers.remove(first, n);
-        m_ids.remove(first, n);
-        m_slotIndexStale = true;
-        Q_EMIT rowsRemoved();
-    }
-}
-
-void Schedule::removeAll()
-{
+    Q_EMIT aboutToRestore();
     Q_EMIT aboutToReset();
-    m_paths.clear();
-    m_dates.clear();
-    m_timers.clear();
-    m_ids.clear();
+}
+
+void Schedule::endReset()
+{
     m_slotIndexStale = true;
     Q_EMIT reset();
+    Q_EMIT reloadTable();
+    Q_EMIT restored();
+}
+
+void Schedule::insertRows(const Rows &rows, bool rearm)
+{
+    const qsizetype n = rows.at.size();
+    if (n == 0)
+        return;
+    const qsizetype total = m_paths.size() + n;
+    const bool oneBlock = rows.at.last() - rows.at.first() == n - 1;
+    if (oneBlock)
+        Q_EMIT rowsAboutToBeInserted(rows.at.first(), rows.at.last());
+    else
+        beginReset();
+    QStringList paths;
+    QList<QDateTime> dates;
+    QList<TimerSlot> timers;
+    QList<quint64> ids;
+    paths.reserve(total);
+    dates.reserve(m_dates.size() + n);
+    timers.reserve(total);
+    ids.reserve(total);
+    qsizetype old = 0, added = 0;
+    for (qsizetype row = 0; row < total; ++row) {
+        if (added < n && rows.at.at(added) == row) {
+            paths.append(rows.paths.at(added));
+            if (rows.dates.value(added).isValid())
+                dates.append(instant(rows.dates.at(added)));
+            timers.append(TimerSlot());
+            ids.append(rows.ids.at(added));
+            ++added;
+        } else {
+            paths.append(m_paths.at(old));
+            if (old < m_dates.size())
+                dates.append(m_dates.at(old));
+            timers.append(m_timers.at(old));
+            ids.append(m_ids.at(old));
+            ++old;
+        }
+    }
+    m_paths = std::move(paths);
+    m_dates = std::move(dates);
+    m_timers = std::move(timers);
+    m_ids = std::move(ids);
+    m_slotIndexStale = true;
+    if (oneBlock)
+        Q_EMIT rowsInserted();
+    else
+        endReset();
+    if (rearm)
+        datesChanged();
+}
+
+Schedule::Rows Schedule::takeRows(QList<int> rows)
+{
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    rows.removeIf([this](int row) { return row < 0 || row >= count(); });
+    Rows taken;
+    if (rows.isEmpty())
+        return taken;
+    const bool oneBlock = rows.last() - rows.first() == rows.size() - 1;
+    if (oneBlock)
+        Q_EMIT rowsAboutToBeRemoved(rows.first(), rows.last());
+    else
+        beginReset();
+    taken.at = rows;
+    qsizetype next = 0, kept = 0, keptDates = 0;
+    for (qsizetype row = 0; row < m_paths.size(); ++row) {
+        const bool hasDate = row < m_dates.size();
+        if (next < rows.size() && rows.at(next) == row) {
+            taken.paths.append(m_paths.at(row));
+            taken.dates.append(hasDate ? m_dates.at(row) : QDateTime());
+            taken.ids.append(m_ids.at(row));
+            ++next;
+            continue;
+        }
+        m_paths[kept] = m_paths.at(row);
+        m_timers[kept] = m_timers.at(row);
+        m_ids[kept] = m_ids.at(row);
+        ++kept;
+        if (hasDate)
+            m_dates[keptDates++] = m_dates.at(row);
+    }
+    m_paths.resize(kept);
+    m_timers.resize(kept);
+    m_ids.resize(kept);
+    m_dates.resize(keptDates);
+    m_slotIndexStale = true;
+    if (oneBlock)
+        Q_EMIT rowsRemoved();
+    else
+        endReset();
+    return taken;
 }
 
 void Schedule::moveRow(int from, int to)
@@ -145,22 +172,23 @@ void Schedule::moveRow(int from, int to)
     Q_EMIT rowMoved();
 }
 
-void Schedule::setDate(const QList<int> &rows, const QDateTime &date)
+QList<QDateTime> Schedule::setDates(const QList<int> &rows, const QList<QDateTime> &dates)
 {
-    // A mask, not a search per row: selecting every one of 100,000 rows must stay linear.
-    std::vector<bool> selected(size_t(m_dates.size()), false);
-    for (int row : rows) {
-        if (row >= 0 && row < m_dates.size())
-            selected[size_t(row)] = true;
-    }
-    for (qsizetype i = 0; i < m_dates.size(); ++i) {
-        if (selected[size_t(i)]) {
-            m_dates[i] = instant(date);
-            // A new moment: what became of the last one no longer says anything about it.
-            m_outcomes.remove(m_ids.at(i));
+    QList<QDateTime> before;
+    before.reserve(rows.size());
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const int row = rows.at(i);
+        if (row < 0 || row >= m_dates.size()) {
+            before.append(QDateTime());
+            continue;
         }
+        before.append(m_dates.at(row));
+        m_dates[row] = instant(dates.value(i, dates.value(0)));
+        // A new moment: what became of the last one no longer says anything about it.
+        m_outcomes.remove(m_ids.at(row));
     }
     datesChanged();
+    return before;
 }
 
 void Schedule::setOutcome(quint64 id, const Outcome &outcome)
@@ -168,50 +196,6 @@ void Schedule::setOutcome(quint64 id, const Outcome &outcome)
     m_outcomes.insert(id, outcome);
     if (const int row = rowOf(id); row >= 0)
         Q_EMIT rowChanged(row);
-}
-
-void Schedule::setDateAt(int row, const QDateTime &date)
-{
-    if (row >= 0 && row < m_dates.size())
-        m_dates[row] = instant(date);
-}
-
-void Schedule::restore(const Snapshot &snapshot)
-{
-    QHash<quint64, qsizetype> current;
-    current.reserve(m_ids.size());
-    for (qsizetype i = 0; i < m_ids.size(); ++i)
-        current.insert(m_ids.at(i), i);
-    // Only a row that comes back or a date that changes asks a running schedule to re-arm; a
-    // row that stays keeps its timer, armed or fired.
-    bool datesChanged = false;
-    QList<TimerSlot> timers(snapshot.paths.size());
-    for (qsizetype i = 0; i < snapshot.ids.size() && i < timers.size(); ++i) {
-        const qsizetype was = current.value(snapshot.ids.at(i), -1);
-        if (was < 0) {
-            datesChanged = true;
-            continue;
-        }
-        timers[i] = m_timers.at(was);
-        if (i >= snapshot.dates.size() || was >= m_dates.size() || snapshot.dates.at(i) != m_dates.at(was))
-            datesChanged = true;
-    }
-    Q_EMIT aboutToRestore();
-    Q_EMIT aboutToReset();
-    m_paths = snapshot.paths;
-    m_dates = snapshot.dates;
-    for (QDateTime &date : m_dates)
-        date = instant(date);
-    m_timers = std::move(timers);
-    m_ids = snapshot.ids;
-    m_ids.resize(m_paths.size());
-    m_slotIndexStale = true;
-    Q_EMIT reset();
-    Q_EMIT reloadTable();
-    // Rows came back with their dates: a running schedule arms them as a date change would.
-    if (datesChanged)
-        this->datesChanged();
-    Q_EMIT restored();
 }
 
 QStringList Schedule::saveItems()

@@ -23,6 +23,9 @@ class Schedule final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Schedule)
+    // The list is changed only through the editor, so that every change is undoable and re-arms.
+    friend class ScheduleEditor;
+
 public:
     // The item's path and its row's identity: what a launch belongs to, whatever row it moves to.
     using Launcher = std::function<void(const QString &path, quint64 item)>;
@@ -45,28 +48,6 @@ public:
     WallClock &clock() const { return m_clock; }
 
     void createArrays();
-    void addPath(const QString &path, int index);
-    void appendPaths(const QStringList &paths);
-    // A block inserted at index in the order given; what addPath does one by one, without the cost.
-    void insertPaths(int index, const QStringList &paths);
-    void removeRows(QList<int> rows);
-    void removeAll();
-    void moveRow(int from, int to);
-    // A running schedule re-arms at once.
-    void setDate(const QList<int> &rows, const QDateTime &date);
-    void setDateAt(int row, const QDateTime &date);
-
-    // The list as it stands, and putting it back: what undo works with. Rows keep an identity of
-    // their own, so that a row that is still there keeps its timer (and its "opened" mark).
-    struct Snapshot
-    {
-        QStringList paths;
-        QList<QDateTime> dates;
-        QList<quint64> ids;
-        bool operator==(const Snapshot &) const = default;
-    };
-    Snapshot snapshot() const { return { m_paths, m_dates, m_ids }; }
-    void restore(const Snapshot &snapshot);
     quint64 idAt(int row) const { return row >= 0 && row < m_ids.size() ? m_ids.at(row) : 0; }
 
     // What became of a row's last launch: the check mark says the time came, this what followed.
@@ -137,6 +118,27 @@ Q_SIGNALS:
     void stoppedByUser();
 
 private:
+    // Rows as the editor moves them in and out: at holds, in ascending order, the row each one
+    // has in the list that contains them. A date that is not valid is a row without one (a saved
+    // list may have fewer dates than items).
+    struct Rows
+    {
+        QList<int> at;
+        QStringList paths;
+        QList<QDateTime> dates;
+        QList<quint64> ids;
+    };
+    // Each in one pass over the list, however many rows: removing every other row of a long list
+    // must not cost a shift per row. rearm: rows coming back make a running schedule arm them.
+    void insertRows(const Rows &rows, bool rearm);
+    Rows takeRows(QList<int> rows);
+    void moveRow(int from, int to);
+    // Each row its own date; returns the dates they had. A running schedule re-arms at once.
+    QList<QDateTime> setDates(const QList<int> &rows, const QList<QDateTime> &dates);
+    // Around a change that is not one block: the views keep their selection by row identity.
+    void beginReset();
+    void endReset();
+
     void datesChanged();
     // The repeat period in ms, 0 without repeat.
     qint64 repeatMSecs() const;

@@ -10,44 +10,101 @@
 #include <numeric>
 
 namespace Quillon {
-namespace {
-// One change of the list, kept as the list before and after it.
-class ListChange final : public QUndoCommand
+// Each change holds only what it changed: a long list edited one item at a time must not keep a
+// copy of the whole list per step.
+class ScheduleEditor::EditCommand : public QUndoCommand
 {
 public:
-    ListChange(Schedule &schedule, ScheduleEditor::Edit kind, Schedule::Snapshot before, Schedule::Snapshot after)
+    EditCommand(Schedule &schedule, ScheduleEditor::Edit kind)
         : QUndoCommand(ScheduleEditor::text(kind))
         , m_schedule(schedule)
-        , m_before(std::move(before))
-        , m_after(std::move(after))
-        , m_kind(kind)
     { }
-    void undo() override { m_schedule.restore(m_before); }
-    void redo() override
+    void redo() final
     {
         // The change is made before it is pushed; only a redo after an undo puts it back.
         if (std::exchange(m_done, true))
-            m_schedule.restore(m_after);
+            apply();
     }
-    int id() const override { return m_kind == ScheduleEditor::Edit::DateChange ? 1 : -1; }
+
+protected:
+    virtual void apply() = 0;
+    Schedule &m_schedule;
+
+private:
+    bool m_done = false;
+};
+
+// Rows in (an add, a drop) or out (a removal, a clear): the rows themselves, kept once.
+class ScheduleEditor::RowsCommand final : public EditCommand
+{
+public:
+    RowsCommand(Schedule &schedule, ScheduleEditor::Edit kind, Schedule::Rows rows, bool inserted)
+        : EditCommand(schedule, kind)
+        , m_rows(std::move(rows))
+        , m_inserted(inserted)
+    { }
+    void undo() override { m_inserted ? take() : put(); }
+
+protected:
+    void apply() override { m_inserted ? put() : take(); }
+
+private:
+    void put() { m_schedule.insertRows(m_rows, true); }
+    void take() { m_schedule.takeRows(m_rows.at); }
+    Schedule::Rows m_rows;
+    bool m_inserted;
+};
+
+class ScheduleEditor::MoveCommand final : public EditCommand
+{
+public:
+    MoveCommand(Schedule &schedule, int from, int to)
+        : EditCommand(schedule, ScheduleEditor::Edit::Move)
+        , m_from(from)
+        , m_to(to)
+    { }
+    void undo() override { m_schedule.moveRow(m_to, m_from); }
+
+protected:
+    void apply() override { m_schedule.moveRow(m_from, m_to); }
+
+private:
+    int m_from;
+    int m_to;
+};
+
+class ScheduleEditor::DateCommand final : public EditCommand
+{
+public:
+    DateCommand(Schedule &schedule, QList<int> rows, QList<quint64> ids, QList<QDateTime> before, QDateTime after)
+        : EditCommand(schedule, ScheduleEditor::Edit::DateChange)
+        , m_rows(std::move(rows))
+        , m_ids(std::move(ids))
+        , m_before(std::move(before))
+        , m_after(std::move(after))
+    { }
+    void undo() override { m_schedule.setDates(m_rows, m_before); }
+    int id() const override { return 1; }
     bool mergeWith(const QUndoCommand *other) override
     {
-        // The same rows, by identity: a date change after a move or a re-add is an edit of its own.
-        const auto *next = static_cast<const ListChange *>(other);
-        if (next->m_before.ids != m_after.ids)
+        // The same rows, by identity: stepping a date through the picker is one undo, but a date
+        // change after a move or a re-add is an edit of its own.
+        const auto *next = static_cast<const DateCommand *>(other);
+        if (next->m_ids != m_ids)
             return false;
         m_after = next->m_after;
         return true;
     }
 
+protected:
+    void apply() override { m_schedule.setDates(m_rows, { m_after }); }
+
 private:
-    Schedule &m_schedule;
-    Schedule::Snapshot m_before;
-    Schedule::Snapshot m_after;
-    ScheduleEditor::Edit m_kind;
-    bool m_done = false;
+    QList<int> m_rows;
+    QList<quint64> m_ids;
+    QList<QDateTime> m_before;
+    QDateTime m_after;
 };
-} // namespace
 
 ScheduleEditor::ScheduleEditor(Schedule &schedule, Preferences &preferences, QObject *parent)
     : QObject(parent)
@@ -77,16 +134,6 @@ QString ScheduleEditor::text(Edit kind)
     return {};
 }
 
-void ScheduleEditor::record(Edit kind, const std::function<void()> &change)
-{
-    Schedule::Snapshot before = m_schedule.snapshot();
-    change();
-    Schedule::Snapshot after = m_schedule.snapshot();
-    if (after == before)
-        return;
-    m_undo->push(new ListChange(m_schedule, kind, std::move(before), std::move(after)));
-}
-
 QStringList ScheduleEditor::expandFolders(const QStringList &paths) const
 {
     return FolderExpansion().expandDropped(paths, m_preferences.addFolderFiles(), m_preferences.addFolderFilesRecursively());
@@ -94,41 +141,84 @@ QStringList ScheduleEditor::expandFolders(const QStringList &paths) const
 
 int ScheduleEditor::add(const QStringList &paths, const QDateTime &date)
 {
-    QStringList expanded = paths;
-    expanded.removeAll(QString());
-    if (expanded.isEmpty())
+    return insert(m_schedule.count(), paths, { date.isValid() ? date : m_schedule.now() }, Edit::Add);
+}
+
+int ScheduleEditor::add(const QStringList &paths, const QList<QDateTime> &dates)
+{
+    return insert(m_schedule.count(), paths, dates, Edit::Add);
+}
+
+int ScheduleEditor::drop(int index, const QStringList &paths)
+{
+    return insert(std::clamp(index, 0, m_schedule.count()), paths, { m_schedule.now() }, Edit::Drop);
+}
+
+int ScheduleEditor::insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind)
+{
+    Schedule::Rows rows;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        if (paths.at(i).isEmpty())
+            continue;
+        rows.paths.append(paths.at(i));
+        rows.dates.append(dates.size() == 1 ? dates.first() : dates.value(i, m_schedule.now()));
+    }
+    const qsizetype n = rows.paths.size();
+    if (n == 0)
         return 0;
-    record(Edit::Add, [&] {
-        const int first = m_schedule.count();
-        m_schedule.appendPaths(expanded);
-        if (!date.isValid())
-            return;
-        QList<int> rows(expanded.size());
-        std::iota(rows.begin(), rows.end(), first);
-        m_schedule.setDate(rows, date);
-    });
-    return int(expanded.size());
+    rows.at.resize(n);
+    std::iota(rows.at.begin(), rows.at.end(), index);
+    rows.ids = m_schedule.newIds(n);
+    m_schedule.insertRows(rows, true);
+    m_undo->push(new RowsCommand(m_schedule, kind, std::move(rows), true));
+    return int(n);
 }
 
 void ScheduleEditor::remove(const QList<int> &rows)
 {
-    if (!rows.isEmpty())
-        record(Edit::Remove, [&] { m_schedule.removeRows(rows); });
+    Schedule::Rows taken = m_schedule.takeRows(rows);
+    if (!taken.at.isEmpty())
+        m_undo->push(new RowsCommand(m_schedule, Edit::Remove, std::move(taken), false));
 }
 
-void ScheduleEditor::clear()
+void ScheduleEditor::clear(QList<int> rows)
 {
-    record(Edit::Clear, [&] { m_schedule.removeAll(); });
+    if (rows.isEmpty()) {
+        rows.resize(m_schedule.count());
+        std::iota(rows.begin(), rows.end(), 0);
+    }
+    Schedule::Rows taken = m_schedule.takeRows(rows);
+    if (!taken.at.isEmpty())
+        m_undo->push(new RowsCommand(m_schedule, Edit::Clear, std::move(taken), false));
 }
 
 void ScheduleEditor::move(int from, int to)
 {
-    record(Edit::Move, [&] { m_schedule.moveRow(from, to); });
+    const int n = m_schedule.count();
+    if (from == to || from < 0 || to < 0 || from >= n || to >= n)
+        return;
+    m_schedule.moveRow(from, to);
+    m_undo->push(new MoveCommand(m_schedule, from, to));
 }
 
-void ScheduleEditor::setDate(const QList<int> &rows, const QDateTime &date)
+void ScheduleEditor::setDate(QList<int> rows, const QDateTime &date)
 {
-    record(Edit::DateChange, [&] { m_schedule.setDate(rows, date); });
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    rows.removeIf([this](int row) { return row < 0 || row >= m_schedule.dates().size(); });
+    if (rows.isEmpty())
+        return;
+    const QDateTime instant = Schedule::instant(date);
+    QList<quint64> ids;
+    ids.reserve(rows.size());
+    bool changes = false;
+    for (int row : std::as_const(rows)) {
+        ids.append(m_schedule.idAt(row));
+        changes = changes || m_schedule.dates().at(row) != instant;
+    }
+    QList<QDateTime> before = m_schedule.setDates(rows, { date });
+    if (changes)
+        m_undo->push(new DateCommand(m_schedule, std::move(rows), std::move(ids), std::move(before), date));
 }
 
 } // namespace Quillon

@@ -29,21 +29,28 @@ public:
     // How the edit is named in the Edit menu ("Undo Date Change").
     static QString text(Edit kind);
 
-    // Runs change and records it when it changed the list. Consecutive date changes to the same
-    // rows merge, so that stepping a date through the picker is one undo.
-    void record(Edit kind, const std::function<void()> &change);
-
     // What a drop of these paths adds: a folder is its files when the preferences say so.
     QStringList expandFolders(const QStringList &paths) const;
     // Appends the paths as they are, with one launch date (now when none is given). Returns the
     // number of rows added.
     int add(const QStringList &paths, const QDateTime &date = {});
+    // Each path with its own date.
+    int add(const QStringList &paths, const QList<QDateTime> &dates);
+    // Inserted at index as a drop there does, dated now.
+    int drop(int index, const QStringList &paths);
     void remove(const QList<int> &rows);
-    void clear();
+    // The given rows, or every row when none is given.
+    void clear(QList<int> rows = {});
     void move(int from, int to);
-    void setDate(const QList<int> &rows, const QDateTime &date);
+    void setDate(QList<int> rows, const QDateTime &date);
 
 private:
+    class EditCommand;
+    class RowsCommand;
+    class MoveCommand;
+    class DateCommand;
+    int insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind);
+
     Schedule &m_schedule;
     Preferences &m_preferences;
     QUndoStack *m_undo = nullptr;

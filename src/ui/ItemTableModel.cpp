@@ -4,9 +4,7 @@
 
 #include "Countdown.h"
 #include "FileName.h"
-#include "FolderExpansion.h"
 #include "MediumDateFormat.h"
-#include "Preferences.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
 #include "StatusImages.h"
@@ -28,11 +26,11 @@ namespace Quillon {
 const QStringList ItemTableModel::Identifiers
     = { QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"), QStringLiteral("Launch Time"), QStringLiteral("Check") };
 
-ItemTableModel::ItemTableModel(Schedule &schedule, Workspace &workspace, Preferences &preferences, QObject *parent)
+ItemTableModel::ItemTableModel(ScheduleEditor &editor, Workspace &workspace, QObject *parent)
     : QAbstractTableModel(parent)
-    , m_schedule(schedule)
+    , m_schedule(editor.schedule())
     , m_workspace(workspace)
-    , m_preferences(preferences)
+    , m_editor(editor)
     , m_titles { QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString() }
 {
     connectSchedule();
@@ -315,14 +313,6 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
 {
     if (!data || !canDropMimeData(data, action, row, column, parent))
         return false;
-    if (m_editor) {
-        bool done = false;
-        ScheduleEditor *editor = std::exchange(m_editor, nullptr);
-        editor->record(data->hasFormat(PrivateRowsType) ? ScheduleEditor::Edit::Move : ScheduleEditor::Edit::Drop,
-            [&] { done = dropMimeData(data, action, row, column, parent); });
-        m_editor = editor;
-        return done;
-    }
     const int r = row < 0 || row > rowCount() ? rowCount() : row;
     if (data->hasFormat(PrivateRowsType)) {
         QList<int> rows;
@@ -331,7 +321,7 @@ bool ItemTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
         if (in.status() == QDataStream::Ok && !rows.isEmpty()) {
             // Only the first dragged row moves; a row dropped below itself lands just above the line.
             const int s = *std::min_element(rows.begin(), rows.end());
-            m_schedule.moveRow(s, s < r ? r - 1 : r);
+            m_editor.move(s, s < r ? r - 1 : r);
         }
         return true;
     }
@@ -346,10 +336,10 @@ bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
             paths << FileName::fromUrl(url);
     }
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
-    QStringList handled = FolderExpansion().expandDropped(paths, m_preferences.addFolderFiles(), m_preferences.addFolderFilesRecursively());
+    QStringList handled = m_editor.expandFolders(paths);
     // Each item goes in at the drop row, so the last one handled ends up on top.
     std::reverse(handled.begin(), handled.end());
-    m_schedule.insertPaths(r, handled);
+    m_editor.drop(r, handled);
     QGuiApplication::restoreOverrideCursor();
     return !paths.isEmpty();
 }

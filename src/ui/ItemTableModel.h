@@ -7,7 +7,6 @@
 
 namespace Quillon {
 
-class Preferences;
 class Schedule;
 class ScheduleEditor;
 class Workspace;
@@ -22,7 +21,8 @@ public:
     static const QStringList Identifiers;
     static inline const QString PrivateRowsType = QStringLiteral("MyPrivateTableViewDataType");
 
-    ItemTableModel(Schedule &schedule, Workspace &workspace, Preferences &preferences, QObject *parent = nullptr);
+    // Every change a drop makes goes through the editor, like any other edit.
+    ItemTableModel(ScheduleEditor &editor, Workspace &workspace, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -31,7 +31,6 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     // A drop is an edit like any other: made through the editor, so that it can be undone.
-    void setEditor(ScheduleEditor *editor) { m_editor = editor; }
 
     QVariant toolTip(int column, int row) const;
     // The value of one cell by column identifier: an icon, a string, or nothing.
@@ -57,9 +56,8 @@ private:
 
     Schedule &m_schedule;
     Workspace &m_workspace;
-    Preferences &m_preferences;
+    ScheduleEditor &m_editor;
     QStringList m_titles;
-    ScheduleEditor *m_editor = nullptr;
     // Rows that changed this event-loop turn; told to the views once, at the end of it.
     QList<int> m_changedRows;
 };

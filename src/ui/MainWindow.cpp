@@ -42,8 +42,7 @@ MainWindow::MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspa
 {
     setObjectName(QStringLiteral("fileListWindow"));
     setWindowTitle(QStringLiteral("Quillon"));
-    m_model = new ItemTableModel(m_schedule, workspace, preferences, this);
-    m_model->setEditor(&editor);
+    m_model = new ItemTableModel(editor, workspace, this);
     m_dateWindow = new DateWindow(this);
     connect(m_dateWindow, &DateWindow::nowRequested, this, [this] {
         if (!m_datePicker)
@@ -308,13 +307,7 @@ void MainWindow::addChosenPaths(const QStringList &paths)
 void MainWindow::clearListButtonClicked()
 {
     // No confirmation, as ever: undo is what makes a one-click clear safe.
-    const QList<int> rows = selectedRows();
-    m_editor.record(ScheduleEditor::Edit::Clear, [&] {
-        if (rows.isEmpty())
-            m_schedule.removeAll();
-        else
-            m_schedule.removeRows(rows);
-    });
+    m_editor.clear(selectedRows());
 }
 
 // The move a drag makes, one row at a time, and the selection follows the row.

@@ -341,7 +341,7 @@ private Q_SLOTS:
         start();
         MainWindow *window = m_controller->fileListWindow();
         window->addChosenPaths({ QStringLiteral("/docs/a.txt") });
-        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+        m_controller->editor().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
         QTest::mouseClick(window->stopStartButton(), Qt::LeftButton);
         const QModelIndex file = window->model()->index(0, ItemTableModel::FileColumn);
         QCOMPARE(file.data().toString(), QStringLiteral("1 hr 2 mins 5 secs "));
@@ -401,7 +401,7 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(item));
         start();
         m_controller->fileListWindow()->addChosenPaths({ item });
-        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
+        m_controller->editor().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 60'000));
         m_controller->schedule().startStopButtonClicked();
         m_controller->applicationWillTerminate();
         const QVariant savedItems = m_controller->preferences().value(Keys::Items);
@@ -427,7 +427,7 @@ private Q_SLOTS:
     {
         start();
         m_controller->fileListWindow()->addChosenPaths({ QStringLiteral("/1"), QStringLiteral("/2"), QStringLiteral("/3") });
-        m_controller->schedule().setDate({ 0, 1, 2 }, QDateTime::fromMSecsSinceEpoch(Now + 600'000));
+        m_controller->editor().setDate({ 0, 1, 2 }, QDateTime::fromMSecsSinceEpoch(Now + 600'000));
         m_controller->schedule().startStopButtonClicked();
         const auto timers = m_controller->schedule().timers();
         const auto dates = m_controller->schedule().dates();
@@ -465,8 +465,8 @@ private Q_SLOTS:
     {
         start();
         m_controller->fileListWindow()->addChosenPaths({ QStringLiteral("/1"), QStringLiteral("/2") });
-        m_controller->schedule().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3600'000));
-        m_controller->schedule().setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 1800'000));
+        m_controller->editor().setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 3600'000));
+        m_controller->editor().setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 1800'000));
         m_controller->schedule().startStopButtonClicked();
         m_controller->fileListWindow()->close();
         QVERIFY(m_controller->schedule().timersRunning());

@@ -4,6 +4,7 @@
 #include "LogindPowerService.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 #include "TimerFdClock.h"
@@ -34,6 +35,7 @@ struct Machine
     explicit Machine(Preferences &prefs)
         : power({ alarm })
         , schedule(prefs, clock)
+        , editor(schedule, prefs)
     {
         schedule.setPowerService(&power);
         QObject::connect(&power, &PowerService::willSleep, &schedule, &Schedule::scheduleWakeUp);
@@ -41,16 +43,15 @@ struct Machine
     }
     void start(const QList<std::pair<const char *, double>> &items)
     {
-        for (const auto &[path, offset] : items) {
-            schedule.appendPaths({ QString::fromUtf8(path) });
-            schedule.setDateAt(schedule.count() - 1, at(offset));
-        }
+        for (const auto &[path, offset] : items)
+            editor.add({ QString::fromUtf8(path) }, at(offset));
         schedule.startStopButtonClicked();
     }
     FakeWakeAlarm *alarm = new FakeWakeAlarm; // owned by the service
     LogindPowerService power;
     FakeClock clock { Test::Now };
     Schedule schedule;
+    ScheduleEditor editor;
 };
 
 QDBusMessage call(const QString &service, const QString &path, const QString &interface, const QString &method, const QVariantList &args)

@@ -3,6 +3,7 @@
 #include "FileReference.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
@@ -66,9 +67,7 @@ private Q_SLOTS:
         const QList<QDateTime> dates { at(100).toUTC(), at(200).toUTC(), at(-300).toUTC() };
         {
             auto s = makeSchedule();
-            s->appendPaths(paths);
-            for (int i = 0; i < 3; ++i)
-                s->setDate({ i }, dates[i]);
+            ScheduleEditor(*s, m_prefs).add(paths, dates);
             s->startTimers(true);
             if (deleteMiddle)
                 QVERIFY(QFile::remove(paths[1]));
@@ -104,12 +103,12 @@ private Q_SLOTS:
         const Test::CapturedLog log;
         {
             auto s = makeSchedule();
-            s->appendPaths({ file("a.txt"), file("b.txt") });
-            s->setDate({ 0, 1 }, at(100));
+            ScheduleEditor editor(*s, m_prefs);
+            editor.add({ file("a.txt"), file("b.txt") }, at(100));
             s->startTimers(true);
             s->saveItems();
             s->startStopButtonClicked();
-            s->removeAll();
+            editor.clear();
             s->saveItems();
         }
         QVERIFY2(log.isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));

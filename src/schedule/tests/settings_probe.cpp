@@ -2,6 +2,7 @@
 #include "FakeClock.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 
 #include <QCoreApplication>
 
@@ -16,7 +17,7 @@ int main(int argc, char *argv[])
     if (preferences.rememberItems())
         schedule.restoreItems();
     if (argc > 1)
-        schedule.appendPaths({ QString::fromLocal8Bit(argv[1]) });
+        ScheduleEditor(schedule, preferences).add({ QString::fromLocal8Bit(argv[1]) });
     schedule.saveItems();
     return 0;
 }

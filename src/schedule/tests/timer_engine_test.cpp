@@ -3,6 +3,7 @@
 #include "FakePowerService.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 #include "TimerFdClock.h"
@@ -27,6 +28,7 @@ private Q_SLOTS:
         m_settings.clear(m_prefs);
         m_clock = std::make_unique<FakeClock>(Now);
         m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
+        m_editor = std::make_unique<ScheduleEditor>(*m_schedule, m_prefs);
         m_schedule->createArrays();
         m_launched.clear();
         m_launchTimes.clear();
@@ -121,7 +123,7 @@ private Q_SLOTS:
         QFETCH(bool, armed);
         m_prefs.setValue(Keys::RepeatSeconds, 1);
         add({ { "edge", 0 } });
-        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
+        m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC));
         m_schedule->startTimers(true);
         QCOMPARE(m_schedule->timersRemaining(), armed ? 1 : 0);
         m_clock->advance(86'400'000);
@@ -140,7 +142,7 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->dates(), (QList<QDateTime> { at(10), at(100) }));
         m_clock->advance(200'000);
         QCOMPARE(m_launched.size(), 1); // stopped timers never fire
-        m_schedule->setDate({ 1 }, at(300));
+        m_editor->setDate({ 1 }, at(300));
         m_schedule->startStopButtonClicked();
         QCOMPARE(m_schedule->timersRemaining(), 1); // "a" is past and not armed again
         m_clock->advance(100'000);
@@ -235,7 +237,7 @@ private Q_SLOTS:
         QCOMPARE(m_launched, QStringList { "a" });
         m_clock->setClock(Now - 10'000);
         if (rearm == 0) {
-            m_schedule->setDate({ 1 }, at(3000));
+            m_editor->setDate({ 1 }, at(3000));
         } else {
             m_schedule->startStopButtonClicked();
             m_schedule->startStopButtonClicked();
@@ -285,7 +287,7 @@ private Q_SLOTS:
         add({ { "ten", 3600 }, { "half past nine", 1800 }, { "soon", 5 } });
         m_schedule->startStopButtonClicked();
         m_clock->advance(5000); // "soon" fires and is spent
-        m_schedule->setDate({ 1 }, at(7200));
+        m_editor->setDate({ 1 }, at(7200));
         m_schedule->restartTimers(); // its old timer is cancelled
         m_schedule->scheduleWakeUp();
         QCOMPARE(power.wakes, QList<QDateTime> { at(3600 - 15) });
@@ -298,10 +300,10 @@ private Q_SLOTS:
         QList<qint64> firedAt;
         schedule.setLauncher([&](const QString &, quint64) { firedAt << real.nowMSecs(); });
         const qint64 now = real.nowMSecs();
-        schedule.appendPaths({ QStringLiteral("far"), QStringLiteral("near") });
-        schedule.setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000));
         const qint64 nearDate = now + 300;
-        schedule.setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(nearDate));
+        ScheduleEditor(schedule, m_prefs)
+            .add({ QStringLiteral("far"), QStringLiteral("near") },
+                QList { QDateTime::fromMSecsSinceEpoch(now + qint64(50) * 86400 * 1000), QDateTime::fromMSecsSinceEpoch(nearDate) });
         schedule.startStopButtonClicked();
         QCOMPARE(schedule.timersRemaining(), 2);
         QTRY_COMPARE(firedAt.size(), 1);
@@ -322,10 +324,11 @@ private Q_SLOTS:
         QStringList paths;
         for (int i = 0; i < 100'000; ++i)
             paths << QStringLiteral("/item/%1").arg(i);
-        schedule.appendPaths(paths);
         const qint64 now = real.nowMSecs();
+        QList<QDateTime> dates;
         for (int i = 0; i < 100'000; ++i)
-            schedule.setDateAt(i, QDateTime::fromMSecsSinceEpoch(now + 3600'000 + i));
+            dates << QDateTime::fromMSecsSinceEpoch(now + 3600'000 + i);
+        ScheduleEditor(schedule, m_prefs).add(paths, dates);
         schedule.startTimers(true);
         QCOMPARE(schedule.timersRemaining(), 100'000);
         QCOMPARE(openDescriptors(), before);
@@ -371,8 +374,7 @@ private:
     void add(const QList<std::pair<const char *, double>> &items)
     {
         for (const auto &[name, offset] : items) {
-            m_schedule->addPath(QString::fromLatin1(name), m_schedule->count());
-            m_schedule->setDate({ m_schedule->count() - 1 }, at(offset));
+            m_editor->add({ QString::fromLatin1(name) }, at(offset));
         }
     }
 
@@ -380,6 +382,7 @@ private:
     Preferences m_prefs;
     std::unique_ptr<FakeClock> m_clock;
     std::unique_ptr<Schedule> m_schedule;
+    std::unique_ptr<ScheduleEditor> m_editor;
     QStringList m_launched;
     QList<qint64> m_launchTimes;
 };

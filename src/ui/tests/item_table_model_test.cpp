@@ -5,6 +5,7 @@
 #include "MediumDateFormat.h"
 #include "Preferences.h"
 #include "Schedule.h"
+#include "ScheduleEditor.h"
 #include "SettingsKeys.h"
 #include "StatusImages.h"
 #include "TestSupport.h"
@@ -29,14 +30,16 @@ private Q_SLOTS:
         m_prefs.setValues({ { Keys::AddFolderFiles, false }, { Keys::AddFolderFilesRecursively, false } });
         m_clock = std::make_unique<FakeClock>(Now);
         m_schedule = std::make_unique<Schedule>(m_prefs, *m_clock);
+        m_editor = std::make_unique<ScheduleEditor>(*m_schedule, m_prefs);
         m_workspace = FakeWorkspace();
-        m_model = std::make_unique<ItemTableModel>(*m_schedule, m_workspace, m_prefs);
+        m_model = std::make_unique<ItemTableModel>(*m_editor, m_workspace);
         m_tester = std::make_unique<QAbstractItemModelTester>(m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     }
     void cleanup()
     {
         m_tester.reset();
         m_model.reset();
+        m_editor.reset();
         m_schedule.reset();
     }
 
@@ -58,7 +61,7 @@ private Q_SLOTS:
         QFETCH(QString, path);
         QFETCH(QString, name);
         QFETCH(QString, iconPath);
-        m_schedule->addPath(path, 0);
+        m_editor->add({ path });
         m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
         QCOMPARE(m_workspace.iconPaths.last(), iconPath);
         QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), name);
@@ -88,10 +91,10 @@ private Q_SLOTS:
     void countdownAndStatusCells()
     {
         for (int i = 0; i < 4; ++i)
-            m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
-        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
-        m_schedule->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
-        m_schedule->setDate({ 2 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+            m_editor->add({ QStringLiteral("/p%1").arg(i) });
+        m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
+        m_editor->setDate({ 2 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         m_schedule->startTimers(true);
         QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 3).isValid()); // placeholder
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("0 secs"));
@@ -115,9 +118,9 @@ private Q_SLOTS:
     void firingsUpdateOnlyTheirRows()
     {
         for (int i = 0; i < 6; ++i)
-            m_schedule->addPath(QStringLiteral("/p%1").arg(i), i);
-        m_schedule->setDate({ 1, 2, 4 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
-        m_schedule->setDate({ 0, 3, 5 }, QDateTime::fromMSecsSinceEpoch(Now + 9000));
+            m_editor->add({ QStringLiteral("/p%1").arg(i) });
+        m_editor->setDate({ 1, 2, 4 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_editor->setDate({ 0, 3, 5 }, QDateTime::fromMSecsSinceEpoch(Now + 9000));
         m_schedule->startTimers(true);
         QSignalSpy changed(m_model.get(), &QAbstractItemModel::dataChanged);
         m_clock->advanceSecs(2);
@@ -134,10 +137,10 @@ private Q_SLOTS:
 
     void toolTipsSayWhen()
     {
-        m_schedule->addPath(QStringLiteral("/soon"), 0);
-        m_schedule->addPath(QStringLiteral("/later"), 1);
-        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
-        m_schedule->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
+        m_editor->add({ QStringLiteral("/soon") });
+        m_editor->add({ QStringLiteral("/later") });
+        m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
+        m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
         m_schedule->startTimers(true);
         const auto tip = [this](int row, int column) { return m_model->data(m_model->index(row, column), Qt::ToolTipRole).toString(); };
         QVERIFY2(
@@ -166,8 +169,8 @@ private Q_SLOTS:
         QFETCH(QList<int>, dragged);
         QFETCH(int, dropRow);
         QFETCH(QStringList, order);
-        m_schedule->appendPaths({ "a", "b", "c" });
-        m_schedule->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
+        m_editor->add({ "a", "b", "c" });
+        m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         QModelIndexList indexes;
         for (int row : dragged) {
             for (int c = 0; c < ItemTableModel::ColumnCount; ++c)
@@ -183,7 +186,7 @@ private Q_SLOTS:
 
     void filesDroppedAtARowLandInReverse()
     {
-        m_schedule->appendPaths({ "/old1", "/old2" });
+        m_editor->add({ "/old1", "/old2" });
         QMimeData data;
         // As a file manager sends it: a name that is not UTF-8 stays percent-encoded, and is kept.
         data.setUrls({ QUrl::fromLocalFile("/A"), QUrl::fromEncoded("file:///r%E9sum%E9"), QUrl::fromLocalFile("/C") });
@@ -243,6 +246,7 @@ private:
     Preferences m_prefs;
     std::unique_ptr<FakeClock> m_clock;
     std::unique_ptr<Schedule> m_schedule;
+    std::unique_ptr<ScheduleEditor> m_editor;
     FakeWorkspace m_workspace;
     std::unique_ptr<ItemTableModel> m_model;
     std::unique_ptr<QAbstractItemModelTester> m_tester;

@@ -47,10 +47,8 @@ private Q_SLOTS:
         m_window = std::make_unique<MainWindow>(*m_editor, m_prefs, m_workspace);
         connect(m_schedule.get(), &Schedule::runningStateChanged, m_window.get(), &MainWindow::showRunningState);
         m_window->setupDatePickerControl();
-        m_schedule->appendPaths({ "/a", "/b", "/c" });
-        m_schedule->setDate({ 0 }, at(100));
-        m_schedule->setDate({ 1 }, at(200));
-        m_schedule->setDate({ 2 }, at(300));
+        m_editor->add({ "/a", "/b", "/c" }, QList { at(100), at(200), at(300) });
+        m_editor->undoStack()->clear(); // the list the user starts with
     }
     void cleanup()
     {
@@ -211,13 +209,13 @@ private Q_SLOTS:
         QApplication::setActiveWindow(m_window.get());
         QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
         // Clear with nothing selected takes every row, unasked; undo puts each back with its date.
-        const Schedule::Snapshot before = m_schedule->snapshot();
+        const auto before = std::pair { m_schedule->paths(), m_schedule->dates() };
         for (const QKeyCombination redo : { Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y }) {
             m_window->fileTable()->selectionModel()->clearSelection();
             QTest::mouseClick(m_window->findChild<QPushButton *>(QStringLiteral("clearButton")), Qt::LeftButton);
             QCOMPARE(m_schedule->count(), 0);
             QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
-            QCOMPARE(m_schedule->snapshot(), before);
+            QCOMPARE(std::pair(m_schedule->paths(), m_schedule->dates()), before);
             QTest::keyClick(m_window.get(), redo.key(), redo.keyboardModifiers());
             QCOMPARE(m_schedule->count(), 0);
             QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
@@ -306,18 +304,18 @@ private Q_SLOTS:
         QCOMPARE(m_schedule->paths(), QStringList { "/b" });
         QCOMPARE(m_schedule->dates(), QList<QDateTime> { at(200) });
         // A run of neighbouring rows goes in one step, the rows around it stay.
-        m_schedule->appendPaths({ "/c", "/d", "/e" });
+        m_editor->add({ "/c", "/d", "/e" });
         select({ 1, 2, 3 });
         m_window->clearListButtonClicked();
         QCOMPARE(m_schedule->paths(), QStringList { "/b" });
         QCOMPARE(m_window->model()->rowCount(), 1);
-        m_schedule->appendPaths({ "/f" });
+        m_editor->add({ "/f" });
         m_window->deselectAllButtonClicked();
         m_window->clearListButtonClicked();
         QCOMPARE(m_schedule->count(), 0);
         QCOMPARE(m_schedule->dates().size(), 0);
         QVERIFY(!hint->isHidden()); // the empty list says how to fill it
-        m_schedule->appendPaths({ QStringLiteral("/x") });
+        m_editor->add({ QStringLiteral("/x") });
         QVERIFY(hint->isHidden());
     }
 
