@@ -37,10 +37,11 @@ int main(int argc, char *argv[])
     TimerFdClock clock;
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
-    Launcher launcher(prefs, workspace, scripts, [](const QString &, const QString &) {});
+    Launcher launcher(prefs, workspace, scripts);
     Schedule schedule(prefs, clock);
     schedule.createArrays();
-    schedule.setLauncher([&](const QString &path, quint64 item) { launcher.launchItem(path, Launcher::Origin::Schedule, item); });
+    QObject::connect(&schedule, &Schedule::launched, &launcher,
+        [&](const QString &path, const QDateTime &, quint64 item) { launcher.launchItem(path, Launcher::Origin::Schedule, item); });
 
     const QString script = dir.filePath(QStringLiteral("long.scpt"));
     Test::writeFile(script, "#!/bin/sh\nsleep " + QByteArray::number(ScriptSecs) + "\n", false);

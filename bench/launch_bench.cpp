@@ -36,10 +36,10 @@ public:
     explicit TimingWorkspace(Workspace &real)
         : m_real(real)
     { }
-    bool openFile(const QString &path) override
+    bool openFile(const QString &path, OpenDone done) override
     {
         lap();
-        return m_real.openFile(path);
+        return m_real.openFile(path, std::move(done));
     }
     void lap()
     {
@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
     DesktopWorkspace desktop;
     TimingWorkspace workspace(desktop);
     ShebangScriptRunner scripts;
-    Launcher launcher(prefs, workspace, scripts, [](const QString &, const QString &) {});
+    Launcher launcher(prefs, workspace, scripts);
     QList<qint64> perItem;
     for (const QStringList *set : { &documents, &programs }) {
         const bool docs = set == &documents;

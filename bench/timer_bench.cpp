@@ -38,7 +38,7 @@ static void lateness(Preferences &prefs, int count)
     late.reserve(count);
     int early = 0;
     QEventLoop loop;
-    schedule.setLauncher([&](const QString &path, quint64) {
+    QObject::connect(&schedule, &Schedule::launched, &schedule, [&](const QString &path) {
         const qint64 l = realtimeNs() - dueByPath.value(path);
         if (l < 0)
             ++early;

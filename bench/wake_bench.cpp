@@ -45,7 +45,7 @@ int main(int argc, char *argv[])
     schedule.createArrays();
     schedule.setPowerService(&power);
     int launched = 0;
-    schedule.setLauncher([&](const QString &, quint64) { ++launched; });
+    QObject::connect(&schedule, &Schedule::launched, &schedule, [&] { ++launched; });
     QStringList paths;
     for (int i = 0; i < Items; ++i)
         paths << QStringLiteral("/items/%1").arg(i);

@@ -35,6 +35,7 @@ std::optional<ProblemNotifier::Group> ProblemNotifier::groupOf(History::Kind kin
     case History::Kind::OpenFailed:
         return Group::OpenFailed;
     case History::Kind::Missed:
+    case History::Kind::MissedWhileOff:
         return Group::Missed;
     case History::Kind::ScriptFailed:
         return Group::ScriptFailed;
@@ -78,6 +79,7 @@ void ProblemNotifier::notice(const History::Record &record)
     if (!record.path.isEmpty() && !shown.items.contains(record.path))
         shown.items << record.path;
     shown.reason = record.detail;
+    shown.kind = record.kind;
     shown.reasons.insert(record.path, record.detail);
     show(*group);
 }
@@ -128,7 +130,7 @@ void ProblemNotifier::show(Group group)
             body += QLatin1String(": ") + shown.reason;
         break;
     case Group::Missed:
-        if (shown.reason.contains(QLatin1String("not running")))
+        if (shown.kind == History::Kind::MissedWhileOff)
             summary = tr("%n item(s) missed while Quillon was not running", nullptr, n);
         else
             summary = tr("%n item(s) missed while the computer slept", nullptr, n);

@@ -34,6 +34,7 @@ private:
         qint64 lastMSecs = 0;
         QStringList items;
         QString reason;
+        History::Kind kind = History::Kind::Opened; // of the last one told
         QHash<QString, QString> reasons; // each item's own, where they differ (failed scripts)
         int generation = 0;
         bool waiting = false;

@@ -46,6 +46,7 @@ bool History::isProblem(Kind kind)
     case Kind::OpenFailed:
     case Kind::ScriptFailed:
     case Kind::Missed:
+    case Kind::MissedWhileOff:
     case Kind::MailRefused:
     case Kind::MailFailed:
     case Kind::NotStarted:
@@ -65,7 +66,7 @@ bool History::isProblem(Kind kind)
 QString History::problemKinds()
 {
     QStringList kinds;
-    for (int k = int(Kind::Opened); k <= int(Kind::DatesMoved); ++k) {
+    for (int k = int(Kind::Opened); k <= int(Kind::LastKind); ++k) {
         if (isProblem(Kind(k)))
             kinds << QString::number(k);
     }
@@ -97,6 +98,7 @@ QString History::kindText(Kind kind)
     case Kind::ScriptEndedByQuit:
         return tr("Script ended by quitting");
     case Kind::Missed:
+    case Kind::MissedWhileOff:
         return tr("Missed");
     case Kind::OpenedLate:
         return tr("Opened late");

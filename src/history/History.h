@@ -41,7 +41,9 @@ public:
         MailFailed = 10,
         NotStarted = 11,
         DidNotQuit = 12,
-        DatesMoved = 13
+        DatesMoved = 13,
+        MissedWhileOff = 14, // Missed is while the computer slept
+        LastKind = MissedWhileOff
     };
     struct Record
     {

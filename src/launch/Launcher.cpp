@@ -8,16 +8,19 @@
 #include "Texts.h"
 #include "Workspace.h"
 
+#include <QPointer>
+
 namespace Quillon {
 
-Launcher::Launcher(Preferences &preferences, Workspace &workspace, ScriptRunner &scripts, SendMail sendMail)
-    : m_preferences(preferences)
+Launcher::Launcher(Preferences &preferences, Workspace &workspace, ScriptRunner &scripts, QObject *parent)
+    : QObject(parent)
+    , m_preferences(preferences)
     , m_workspace(workspace)
     , m_scripts(scripts)
-    , m_sendMail(std::move(sendMail))
 {
+    qRegisterMetaType<Launch>();
     m_waitTimer.setSingleShot(true);
-    QObject::connect(&m_waitTimer, &QTimer::timeout, [this] { openThoseThatWaited(); });
+    connect(&m_waitTimer, &QTimer::timeout, this, &Launcher::openThoseThatWaited);
 }
 
 bool Launcher::isScriptPath(const QString &path)
@@ -45,16 +48,32 @@ QString failureDetail(const ScriptRunner::Outcome &outcome, const QString &ran)
 
 void Launcher::launchItem(const QString &path, Origin origin, quint64 item)
 {
+    Launch launch;
+    launch.path = path;
+    launch.origin = origin;
+    launch.item = item;
+    this->launch(std::move(launch));
+}
+
+void Launcher::openNow(const QStringList &paths)
+{
+    for (const QString &path : paths)
+        launchItem(path, Origin::User);
+}
+
+void Launcher::launch(Launch launch)
+{
     // A repeating item that comes round again while its last run still waits (behind a script
     // that runs longer than the period) would pile up a run per period without end: its firings
     // collapse into the one that waits. Only a row's own: the same file on two rows runs twice.
-    if (origin == Origin::Schedule && item != 0) {
+    if (launch.origin == Origin::Schedule && launch.item != 0) {
         for (const Pending &pending : std::as_const(m_waiting)) {
-            if (pending.origin == Origin::Schedule && pending.item == item)
+            if (pending.launch.origin == Origin::Schedule && pending.launch.item == launch.item)
                 return;
         }
     }
-    m_waiting.enqueue({ path, origin, item, std::chrono::steady_clock::now() });
+    launch.serial = m_nextSerial++;
+    m_waiting.enqueue({ std::move(launch), std::chrono::steady_clock::now() });
     drain();
 }
 
@@ -63,7 +82,7 @@ void Launcher::armWaitTimer()
     if (!m_scriptRunning || m_waitTimer.isActive())
         return;
     for (const Pending &pending : std::as_const(m_waiting)) {
-        if (isScriptPath(pending.path))
+        if (isScriptPath(pending.launch.path))
             continue;
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(pending.queued + m_scriptWait - std::chrono::steady_clock::now());
         m_waitTimer.start(std::max(left, std::chrono::milliseconds(0)));
@@ -78,32 +97,30 @@ void Launcher::openThoseThatWaited()
     if (!m_scriptRunning)
         return;
     const auto now = std::chrono::steady_clock::now();
-    const QString script = m_runningScript.section(QLatin1Char('/'), -1);
+    const QString script = m_runningScript.path.section(QLatin1Char('/'), -1);
     QList<Pending> ready;
     m_waiting.removeIf([&](const Pending &pending) {
-        if (isScriptPath(pending.path) || now - pending.queued < m_scriptWait)
+        if (isScriptPath(pending.launch.path) || now - pending.queued < m_scriptWait)
             return false;
         ready << pending;
         return true;
     });
-    for (const Pending &pending : std::as_const(ready)) {
+    for (Pending &pending : ready) {
         const auto waited = std::chrono::duration_cast<std::chrono::seconds>(now - pending.queued);
-        const QString reason = QStringLiteral("waited %1 s for %2, which still runs").arg(waited.count()).arg(script);
-        systemLog(QStringLiteral("%1 opens now: it %2.").arg(pending.path, reason));
-        if (m_lateReport)
-            m_lateReport(pending.path, reason);
-        open(pending.path);
+        pending.launch.waitedFor = QStringLiteral("waited %1 s for %2, which still runs").arg(waited.count()).arg(script);
+        systemLog(QStringLiteral("%1 opens now: it %2.").arg(pending.launch.path, pending.launch.waitedFor));
+        open(pending.launch);
     }
     armWaitTimer();
 }
 
-QStringList Launcher::dropScheduled()
+QList<Launch> Launcher::dropScheduled()
 {
-    QStringList dropped;
+    QList<Launch> dropped;
     m_waiting.removeIf([&dropped](const Pending &pending) {
-        if (pending.origin == Origin::Schedule)
-            dropped << pending.path;
-        return pending.origin == Origin::Schedule;
+        if (pending.launch.origin == Origin::Schedule)
+            dropped << pending.launch;
+        return pending.launch.origin == Origin::Schedule;
     });
     drain();
     return dropped;
@@ -122,21 +139,22 @@ void Launcher::drain()
         return;
     m_draining = true;
     while (!m_scriptRunning && !m_waiting.isEmpty()) {
-        const QString path = m_waiting.dequeue().path;
+        const Launch launch = m_waiting.dequeue().launch;
+        const QString &path = launch.path;
         if (isScriptPath(path)) {
             m_scriptRunning = true;
-            m_runningScript = path;
+            m_runningScript = launch;
             m_preferences.synchronize();
             // None unless the user sets one: a script runs to its end, as long as it takes.
             m_scripts.setTimeLimit(std::chrono::seconds(qMax(0, m_preferences.intValue(Keys::ScriptTimeLimit))));
-            m_scripts.start(path, [this, path](const ScriptRunner::Outcome &outcome) {
+            m_scripts.start(path, [this, launch](const ScriptRunner::Outcome &outcome) {
                 m_scriptRunning = false;
-                scriptFinished(path, outcome);
+                scriptFinished(launch, outcome);
                 drain();
             });
             continue;
         }
-        open(path);
+        open(launch);
     }
     m_draining = false;
     armWaitTimer();
@@ -144,26 +162,31 @@ void Launcher::drain()
         std::exchange(m_whenIdle, {})();
 }
 
-void Launcher::open(const QString &path)
+void Launcher::open(const Launch &launch)
 {
-    m_workspace.openFile(path);
+    m_workspace.openFile(launch.path, [self = QPointer(this), launch](const Workspace::Opening &opening) {
+        if (!self)
+            return;
+        if (opening.failure == Workspace::OpenFailure::None)
+            Q_EMIT self->opened(launch, opening.as);
+        else
+            Q_EMIT self->failed(launch, opening.failure, opening.detail);
+    });
     if (MailSettings(m_preferences).sendEmail())
-        m_sendMail(path, Texts::LaunchedSubject);
+        Q_EMIT mailWanted(launch, launch.path, Texts::LaunchedSubject);
     else
         systemLog(Texts::EmailOff);
 }
 
-void Launcher::scriptFinished(const QString &path, const ScriptRunner::Outcome &outcome)
+void Launcher::scriptFinished(const Launch &launch, const ScriptRunner::Outcome &outcome)
 {
-    if (m_report) {
-        const QString ran = QStringLiteral("ran %1 s").arg(double(outcome.ran.count()) / 1000.0, 0, 'f', 1);
-        if (!outcome.loaded)
-            m_report(path, ScriptEnd::Failed, QStringLiteral("it could not be read, or names no interpreter"));
-        else if (!outcome.result)
-            m_report(path, ScriptEnd::Failed, failureDetail(outcome, ran));
-        else
-            m_report(path, ScriptEnd::Finished, ran + QStringLiteral(": ") + outcome.result->stringValue().value_or(QString()).left(200).simplified());
-    }
+    const QString ran = QStringLiteral("ran %1 s").arg(double(outcome.ran.count()) / 1000.0, 0, 'f', 1);
+    if (!outcome.loaded)
+        Q_EMIT scriptEnded(launch, ScriptEnd::Failed, QStringLiteral("it could not be read, or names no interpreter"));
+    else if (!outcome.result)
+        Q_EMIT scriptEnded(launch, ScriptEnd::Failed, failureDetail(outcome, ran));
+    else
+        Q_EMIT scriptEnded(launch, ScriptEnd::Finished, ran + QStringLiteral(": ") + outcome.result->stringValue().value_or(QString()).left(200).simplified());
     if (!outcome.loaded || !outcome.result)
         return;
     const ScriptDescriptor &result = *outcome.result;
@@ -179,7 +202,7 @@ void Launcher::scriptFinished(const QString &path, const ScriptRunner::Outcome &
 
     m_preferences.synchronize();
     if (text && m_preferences.boolValue(Keys::EmailScriptResults))
-        m_sendMail(*text, Texts::ScriptResultSubject);
+        Q_EMIT mailWanted(launch, *text, Texts::ScriptResultSubject);
 }
 
 void Launcher::launchAllNow(const QStringList &paths)
@@ -189,17 +212,17 @@ void Launcher::launchAllNow(const QStringList &paths)
         launchItem(path, Origin::User);
 }
 
-QStringList Launcher::abandon(std::function<void()> stopped)
+QList<Launch> Launcher::abandon(std::function<void()> stopped)
 {
-    if (m_scriptRunning && m_report)
-        m_report(m_runningScript, ScriptEnd::EndedByQuit, {});
+    if (m_scriptRunning)
+        Q_EMIT scriptEnded(m_runningScript, ScriptEnd::EndedByQuit, {});
     // Always asked: what finished scripts left running in the session is ended too.
     m_scripts.stop(std::move(stopped));
     m_scriptRunning = false;
     m_waitTimer.stop();
-    QStringList waiting;
+    QList<Launch> waiting;
     for (const Pending &pending : std::as_const(m_waiting))
-        waiting << pending.path;
+        waiting << pending.launch;
     m_waiting.clear();
     m_whenIdle = {};
     return waiting;

@@ -14,13 +14,25 @@ class Workspace
 {
 public:
     virtual ~Workspace() = default;
-    // How each opening ended, told from the event loop: how it was opened ("document",
-    // "program", "application", "folder"), and why it failed (empty when it did not).
-    using Outcome = std::function<void(const QString &path, const QString &how, const QString &failure)>;
-    void setOutcomeHandler(Outcome handler) { m_outcome = std::move(handler); }
+    // What an opening turned out to be, and how it ended.
+    enum class OpenedAs { Document, Program, Application, Folder };
+    enum class OpenFailure { None, Vanished, CannotOpen };
+    struct Opening
+    {
+        OpenedAs as = OpenedAs::Document;
+        OpenFailure failure = OpenFailure::None;
+        QString detail; // why it failed, in the words of the desktop's services
+    };
+    // Told from the event loop, once, for this opening alone.
+    using OpenDone = std::function<void(const Opening &)>;
+    static QString text(OpenedAs as)
+    {
+        static const char *const names[] = { "document", "program", "application", "folder" };
+        return QString::fromLatin1(names[int(as)]);
+    }
     // Open as a double click in the file manager would, without waiting for the program to
-    // start. False when there is nothing to open; a program that fails to start is logged.
-    virtual bool openFile(const QString &path) = 0;
+    // start. False when there is nothing to open; done is told how the opening ended.
+    virtual bool openFile(const QString &path, OpenDone done = {}) = 0;
     // Show the file selected in the file manager.
     virtual void selectFile(const QString &path) = 0;
     virtual QIcon iconForFile(const QString &path) = 0;
@@ -40,16 +52,6 @@ public:
         use();
         return true;
     }
-
-protected:
-    void reportOutcome(const QString &path, const QString &how, const QString &failure) const
-    {
-        if (m_outcome)
-            m_outcome(path, how, failure);
-    }
-
-private:
-    Outcome m_outcome;
 };
 
 } // namespace Quillon

@@ -27,13 +27,9 @@ class Schedule final : public QObject
     friend class ScheduleEditor;
 
 public:
-    // The item's path and its row's identity: what a launch belongs to, whatever row it moves to.
-    using Launcher = std::function<void(const QString &path, quint64 item)>;
-
     Schedule(Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
     ~Schedule() override;
 
-    void setLauncher(Launcher launcher) { m_launchItem = std::move(launcher); }
     void setPowerService(PowerService *power) { m_power = power; }
 
     const QStringList &paths() const { return m_paths; }
@@ -107,12 +103,12 @@ Q_SIGNALS:
     void quitRequested();
     // The schedule stopped without the user asking: text says why, for a status line.
     void stoppedByItself(const QString &text);
-    // An item's time came and it was handed to the launcher; date is the time it was due, item
-    // its row's identity.
+    // An item's time came: the launcher opens it. date is the time it was due, item its row's
+    // identity (what a launch belongs to, whatever row it moves to).
     void launched(const QString &path, const QDateTime &date, quint64 item);
     // An item's time passed while the computer slept (or Quillon was not running); date is when it was due.
     void missed(const QString &path, const QDateTime &date);
-    // A missed item is opened now, late (told just before); date is when it was due.
+    // A missed item is to be opened now, late; date is when it was due.
     void caughtUp(const QString &path, const QDateTime &date, quint64 item);
     // The user stopped a running schedule (not the last launch ending it).
     void stoppedByUser();
@@ -154,7 +150,6 @@ private:
     WallClock &m_clock;
     TimerQueue *m_queue = nullptr;
     PowerService *m_power = nullptr;
-    Launcher m_launchItem;
 
     QStringList m_paths;
     QList<QDateTime> m_dates;

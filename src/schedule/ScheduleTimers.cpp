@@ -149,12 +149,10 @@ void Schedule::launch(const TimerSlot &timer)
     if (m_frozen)
         return;
     const qsizetype k = slotOf(timer);
-    // Told first: what the launcher reports about the opening belongs to this date and row.
-    Q_EMIT launched(timer->path(), timer->fireDate(), k >= 0 ? idAt(int(k)) : 0);
     if (k >= 0)
         m_lastFired.insert(idAt(int(k)), timer->fireMSecs());
-    if (m_launchItem)
-        m_launchItem(timer->path(), k >= 0 ? idAt(int(k)) : 0);
+    // The launcher hears it here, with the row and the moment that every report then carries.
+    Q_EMIT launched(timer->path(), timer->fireDate(), k >= 0 ? idAt(int(k)) : 0);
 
     const qint64 period = repeatMSecs();
     if (period == 0) {
@@ -292,8 +290,6 @@ void Schedule::catchUp(QList<int> rows)
         restartTimers();
     for (const Due &item : std::as_const(due)) {
         Q_EMIT caughtUp(item.path, item.date, item.item);
-        if (m_launchItem)
-            m_launchItem(item.path, item.item);
     }
 }
 

@@ -50,7 +50,7 @@ void HistoryModel::refresh()
     QStringList where;
     // What happened is stored as a number: the kinds whose words hold the text are looked up here.
     QStringList kinds;
-    for (int k = int(History::Kind::Opened); k <= int(History::Kind::DatesMoved); ++k) {
+    for (int k = int(History::Kind::Opened); k <= int(History::Kind::LastKind); ++k) {
         if (!m_text.isEmpty() && History::kindText(History::Kind(k)).contains(m_text, Qt::CaseInsensitive))
             kinds << QString::number(k);
     }

@@ -110,9 +110,9 @@ private Q_SLOTS:
             if (start == 0) {
                 QCOMPARE(problems->text(), QStringLiteral("1 problem since you last looked"));
                 QTest::mouseClick(problems, Qt::LeftButton);
-                QVERIFY(m_controller->historyWindow()->isVisible());
+                QVERIFY(m_controller->shell().historyWindow()->isVisible());
                 QVERIFY(!problems->isVisible());
-                HistoryModel *model = m_controller->historyWindow()->model();
+                HistoryModel *model = m_controller->shell().historyWindow()->model();
                 QCOMPARE(model->rowCount(), catchUp ? 2 : 1);
                 QCOMPARE(model->index(model->rowCount() - 1, HistoryModel::WhatColumn).data().toString(), QStringLiteral("Missed"));
                 if (catchUp)
@@ -174,8 +174,8 @@ private Q_SLOTS:
         }
         m_clock->advance(1200'000);
         start();
-        m_controller->showHistory();
-        HistoryModel *model = m_controller->historyWindow()->model();
+        m_controller->shell().showHistory();
+        HistoryModel *model = m_controller->shell().historyWindow()->model();
         QStringList what;
         for (int row = 0; row < model->rowCount(); ++row)
             what << model->index(row, HistoryModel::WhatColumn).data().toString();
@@ -193,8 +193,8 @@ private Q_SLOTS:
         start();
         m_controller->history().record(History::Kind::Missed, item, Test::at(-60), QStringLiteral("the computer was asleep"));
         m_controller->history().record(History::Kind::MailSent, {}, {}, QStringLiteral("Quillon launched path..."));
-        m_controller->showHistory();
-        HistoryWindow *window = m_controller->historyWindow();
+        m_controller->shell().showHistory();
+        HistoryWindow *window = m_controller->shell().historyWindow();
         QVERIFY(QTest::qWaitForWindowActive(window));
         QTableView *table = window->table();
         // The missed record is the oldest, the last row; new records come in above it.
@@ -277,6 +277,35 @@ private Q_SLOTS:
         QCOMPARE(scripting.Outcomes().value(0).outcome, outcome);
     }
 
+    // The same file on two rows, and the user opening it meanwhile: each record and each row's
+    // outcome belongs to its own launch, never to another that shares the path.
+    void eachLaunchIsToldOfItsOwnRowAndMoment()
+    {
+        const QString item = m_config->filePath(QStringLiteral("same.txt"));
+        QVERIFY(Test::writeFile(item));
+        start();
+        QList<History::Record> records;
+        connect(&m_controller->history(), &History::recorded, this, [&records](const History::Record &r) {
+            if (r.kind == History::Kind::Opened || r.kind == History::Kind::OpenFailed)
+                records << r;
+        });
+        m_controller->editor().add({ item, item }, QList { Test::at(30), Test::at(90) });
+        m_controller->schedule().startStopButtonClicked();
+        m_controller->launcher().openNow({ item });
+        m_workspace.openSucceeds = false;
+        m_clock->advance(31'000);
+        m_workspace.openSucceeds = true;
+        m_clock->advance(60'000);
+        QTRY_COMPARE(records.size(), 3);
+        QCOMPARE(records.at(0).scheduled, QDateTime()); // the user's, due at no time
+        QCOMPARE(records.at(1).kind, History::Kind::OpenFailed);
+        QCOMPARE(records.at(1).scheduled, Test::at(30));
+        QCOMPARE(records.at(2).kind, History::Kind::Opened);
+        QCOMPARE(records.at(2).scheduled, Test::at(90));
+        QCOMPARE(m_controller->schedule().outcomeAt(0).kind, Schedule::Outcome::Kind::Failed);
+        QCOMPARE(m_controller->schedule().outcomeAt(1).kind, Schedule::Outcome::Kind::Opened);
+    }
+
     // GNOME has no tray: the window is shown and closed minimised, so a running Quillon stays in reach.
     void withoutATrayTheWindowStaysReachable()
     {
@@ -320,13 +349,13 @@ private Q_SLOTS:
         start();
         MainWindow *window = m_controller->fileListWindow();
         QVERIFY(QTest::qWaitForWindowExposed(window));
-        m_controller->doAlert(QStringLiteral("Something"));
-        QMessageBox *alert = m_controller->currentAlert();
+        m_controller->shell().doAlert(QStringLiteral("Something"));
+        QMessageBox *alert = m_controller->shell().currentAlert();
         QVERIFY(QTest::qWaitForWindowExposed(alert));
         QCOMPARE(alert->windowModality(), Qt::WindowModal);
         QCOMPARE(alert->windowHandle()->transientParent(), window->windowHandle());
         alert->close();
-        m_controller->showPreferences();
+        m_controller->shell().showPreferences();
         window->dateTimeClicked();
         for (QWidget *own : { static_cast<QWidget *>(window->findChild<PreferencesDialog *>()), window->calendarClockWindow() }) {
             QVERIFY(QTest::qWaitForWindowExposed(own));
@@ -381,8 +410,8 @@ private Q_SLOTS:
         if (style < 0)
             QTest::mouseClick(m_controller->fileListWindow()->stopStartButton(), Qt::LeftButton);
         else
-            m_controller->doAlert(QStringLiteral("m"), informative, withParent ? m_controller->fileListWindow() : nullptr, style);
-        QMessageBox *alert = m_controller->currentAlert();
+            m_controller->shell().doAlert(QStringLiteral("m"), informative, withParent ? m_controller->fileListWindow() : nullptr, style);
+        QMessageBox *alert = m_controller->shell().currentAlert();
         QVERIFY(alert && alert->isVisible());
         if (style < 0)
             QCOMPARE(alert->text(), QStringLiteral("No items were scheduled to run."));
@@ -503,7 +532,7 @@ private Q_SLOTS:
         start();
         m_controller->preferences().setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") },
             { Keys::ServerAddress, QStringLiteral("127.0.0.1") }, { Keys::ServerPort, serverUp ? server.port : closedPort } });
-        m_controller->showPreferences();
+        m_controller->shell().showPreferences();
         auto *dialog = m_controller->fileListWindow()->findChild<PreferencesDialog *>();
         QVERIFY(dialog);
         auto *label = dialog->findChild<QLabel *>(QStringLiteral("testOutcome"));

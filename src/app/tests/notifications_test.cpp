@@ -144,8 +144,8 @@ private Q_SLOTS:
         const auto record = [&](const char *name, Kind kind, const QString &detail) {
             n.notifier.notice({ n.clock.now(), QStringLiteral("/home/ann/%1").arg(QLatin1String(name)), Test::at(-60), kind, detail });
         };
-        record("a.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
-        record("b.txt", Kind::Missed, QStringLiteral("Quillon was not running"));
+        record("a.txt", Kind::MissedWhileOff, QStringLiteral("Quillon was not running"));
+        record("b.txt", Kind::MissedWhileOff, QStringLiteral("Quillon was not running"));
         QTRY_COMPARE(calls().size(), 2);
         // The two notices go out in either order.
         const auto last = [this](const QString &summary) {

@@ -54,7 +54,8 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(config + QStringLiteral("/mimeapps.list"), "[Default Applications]\ntext/plain=quillon-test-handler.desktop\n"));
         m_prefs = std::make_unique<Preferences>();
         m_prefs->setValue(Keys::EmailScriptResults, true);
-        m_launcher = std::make_unique<Launcher>(*m_prefs, m_workspace, m_scripts, [this](const QString &body, const QString &) { m_results << body; });
+        m_launcher = std::make_unique<Launcher>(*m_prefs, m_workspace, m_scripts);
+        connect(m_launcher.get(), &Launcher::mailWanted, this, [this](const Launch &, const QString &body) { m_results << body; });
     }
     void init()
     {
@@ -204,12 +205,13 @@ private Q_SLOTS:
         QVERIFY(ProcessFamily::becomeSubreaper());
         OrphanReaper orphans;
         QStringList reports;
-        m_launcher->setScriptReport([&reports](const QString &, Launcher::ScriptEnd, const QString &detail) { reports << detail; });
+        const auto report = connect(
+            m_launcher.get(), &Launcher::scriptEnded, this, [&reports](const Launch &, Launcher::ScriptEnd, const QString &detail) { reports << detail; });
         const QString script = m_home.filePath(QStringLiteral("scripts/fails.scpt"));
         QVERIFY(Test::writeFile(script, "#!/bin/sh\n(sleep 0.2) &\necho 'checking disk'\necho 'disk full' >&2\nexit 3\n"));
         m_launcher->launchItem(script);
         waitForScript();
-        m_launcher->setScriptReport({});
+        disconnect(report);
         QCOMPARE(reports.size(), 1);
         QVERIFY2(
             QRegularExpression(QStringLiteral("^exit status 3, ran 0\\.\\d s; output: checking disk; errors: disk full$")).match(reports.first()).hasMatch(),

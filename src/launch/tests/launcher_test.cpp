@@ -23,7 +23,8 @@ private Q_SLOTS:
         m_scripts = FakeScriptRunner();
         m_mails.clear();
         m_log.clear();
-        m_launcher = std::make_unique<Launcher>(m_prefs, m_workspace, m_scripts, [this](const QString &b, const QString &s) { m_mails << Mail(b, s); });
+        m_launcher = std::make_unique<Launcher>(m_prefs, m_workspace, m_scripts);
+        connect(m_launcher.get(), &Launcher::mailWanted, this, [this](const Launch &, const QString &b, const QString &s) { m_mails << Mail(b, s); });
     }
 
     void scriptOrDocument_data()
@@ -139,7 +140,7 @@ private Q_SLOTS:
         m_scripts.finishRunning();
         QCOMPARE(m_workspace.opened, QStringList { "/doc" });
         QCOMPARE(m_scripts.ran, (QStringList { "/a.scpt", "/b.scpt" }));
-        QCOMPARE(m_launcher->abandon(), (QStringList { "/doc2", "/due-meanwhile" }));
+        QCOMPARE(pathsOf(m_launcher->abandon()), (QStringList { "/doc2", "/due-meanwhile" }));
         QCOMPARE(m_scripts.stopped, QStringList { "/b.scpt" });
         m_scripts.finishRunning();
         m_scripts.hold = false;
@@ -179,7 +180,9 @@ private Q_SLOTS:
         m_launcher->launchAllNow({ QStringLiteral("/slow.scpt") });
         bool idle = false;
         m_launcher->whenIdle([&idle] { idle = true; });
-        QCOMPARE(m_launcher->dropScheduled(), QStringList { "/doc" });
+        const QList<Launch> dropped = m_launcher->dropScheduled();
+        QCOMPARE(pathsOf(dropped), QStringList { "/doc" });
+        QCOMPARE(dropped.first().item, quint64(2)); // told of its own row
         m_scripts.finishRunning();
         QVERIFY(m_workspace.opened.isEmpty());
         QCOMPARE(m_scripts.ran.size(), 2);
@@ -196,7 +199,7 @@ private Q_SLOTS:
         m_scripts.hold = true;
         m_launcher->setScriptWait(std::chrono::milliseconds(200));
         QStringList late;
-        m_launcher->setLateReport([&late](const QString &path, const QString &reason) { late << path + QLatin1String(": ") + reason; });
+        connect(m_launcher.get(), &Launcher::opened, this, [&late](const Launch &launch) { late << launch.path + QLatin1String(": ") + launch.waitedFor; });
         m_launcher->launchAllNow({ QStringLiteral("/b/backup.scpt"), QStringLiteral("/doc"), QStringLiteral("/next.scpt"), QStringLiteral("/doc2") });
         QCOMPARE(m_scripts.limit, std::chrono::seconds(0));
         QVERIFY(m_workspace.opened.isEmpty());
@@ -230,6 +233,14 @@ private:
     FakeWorkspace m_workspace;
     FakeScriptRunner m_scripts;
     std::unique_ptr<Launcher> m_launcher;
+    static QStringList pathsOf(const QList<Launch> &launches)
+    {
+        QStringList paths;
+        for (const Launch &launch : launches)
+            paths << launch.path;
+        return paths;
+    }
+
     QList<Mail> m_mails;
     Test::CapturedLog m_log;
 };

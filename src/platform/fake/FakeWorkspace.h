@@ -9,10 +9,11 @@ namespace Quillon {
 class FakeWorkspace final : public Workspace
 {
 public:
-    bool openFile(const QString &path) override
+    bool openFile(const QString &path, OpenDone done = {}) override
     {
         opened << path;
-        reportOutcome(path, QStringLiteral("document"), openSucceeds ? QString() : QStringLiteral("it could not be opened"));
+        if (done)
+            done(openSucceeds ? Opening {} : Opening { OpenedAs::Document, OpenFailure::CannotOpen, QStringLiteral("it could not be opened") });
         return openSucceeds;
     }
     void selectFile(const QString &path) override { selected << path; }

@@ -58,23 +58,28 @@ QByteArray uriOf(const QByteArray &file)
     return out;
 }
 
-// reason: what went wrong when GLib gave no error of its own.
-QString failure(const QString &path, GError *error, const QString &reason = QStringLiteral("it could not be opened"))
+// Why an opening failed; reason: what went wrong when GLib gave no error of its own.
+QString failure(GError *error, const QString &reason = QStringLiteral("it could not be opened"))
 {
     const QString why = error ? QString::fromUtf8(error->message) : reason;
     if (error)
         g_error_free(error);
-    return QStringLiteral("Could not open %1: %2").arg(FileName::display(path), why);
+    return why;
+}
+
+QString failureLine(const QString &what, const QString &why)
+{
+    return QStringLiteral("Could not open %1: %2").arg(FileName::display(what), why);
 }
 
 // Started in its own folder and reaped by the reaper, so it never lingers as a zombie.
-QString startProgram(const QString &path, const QByteArray &program, const QByteArray &folder, ChildReaper &reaper)
+QString startProgram(const QByteArray &program, const QByteArray &folder, ChildReaper &reaper)
 {
     char *argv[] = { const_cast<char *>(program.constData()), nullptr };
     GPid pid = 0;
     GError *error = nullptr;
     if (!g_spawn_async(folder.constData(), argv, nullptr, G_SPAWN_DO_NOT_REAP_CHILD, nullptr, nullptr, &pid, &error))
-        return failure(path, error);
+        return failure(error);
     reaper.add(pid);
     return {};
 }
@@ -83,38 +88,37 @@ QString launchDesktopFile(const QString &path, ChildReaper &reaper)
 {
     GPtr<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(FileName::encode(path).constData()));
     if (!info)
-        return failure(path, nullptr, QStringLiteral("it is not a valid desktop entry, or the program it names is not installed"));
+        return failure(nullptr, QStringLiteral("it is not a valid desktop entry, or the program it names is not installed"));
     GError *error = nullptr;
     if (!launchApp(G_APP_INFO(info.get()), nullptr, reaper, &error))
-        return failure(path, error);
+        return failure(error);
     return {};
 }
 
-QString openWithDefaultHandler(const QByteArray &uri, const QString &what)
+QString openWithDefaultHandler(const QByteArray &uri)
 {
     GError *error = nullptr;
     if (!g_app_info_launch_default_for_uri(uri.constData(), nullptr, &error))
-        return failure(what, error);
+        return failure(error);
     return {};
 }
 
 // The type from the name alone spares reading the file; only a name that says nothing
 // certain (no extension, say) falls back to GIO's content sniffing.
-QString openLocalFile(const QString &path, ChildReaper &reaper)
+QString openLocalFile(const QByteArray &file, ChildReaper &reaper)
 {
-    const QByteArray file = FileName::encode(path);
     gboolean uncertain = FALSE;
     gchar *type = g_content_type_guess(file.constData(), nullptr, 0, &uncertain);
     GAppInfo *app = uncertain ? nullptr : g_app_info_get_default_for_type(type, FALSE);
     g_free(type);
     const QByteArray uri = uriOf(file);
     if (!app)
-        return openWithDefaultHandler(uri, path);
+        return openWithDefaultHandler(uri);
     GList uris { const_cast<char *>(uri.constData()), nullptr, nullptr };
     GError *error = nullptr;
     const bool ok = launchApp(app, &uris, reaper, &error);
     g_object_unref(app);
-    return ok ? QString() : failure(path, error);
+    return ok ? QString() : failure(error);
 }
 
 QIcon desktopFileIcon(const QString &path)
@@ -261,10 +265,10 @@ DesktopWorkspace::DesktopWorkspace()
 
 DesktopWorkspace::~DesktopWorkspace() = default; // the pool's own end waits for the opening under way
 
-void DesktopWorkspace::inBackground(std::function<QString()> job, const QString &item, const QString &how)
+void DesktopWorkspace::inBackground(std::function<QString()> job, const QString &what, OpenedAs as, OpenDone done)
 {
     ++m_pending;
-    m_opener.start([this, job = std::move(job), item, how] {
+    m_opener.start([this, job = std::move(job), what, as, done = std::move(done)] {
         if (m_dropping) {
             ++m_dropped;
             --m_pending;
@@ -278,16 +282,14 @@ void DesktopWorkspace::inBackground(std::function<QString()> job, const QString 
             if (!error.isEmpty())
                 error = withOwnMainContext(job);
         }
-        if (!error.isEmpty() || !item.isEmpty()) {
+        if (!error.isEmpty() || done) {
             QMetaObject::invokeMethod(
                 &m_logContext,
-                [this, error, item, how] {
+                [error, what, as, done] {
                     if (!error.isEmpty())
-                        systemLog(error);
-                    if (item.isEmpty())
-                        return;
-                    const QString prefix = QStringLiteral("Could not open %1: ").arg(item);
-                    reportOutcome(item, how, error.startsWith(prefix) ? error.mid(prefix.size()) : error);
+                        systemLog(failureLine(what, error));
+                    if (done)
+                        done({ as, error.isEmpty() ? OpenFailure::None : OpenFailure::CannotOpen, error });
                 },
                 Qt::QueuedConnection);
         }
@@ -323,7 +325,7 @@ bool DesktopWorkspace::whileNoProgramStarts(const std::function<void()> &use)
     return true;
 }
 
-bool DesktopWorkspace::openFile(const QString &path)
+bool DesktopWorkspace::openFile(const QString &path, OpenDone done)
 {
     // Looked at by its bytes: Qt's file classes cannot name a file whose name is not UTF-8.
     const QByteArray file = FileName::encode(QDir::isAbsolutePath(path) ? path : QDir::current().absoluteFilePath(path));
@@ -332,8 +334,15 @@ bool DesktopWorkspace::openFile(const QString &path)
     };
     const bool exists = ::stat(file.constData(), &st) == 0;
     if (!exists && ::lstat(file.constData(), &st) != 0) {
-        systemLog(failure(path, nullptr, QStringLiteral("the file no longer exists")));
-        reportOutcome(path, QStringLiteral("document"), QStringLiteral("the file no longer exists"));
+        const QString why = QStringLiteral("the file no longer exists");
+        systemLog(failureLine(path, why));
+        if (done)
+            QMetaObject::invokeMethod(
+                &m_logContext,
+                [done, why] {
+                    done({ OpenedAs::Document, OpenFailure::Vanished, why });
+                },
+                Qt::QueuedConnection);
         return false;
     }
     const bool isFile = exists && S_ISREG(st.st_mode);
@@ -341,16 +350,16 @@ bool DesktopWorkspace::openFile(const QString &path)
     const QByteArray folder = file.left(qMax(1, int(file.lastIndexOf('/'))));
     const QByteArray appRun = file + "/AppRun";
     if (isFile && file.endsWith(".desktop")) {
-        inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, QStringLiteral("application"));
+        inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, OpenedAs::Application, std::move(done));
     } else if (isFile && ::access(file.constData(), X_OK) == 0 && isProgramByContent(file)) {
-        inBackground([this, path, file, folder] { return startProgram(path, file, folder, m_reaper); }, path, QStringLiteral("program"));
+        inBackground([this, file, folder] { return startProgram(file, folder, m_reaper); }, path, OpenedAs::Program, std::move(done));
     } else if (isDir && isExecutableFile(appRun)) {
         // An AppDir: its AppRun starts the application, from inside the folder.
-        inBackground([this, path, appRun, file] { return startProgram(path, appRun, file, m_reaper); }, path, QStringLiteral("program"));
+        inBackground([this, appRun, file] { return startProgram(appRun, file, m_reaper); }, path, OpenedAs::Program, std::move(done));
     } else if (isDir) {
-        inBackground([path, uri = uriOf(file)] { return openWithDefaultHandler(uri, path); }, path, QStringLiteral("folder"));
+        inBackground([uri = uriOf(file)] { return openWithDefaultHandler(uri); }, path, OpenedAs::Folder, std::move(done));
     } else {
-        inBackground([this, path, file] { return openLocalFile(FileName::decode(file), m_reaper); }, path, QStringLiteral("document"));
+        inBackground([this, file] { return openLocalFile(file, m_reaper); }, path, OpenedAs::Document, std::move(done));
     }
     return true;
 }
@@ -367,7 +376,7 @@ void DesktopWorkspace::selectFile(const QString &path)
             return;
         // No file manager on the bus: show the folder that holds it instead.
         const QByteArray file = FileName::encode(path);
-        inBackground([path, uri = uriOf(file.left(qMax(1, int(file.lastIndexOf('/')))))] { return openWithDefaultHandler(uri, path); });
+        inBackground([uri = uriOf(file.left(qMax(1, int(file.lastIndexOf('/')))))] { return openWithDefaultHandler(uri); }, path);
     });
 }
 
@@ -394,7 +403,7 @@ bool DesktopWorkspace::openUrl(const QUrl &url)
 {
     if (!url.isValid())
         return false;
-    inBackground([uri = url.toString(QUrl::FullyEncoded).toUtf8(), what = url.toDisplayString()] { return openWithDefaultHandler(uri, what); });
+    inBackground([uri = url.toString(QUrl::FullyEncoded).toUtf8()] { return openWithDefaultHandler(uri); }, url.toDisplayString());
     return true;
 }
 

@@ -55,7 +55,7 @@ class DesktopWorkspace final : public Workspace
 public:
     DesktopWorkspace();
     ~DesktopWorkspace() override;
-    bool openFile(const QString &path) override;
+    bool openFile(const QString &path, OpenDone done = {}) override;
     void selectFile(const QString &path) override;
     QIcon iconForFile(const QString &path) override;
     bool openUrl(const QUrl &url) override;
@@ -70,7 +70,8 @@ public:
 private:
     // The job returns an error text, empty when the program was started.
     // item: the path whose outcome is reported (none for the file manager and links).
-    void inBackground(std::function<QString()> job, const QString &item = {}, const QString &how = {});
+    // job answers why it failed, empty when it did not.
+    void inBackground(std::function<QString()> job, const QString &what, OpenedAs as = OpenedAs::Document, OpenDone done = {});
 
     QMimeDatabase m_mimes;
     ChildReaper m_reaper;

@@ -129,7 +129,8 @@ private Q_SLOTS:
         auto reset = qScopeGuard([this] { m_prefs.setValues({ { Keys::OpenMissedItems, false }, { Keys::RepeatSeconds, 0 } }); });
         Machine m(m_prefs);
         QStringList opened;
-        m.schedule.setLauncher([&opened](const QString &path, quint64) { opened << path; });
+        for (auto told : { &Schedule::launched, &Schedule::caughtUp })
+            QObject::connect(&m.schedule, told, &m.schedule, [&opened](const QString &path) { opened << path; });
         QSignalSpy missed(&m.schedule, &Schedule::missed);
         QVERIFY(m.power.registerForNotifications());
         m.start({ { "/tomorrow", 86'400 + 600 }, { "/daily-later", 120 }, { "/daily-first", 60 } });

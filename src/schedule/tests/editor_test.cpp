@@ -38,8 +38,9 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("after");
         using Edit = std::function<void(ScheduleEditor &)>;
         QTest::newRow("add") << Edit([](ScheduleEditor &e) { e.add({ "/x", "/y" }, at(900)); }) << QStringList { "/a", "/b", "/c", "/d", "/e", "/x", "/y" };
-        QTest::newRow("drop between rows") << Edit([](ScheduleEditor &e) { e.drop(2, { "/x", "/y" }); })
-                                           << QStringList { "/a", "/b", "/x", "/y", "/c", "/d", "/e" };
+        QTest::newRow("drop between rows") << Edit([](ScheduleEditor &e) {
+            e.drop(2, { "/x", "/y" });
+        }) << QStringList { "/a", "/b", "/x", "/y", "/c", "/d", "/e" };
         QTest::newRow("remove rows apart") << Edit([](ScheduleEditor &e) { e.remove({ 4, 0, 2, 2 }); }) << QStringList { "/b", "/d" };
         QTest::newRow("remove a run") << Edit([](ScheduleEditor &e) { e.remove({ 1, 2, 3 }); }) << QStringList { "/a", "/e" };
         QTest::newRow("clear") << Edit([](ScheduleEditor &e) { e.clear(); }) << QStringList {};
