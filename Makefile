@@ -53,7 +53,7 @@ test: build format-check
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 300
 
 # The C++ layout is .clang-format's: `make format` applies it, and the suite fails on a file it would change.
-CXX_FILES = $(shell git ls-files '*.cpp' '*.h')
+CXX_FILES = $(shell git ls-files --cached --others --exclude-standard '*.cpp' '*.h')
 format:
 	clang-format -i --style=file $(CXX_FILES)
 

@@ -29,15 +29,13 @@ LaunchJournal::LaunchJournal(
     };
     connect(&schedule, &Schedule::launched, this, [fire](const QString &path, const QDateTime &date, quint64 item) { fire(path, date, item, false); });
     connect(&schedule, &Schedule::caughtUp, this, [fire](const QString &path, const QDateTime &date, quint64 item) { fire(path, date, item, true); });
-    connect(&schedule, &Schedule::missed, this, [this](const QString &path, const QDateTime &date) {
-        m_history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep"));
-    });
+    connect(&schedule, &Schedule::missed, this,
+        [this](const QString &path, const QDateTime &date) { m_history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep")); });
     connect(&launcher, &Launcher::opened, this, &LaunchJournal::opened);
     connect(&launcher, &Launcher::failed, this, [this](const Launch &launch, Workspace::OpenFailure, const QString &detail) { failed(launch, detail); });
     connect(&launcher, &Launcher::scriptEnded, this, &LaunchJournal::scriptEnded);
-    connect(&launcher, &Launcher::mailWanted, this, [this](const Launch &launch, const QString &body, const QString &subject) {
-        sendMail(body, subject, launch.path);
-    });
+    connect(&launcher, &Launcher::mailWanted, this,
+        [this](const Launch &launch, const QString &body, const QString &subject) { sendMail(body, subject, launch.path); });
 }
 
 // The row the launch came from learns what became of it; what the user opened belongs to none.

@@ -25,8 +25,8 @@ class LaunchJournal final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LaunchJournal)
 public:
-    LaunchJournal(Schedule &schedule, Launcher &launcher, History &history, MailDispatcher &mail, Preferences &preferences, WallClock &clock,
-        QObject *parent = nullptr);
+    LaunchJournal(
+        Schedule &schedule, Launcher &launcher, History &history, MailDispatcher &mail, Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
 
     // Launches that were queued and will not run; why, for the record and the row.
     void notStarted(const QList<Launch> &launches, const QString &why);

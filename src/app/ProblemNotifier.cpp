@@ -65,7 +65,7 @@ void ProblemNotifier::notice(const History::Record &record)
         return;
     if (*group == Group::Late)
         caughtUp(record.path);
-    const bool problems = !m_preferences.contains(Keys::NotifyProblems) || m_preferences.boolValue(Keys::NotifyProblems);
+    const bool problems = m_preferences.boolValue(Keys::NotifyProblems);
     if (*group == Group::Launch ? !m_preferences.boolValue(Keys::NotifyEveryLaunch) : !problems)
         return;
     Shown &shown = m_shown[*group];

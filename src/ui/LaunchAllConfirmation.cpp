@@ -12,7 +12,7 @@ namespace Quillon {
 
 void confirmLaunchAll(QWidget *parent, Preferences &preferences, int count, const std::function<void()> &launch)
 {
-    const bool ask = !preferences.contains(Keys::ConfirmLaunchAll) || preferences.boolValue(Keys::ConfirmLaunchAll);
+    const bool ask = preferences.boolValue(Keys::ConfirmLaunchAll);
     if (count <= 1 || !ask) {
         launch();
         return;

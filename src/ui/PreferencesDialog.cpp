@@ -174,8 +174,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     // Off by default: items whose time passed unseen are recorded, not opened, unless asked.
     form->addRow(
         boolControl(p, Keys::OpenMissedItems, tr("&Open items missed while the computer was asleep or off"), p.boolValue(Keys::OpenMissedItems), page));
-    form->addRow(
-        boolControl(p, Keys::NotifyProblems, tr("&Notify me about problems"), !p.contains(Keys::NotifyProblems) || p.boolValue(Keys::NotifyProblems), page));
+    form->addRow(boolControl(p, Keys::NotifyProblems, tr("&Notify me about problems"), p.boolValue(Keys::NotifyProblems), page));
     form->addRow(boolControl(p, Keys::NotifyEveryLaunch, tr("Notify me about every &launch"), p.boolValue(Keys::NotifyEveryLaunch), page));
 
     // Not a setting of the file: the session's autostart folder is the record.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAnyStringView>
 #include <QLatin1StringView>
 #include <QStringView>
 
@@ -49,5 +50,10 @@ inline bool isKnown(QStringView key)
             return true;
     }
     return false;
+}
+// What a boolean key reads as while the file does not hold it: one place for each default.
+inline bool defaultBool(QAnyStringView key)
+{
+    return key == RememberItems || key == NotifyProblems || key == ConfirmLaunchAll;
 }
 } // namespace Quillon::Keys

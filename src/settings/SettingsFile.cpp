@@ -1,4 +1,4 @@
-#include "Preferences.h"
+#include "SettingsFile.h"
 
 #include "Log.h"
 #include "SettingsKeys.h"
@@ -80,7 +80,7 @@ qsizetype keyLinesIn(const QByteArray &ini)
 
 } // namespace
 
-bool Preferences::setAsideIfNotRegular(const QString &path)
+bool SettingsFile::setAsideIfNotRegular(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
     struct stat st
@@ -103,7 +103,7 @@ bool Preferences::setAsideIfNotRegular(const QString &path)
     return true;
 }
 
-bool Preferences::setAsideOddFiles()
+bool SettingsFile::setAsideOddFiles()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/");
     bool any = false;
@@ -112,7 +112,7 @@ bool Preferences::setAsideOddFiles()
     return any;
 }
 
-bool Preferences::lockIsFree() const
+bool SettingsFile::lockIsFree() const
 {
     const QString lockName = m_settings.fileName() + QStringLiteral(".lock");
     setAsideIfNotRegular(lockName);
@@ -128,7 +128,7 @@ bool Preferences::lockIsFree() const
     return false;
 }
 
-Preferences::Preferences()
+SettingsFile::SettingsFile()
     : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillon"), QStringLiteral("Quillon"))
 {
     // One file only: a Quillon.conf beside the folder or under /etc/xdg must not act as defaults.
@@ -136,7 +136,7 @@ Preferences::Preferences()
     inspectExistingFile();
 }
 
-void Preferences::inspectExistingFile()
+void SettingsFile::inspectExistingFile()
 {
     QFile file(m_settings.fileName());
     // A link that leads nowhere yet is no file either: the first save creates what it names.
@@ -157,13 +157,7 @@ void Preferences::inspectExistingFile()
         systemLog(QStringLiteral("Could not read the settings file %1: %2").arg(file.fileName(), m_fileProblem));
 }
 
-QString Preferences::stringValue(QAnyStringView key) const
-{
-    const QVariant v = m_settings.value(key);
-    return v.isValid() ? v.toString() : QString();
-}
-
-void Preferences::setValue(QAnyStringView key, const QVariant &value)
+void SettingsFile::setValue(QAnyStringView key, const QVariant &value)
 {
     // Nothing may even be pending for a file that cannot be kept: QSettings writes pending changes
     // on its own when it is destroyed.
@@ -173,7 +167,7 @@ void Preferences::setValue(QAnyStringView key, const QVariant &value)
     writeOut();
 }
 
-void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
+void SettingsFile::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
 {
     if (!keepProblemFileAside() || !lockIsFree())
         return;
@@ -182,7 +176,7 @@ void Preferences::setValues(const QList<std::pair<QAnyStringView, QVariant>> &va
     writeOut();
 }
 
-void Preferences::remove(QAnyStringView key)
+void SettingsFile::remove(QAnyStringView key)
 {
     if (!keepProblemFileAside() || !lockIsFree())
         return;
@@ -190,7 +184,7 @@ void Preferences::remove(QAnyStringView key)
     writeOut();
 }
 
-Preferences::FileStamp Preferences::currentStamp() const
+SettingsFile::FileStamp SettingsFile::currentStamp() const
 {
     struct stat st
     {
@@ -200,7 +194,7 @@ Preferences::FileStamp Preferences::currentStamp() const
     return { quint64(st.st_ino), qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec };
 }
 
-void Preferences::synchronize()
+void SettingsFile::synchronize()
 {
     // QSettings parses the whole file again on every sync; the mail getters ask for it at each
     // call, so a long saved list would be parsed many times per mail. Only a changed file is read.
@@ -213,7 +207,7 @@ void Preferences::synchronize()
     m_readStamp = stamp;
 }
 
-void Preferences::makeFolder() const
+void SettingsFile::makeFolder() const
 {
     const QString dir = QFileInfo(m_settings.fileName()).absolutePath();
     if (QFileInfo::exists(dir))
@@ -222,7 +216,7 @@ void Preferences::makeFolder() const
     ::mkdir(QFile::encodeName(dir).constData(), 0700);
 }
 
-QString Preferences::windowStateFileName(bool forWriting) const
+QString SettingsFile::windowStateFileName(bool forWriting) const
 {
     const QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
     if (!forWriting)
@@ -236,7 +230,7 @@ QString Preferences::windowStateFileName(bool forWriting) const
 }
 
 // A file that could not be read whole is never written over before a copy of it is kept.
-bool Preferences::keepProblemFileAside()
+bool SettingsFile::keepProblemFileAside()
 {
     if (m_fileProblem.isEmpty() || m_problemFileKept)
         return true;
@@ -283,7 +277,7 @@ bool Preferences::keepProblemFileAside()
     return true;
 }
 
-bool Preferences::readsBackAsWritten() const
+bool SettingsFile::readsBackAsWritten() const
 {
     // Parsed from an anonymous in-memory file: QSettings shares one in-memory copy per file name,
     // so asking it again would answer from memory, and a copy on disk would spread the password.
@@ -330,7 +324,7 @@ bool Preferences::readsBackAsWritten() const
     return true;
 }
 
-void Preferences::writeOut()
+void SettingsFile::writeOut()
 {
     // Through a link, the file written (by QSaveFile) is the link's target: that is the file the
     // backup and the read-back must be about, and what the log names.
@@ -397,14 +391,7 @@ void Preferences::writeOut()
     systemLog(QStringLiteral("Could not write the settings file %1: %2; %3").arg(fileName, why, outcome));
 }
 
-bool Preferences::rememberItems() const
-{
-    if (!m_settings.contains(Keys::RememberItems))
-        return true;
-    return boolValue(Keys::RememberItems);
-}
-
-bool Preferences::isReadable(const QVariant &value)
+bool SettingsFile::isReadable(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QDateTime) {
         const QDateTime date = value.toDateTime();
@@ -415,32 +402,6 @@ bool Preferences::isReadable(const QVariant &value)
         return std::all_of(list.begin(), list.end(), [](const QVariant &element) { return isReadable(element); });
     }
     return true;
-}
-
-bool Preferences::toBool(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-        return value.toBool();
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return value.toDouble() != 0;
-    case QMetaType::QString:
-    case QMetaType::QByteArray: {
-        // As a hand-edited file would mean it: "true", "yes", or a number other than zero.
-        const QString text = value.toString().trimmed().toLower();
-        if (text == QLatin1String("true") || text == QLatin1String("yes") || text == QLatin1String("on"))
-            return true;
-        bool isNumber = false;
-        const double number = text.toDouble(&isNumber);
-        return isNumber && number != 0;
-    }
-    default:
-        return false;
-    }
 }
 
 } // namespace Quillon

@@ -3,45 +3,27 @@
 #include <QSettings>
 #include <QVariant>
 
-#include "SettingsKeys.h"
-
 namespace Quillon {
 
-// The user's settings and the saved schedule, in $XDG_CONFIG_HOME/Quillon/Quillon.conf.
-// No defaults are registered: an absent key reads as false, 0 or nothing, except rememberItems.
-class Preferences final
+// $XDG_CONFIG_HOME/Quillon/Quillon.conf as a durable file: private from its first byte, written
+// whole or not at all (a backup, then a read-back), never waiting for ever on a lock or a FIFO,
+// and never writing over a file it could not read whole before a copy of it is kept.
+class SettingsFile final
 {
-    Q_DISABLE_COPY_MOVE(Preferences)
+    Q_DISABLE_COPY_MOVE(SettingsFile)
 public:
-    Preferences();
+    SettingsFile();
 
-    bool contains(QAnyStringView key) const { return m_settings.contains(key); }
-    QVariant value(QAnyStringView key) const { return m_settings.value(key); }
-    bool boolValue(QAnyStringView key) const { return toBool(m_settings.value(key)); }
-    int intValue(QAnyStringView key) const { return m_settings.value(key).toInt(); }
-    QString stringValue(QAnyStringView key) const;
-
+    const QSettings &settings() const { return m_settings; }
     // Writes go to disk at once, readable by the user alone: the file holds the mail password.
     void setValue(QAnyStringView key, const QVariant &value);
     void setValues(const QList<std::pair<QAnyStringView, QVariant>> &values);
     void remove(QAnyStringView key);
-
     // Re-read the file, so that a change made by another window or process is seen.
     void synchronize();
     QString fileName() const { return m_settings.fileName(); }
 
-    bool rememberItems() const;
-    bool addFolderFiles() const { return boolValue(Keys::AddFolderFiles); }
-    bool addFolderFilesRecursively() const { return boolValue(Keys::AddFolderFilesRecursively); }
-
-    // A stored boolean as the settings file may hold it: a real boolean, a number, or text.
-    static bool toBool(const QVariant &value);
-    // False for what QSettings parses but cannot write back the same: a date whose time-zone byte
-    // is damaged comes back as a date in no time zone, which is written as an unreadable one.
-    static bool isReadable(const QVariant &value);
-
-    // The window's own state lives beside the settings, in a file of its own, so that
-    // Quillon.conf holds the schedule and the settings alone.
+    // The window's own state lives beside the settings, in a file of its own.
     // forWriting: made first (private), as the settings file is; a read leaves the folder as it is.
     QString windowStateFileName(bool forWriting = true) const;
     // Our folder, created private when it does not exist yet.
@@ -50,6 +32,9 @@ public:
     // A FIFO, folder or device where a settings file (or its lock) should be is moved aside as
     // "<name>.unreadable-<time>", with a log line; false when nothing had to be done.
     static bool setAsideIfNotRegular(const QString &path);
+    // False for what QSettings parses but cannot write back the same: a date whose time-zone byte
+    // is damaged comes back as a date in no time zone, which is written as an unreadable one.
+    static bool isReadable(const QVariant &value);
 
 private:
     static bool setAsideOddFiles();
