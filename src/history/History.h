@@ -58,7 +58,7 @@ public:
     // Records kept in memory while the file cannot be written; the oldest go beyond this.
     static constexpr int MaxWaiting = 10'000;
     // The write-ahead log is cut back to this after a checkpoint.
-    static constexpr qint64 WalLimit = 64 * 1024 * 1024;
+    static constexpr qint64 WalLimit = qint64(64) * 1024 * 1024;
 
     // $XDG_STATE_HOME/Quillon/history.sqlite (~/.local/state/...).
     static QString defaultFileName();

@@ -205,10 +205,10 @@ void Launcher::scriptFinished(const Launch &launch, const ScriptRunner::Outcome 
         Q_EMIT mailWanted(launch, *text, Texts::ScriptResultSubject);
 }
 
-void Launcher::launchAllNow(const QStringList &paths)
+// By value: launching may change the list the caller's reference names.
+void Launcher::launchAllNow(QStringList paths)
 {
-    const QStringList snapshot = paths;
-    for (const QString &path : snapshot)
+    for (const QString &path : std::as_const(paths))
         launchItem(path, Origin::User);
 }
 
@@ -232,7 +232,7 @@ void Launcher::doubleAction(int selectedRow, const QStringList &paths)
 {
     if (selectedRow < 0 || selectedRow >= paths.size())
         return;
-    const QString path = paths.at(selectedRow);
+    const QString &path = paths.at(selectedRow);
     if (!path.isEmpty())
         m_workspace.selectFile(path);
 }

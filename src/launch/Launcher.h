@@ -38,7 +38,7 @@ public:
     // What the user asked to open now (Open Now, from the window, the History or a notification).
     void openNow(const QStringList &paths);
     // Every item, top row first, now; dates and timers stay as they are.
-    void launchAllNow(const QStringList &paths);
+    void launchAllNow(QStringList paths);
     // A double click shows the row's file in the file manager; it never opens it.
     void doubleAction(int selectedRow, const QStringList &paths);
 

@@ -24,9 +24,9 @@ struct SmtpReply
 class SmtpReplyParser final
 {
 public:
-    static constexpr qsizetype MaxLineLength = 64 * 1024;
+    static constexpr qsizetype MaxLineLength = qsizetype(64) * 1024;
     static constexpr int MaxLines = 1000;
-    static constexpr qsizetype MaxReplyBytes = 1024 * 1024;
+    static constexpr qsizetype MaxReplyBytes = qsizetype(1024) * 1024;
 
     // Takes what arrived; afterwards take replies with next() until it gives none.
     void feed(const QByteArray &bytes);

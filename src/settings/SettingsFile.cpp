@@ -218,7 +218,7 @@ void SettingsFile::makeFolder() const
 
 QString SettingsFile::windowStateFileName(bool forWriting) const
 {
-    const QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
+    QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
     if (!forWriting)
         return name;
     setAsideIfNotRegular(name);
@@ -381,7 +381,7 @@ void SettingsFile::writeOut()
     struct statvfs disk
     {
     };
-    const bool full = ::statvfs(dir.constData(), &disk) == 0 && quint64(disk.f_bavail) * disk.f_frsize < 64 * 1024;
+    const bool full = ::statvfs(dir.constData(), &disk) == 0 && quint64(disk.f_bavail) * disk.f_frsize < quint64(64) * 1024;
     const bool writable = ::access(dir.constData(), W_OK) == 0 && (!fileExisted || ::access(file.constData(), W_OK) == 0);
     QString why = QStringLiteral("it did not read back as written (is the disk full?)");
     if (!replaced)
