@@ -15,7 +15,7 @@ TEST_DEPS := xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp cla
         clang-format clang-tidy
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: deps test-deps configure build build-app run test bench fuzz lint format format-check install package clean
+.PHONY: deps test-deps configure build build-app run test tsan bench fuzz lint format format-check install package clean
 FUZZ_SECONDS ?= 600
 
 # Installs those of the packages named in its argument that are missing.
@@ -51,6 +51,15 @@ run: build-app
 
 test: build format-check
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure --timeout 300
+
+# The tests whose code runs threads (the opener pool and the reaper, the history's checkpoint on
+# the pool) under ThreadSanitizer, in a build of their own.
+TSAN_TESTS := desktop_launch_test history_test launcher_test
+tsan: test-deps
+	cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLON_TSAN=ON
+	cmake --build build-tsan -j$(JOBS) --target $(TSAN_TESTS)
+	cd build-tsan && QT_QPA_PLATFORM=offscreen TSAN_OPTIONS="halt_on_error=1 suppressions=$(CURDIR)/cmake/tsan.supp" \
+	    ctest --output-on-failure --timeout 300 -R '^($(subst $(eval) ,|,$(TSAN_TESTS)))$$'
 
 # The C++ layout is .clang-format's: `make format` applies it, and the suite fails on a file it would change.
 CXX_FILES = $(shell git ls-files --cached --others --exclude-standard '*.cpp' '*.h')
