@@ -143,7 +143,7 @@ while True:
     prefs.setValues({ { Keys::ServerPort, floodPort }, { Keys::UseSSL, false }, { Keys::SelectedAuthentication, 0 } });
     const auto heap = [] {
         const struct mallinfo2 m = ::mallinfo2();
-        return qint64(m.uordblks + m.hblkhd);
+        return qint64(m.uordblks) + qint64(m.hblkhd);
     };
     const qint64 heapBefore = heap();
     int sent = 0;

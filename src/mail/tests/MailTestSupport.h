@@ -110,7 +110,7 @@ public:
         : m_preferences(preferences)
     { }
     Preferences &mailPreferences() override { return m_preferences; }
-    void doAlert(const QString &message, const QString &informative) override { alerts << QPair(message, informative); }
+    void doAlert(const QString &message, const QString &informative) override { alerts << qMakePair(message, informative); }
     StepQueue *mailSteps() override { return &steps; }
     SessionLimits mailLimits() const override { return limits; }
     MailPassword *mailPassword() override { return password; }

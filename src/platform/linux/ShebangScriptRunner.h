@@ -25,7 +25,7 @@ class ShebangScriptRunner final : public QObject, public ScriptRunner
     Q_DISABLE_COPY_MOVE(ShebangScriptRunner)
 public:
     // More output than this is read and dropped, so that a runaway script cannot fill memory.
-    static constexpr qsizetype MaxOutput = 1024 * 1024;
+    static constexpr qsizetype MaxOutput = qsizetype(1024) * 1024;
     // Standard error is kept only for the record of a failure.
     static constexpr qsizetype MaxErrors = 4096;
     // SIGTERM, then SIGKILL after this; a process that outlives SIGKILL as long again is given up.
