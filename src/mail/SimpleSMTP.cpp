@@ -51,11 +51,10 @@ void SimpleSMTP::sendMail(MailHost &controller, const QString &body, const QStri
         connect(_smtp, &SmtpSession::authenticationFailed, this, &SimpleSMTP::authenticationFailed);
         connect(_smtp, &SmtpSession::messageSent, this, &SimpleSMTP::messageSent);
         connect(_smtp, &SmtpSession::messageNotSent, this, &SimpleSMTP::messageNotSent);
-        connect(_smtp, &SmtpSession::transactionResetCompleted, this, &SimpleSMTP::transactionResetCompleted);
         connect(_smtp, &SmtpSession::connectionTerminated, this, &SimpleSMTP::connectionTerminated);
         // After the handlers above: only then is it known whether the policy left the session waiting.
         for (auto step : { &SmtpSession::connectionEstablished, &SmtpSession::serviceInitialized, &SmtpSession::authenticationCompleted,
-                 &SmtpSession::authenticationFailed, &SmtpSession::messageSent, &SmtpSession::messageNotSent, &SmtpSession::transactionResetCompleted })
+                 &SmtpSession::authenticationFailed, &SmtpSession::messageSent, &SmtpSession::messageNotSent })
             connect(_smtp, step, this, &SimpleSMTP::settle);
         _smtp->setMessage(message, from.toUtf8(), { to.toUtf8() });
         systemLog(QStringLiteral("Connecting to the %1 server...").arg(settings.getServer()));
@@ -87,10 +86,9 @@ void SimpleSMTP::settle()
 void SimpleSMTP::connectionEstablished()
 {
     systemLog(QStringLiteral("Connected!"));
-    if (MailSettings(_controller->mailPreferences()).useSSL() && _smtp->isSSL()) {
+    // Port 465's socket is encrypted before it is reported connected: nothing more to start.
+    if (MailSettings(_controller->mailPreferences()).useSSL() && _smtp->isSSL())
         systemLog(QStringLiteral("Starting SSL."));
-        _smtp->startSSL();
-    }
 }
 
 void SimpleSMTP::serviceInitialized()
@@ -200,12 +198,6 @@ void SimpleSMTP::messageNotSent()
     // Shown in the user's language, logged in English like every log line.
     _controller->doAlert(tr("Message not sent. Server response: %1").arg(decoded.trimmed()), QString());
     systemLog(QStringLiteral("Message not sent. Server response: %1").arg(decoded.trimmed()));
-}
-
-void SimpleSMTP::transactionResetCompleted()
-{
-    systemLog(QStringLiteral("Sending the message over the same connection..."));
-    _smtp->sendMessage();
 }
 
 void SimpleSMTP::connectionTerminated()

@@ -58,7 +58,6 @@ private:
     void authenticationFailed();
     void messageSent();
     void messageNotSent();
-    void transactionResetCompleted();
     void connectionTerminated();
     void settle();
 

@@ -163,11 +163,6 @@ bool SmtpSession::isSSL() const
     return m_socket && m_socket->isEncrypted();
 }
 
-void SmtpSession::startSSL()
-{
-    // The Part's transport call; our implicit-TLS socket is encrypted before it is reported connected.
-}
-
 void SmtpSession::startTLS()
 {
     if (isSSL()) {
@@ -363,11 +358,6 @@ void SmtpSession::onReply(const SmtpReply &reply)
             Q_EMIT messageSent();
         else
             Q_EMIT messageNotSent();
-        break;
-    case Step::Reset:
-        m_step = Step::Idle;
-        if (reply.code == 250)
-            Q_EMIT transactionResetCompleted();
         break;
     case Step::Quit:
         finish();

@@ -51,7 +51,6 @@ public:
     void startOnConnectedSocket(qintptr descriptor);
     bool isSSL() const;
     // Makes sure the transport is encrypted; with implicit TLS it already is.
-    void startSSL();
     // STARTTLS, then a new greeting; serviceInitialized() follows once more.
     void startTLS();
     QStringList supportedMechanisms() const { return m_mechanisms; }
@@ -75,11 +74,10 @@ Q_SIGNALS:
     void authenticationFailed();
     void messageSent();
     void messageNotSent();
-    void transactionResetCompleted();
     void connectionTerminated();
 
 private:
-    enum class Step { Idle, Connecting, Greeting, Ehlo, Helo, StartTls, Handshaking, Auth, MailFrom, RcptTo, Data, Body, Reset, Quit, Closed };
+    enum class Step { Idle, Connecting, Greeting, Ehlo, Helo, StartTls, Handshaking, Auth, MailFrom, RcptTo, Data, Body, Quit, Closed };
 
     void later(std::function<void()> step);
     void onReadyRead();

@@ -181,9 +181,7 @@ void Schedule::launch(const TimerSlot &timer)
         Q_EMIT rowChanged(int(k));
 
     if (m_timersRemaining == 0) {
-        m_timersRunning = false;
-        invalidateTimers(true);
-        showStopped();
+        invalidateTimers(true); // which shows it stopped, once
         Q_EMIT stoppedByItself(Texts::tr(Texts::StoppedLastOpened));
         if (m_preferences.boolValue(Keys::QuitWhenDone))
             Q_EMIT quitRequested();

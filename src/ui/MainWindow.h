@@ -36,7 +36,6 @@ public:
     QWidget *calendarClockWindow() const;
     QPushButton *stopStartButton() const { return m_stopStartButton; }
     QPushButton *clearButton() const { return m_clearButton; }
-    QProgressBar *progress() const { return m_progress; }
 
     void setTableColumnName(const QString &title, const QString &identifier);
     void showRunningState(bool running);
@@ -47,7 +46,6 @@ public:
     void datePickerAction();
     void dateTimeClicked();
     void useClockAndCalendarClicked();
-    bool useClockAndCalendar() const { return false; }
 
     void browseButtonClicked();
     void launchAllClicked();

@@ -210,23 +210,6 @@ private Q_SLOTS:
         QCOMPARE(m_scripts.ran, (QStringList { "/b/backup.scpt", "/next.scpt" }));
     }
 
-    void doubleClickRevealsAndNeverOpens_data()
-    {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QStringList>("revealed");
-        QTest::newRow("no row") << -1 << QStringList {};
-        QTest::newRow("second row") << 1 << QStringList { "/b" };
-        QTest::newRow("past the end") << 2 << QStringList {};
-    }
-    void doubleClickRevealsAndNeverOpens()
-    {
-        QFETCH(int, row);
-        QFETCH(QStringList, revealed);
-        m_launcher->doubleAction(row, { QStringLiteral("/a"), QStringLiteral("/b") });
-        QCOMPARE(m_workspace.selected, revealed);
-        QVERIFY(m_workspace.opened.isEmpty());
-    }
-
 private:
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
