@@ -72,7 +72,7 @@ int main(int argc, char *argv[])
             for (; sent < due; ++sent)
                 history.record(History::Kind::Opened, QStringLiteral("/home/ann/Documents/report %1.odt").arg(sent), clock.now(), QStringLiteral("document"));
             largest = std::max(largest, walMB(file));
-            if (due >= seconds * 1000)
+            if (due >= qint64(seconds) * 1000)
                 QCoreApplication::quit();
         });
         events.start(10);

@@ -77,9 +77,9 @@ QString History::latenessText(qint64 seconds)
 {
     if (seconds < 120)
         return tr("%n s late", nullptr, int(qMax<qint64>(seconds, 0)));
-    if (seconds < 120 * 60)
+    if (seconds < qint64(120) * 60)
         return tr("%n min late", nullptr, int(seconds / 60));
-    if (seconds < 48 * 3600)
+    if (seconds < qint64(48) * 3600)
         return tr("%n h late", nullptr, int(seconds / 3600));
     return tr("%n days late", nullptr, int(seconds / 86400));
 }

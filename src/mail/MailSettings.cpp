@@ -14,7 +14,7 @@ QString localizedString(const char *message)
     const QByteArray key(message);
     if (const auto it = cache.constFind(key); it != cache.constEnd())
         return it.value();
-    const QString text = QCoreApplication::translate("LocalizedStrings", message);
+    QString text = QCoreApplication::translate("LocalizedStrings", message);
     cache.insert(key, text);
     return text;
 }
@@ -40,7 +40,7 @@ QString MailSettings::getRecipientName() const
 QString MailSettings::requiredString(QLatin1StringView key, const char *name, const char *reason) const
 {
     m_preferences.synchronize();
-    const QString value = m_preferences.stringValue(key);
+    QString value = m_preferences.stringValue(key);
     if (value.isEmpty())
         throw MailSettingsError(QString::fromLatin1(name), localizedString(reason));
     return value;

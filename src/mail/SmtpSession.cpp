@@ -129,7 +129,7 @@ void SmtpSession::setUpSocket(bool implicitTls)
     m_socket = new QSslSocket(this);
     m_socket->setPeerVerifyName(m_host);
     // Read in bounded pieces: the parser's limits then bound what a flooding server makes us hold.
-    m_socket->setReadBufferSize(64 * 1024);
+    m_socket->setReadBufferSize(qint64(64) * 1024);
     connect(m_socket, implicitTls ? &QSslSocket::encrypted : &QSslSocket::connected, this, &SmtpSession::onEstablished);
     if (!implicitTls) {
         // After STARTTLS: greet again over the encrypted channel.

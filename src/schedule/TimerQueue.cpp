@@ -58,7 +58,7 @@ void TimerQueue::timerInvalidated()
         return;
     --m_live;
     // Cancelled timers leave their entries behind; sweep them before they outnumber the live ones.
-    if (m_heap.size() > size_t(2 * m_live + 1024))
+    if (m_heap.size() > 2 * size_t(m_live) + 1024)
         compact();
 }
 

@@ -90,7 +90,8 @@ void FileAndFolderChooser::accept()
         return;
     }
     m_chosen = chosen;
-    QDialog::accept();
+    // Past QFileDialog's own accept, which would go into a highlighted folder instead of taking it.
+    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call)
 }
 
 } // namespace Quillon

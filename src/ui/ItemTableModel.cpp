@@ -151,7 +151,7 @@ QVariant ItemTableModel::toolTip(int column, int row) const
     if (column == FileColumn && m_schedule.timersRunning() && slot && slot->isValid()) {
         const qint64 left = slot->fireMSecs() - m_schedule.clock().nowMSecs();
         const QString when = formatMediumDateTime(slot->fireDate());
-        const qint64 days = left / (86'400 * 1000);
+        const qint64 days = left / (qint64(86'400) * 1000);
         return days >= 1 ? tr("Opens %1 (in %n day(s))", nullptr, int(days)).arg(when) : tr("Opens %1").arg(when);
     }
     if (column == FileColumn || column == NameColumn)

@@ -307,7 +307,7 @@ private Q_SLOTS:
             const size_t held = heap() - before;
             QVERIFY2(held < 1'250'000, qPrintable(QString::number(held)));
         }
-        QVERIFY(heap() - before < 64 * 1024);
+        QVERIFY(heap() - before < size_t(64) * 1024);
     }
 
 private:

@@ -53,7 +53,7 @@ bool launchApp(GAppInfo *app, GList *uris, ChildReaper &reaper, GError **error)
 QByteArray uriOf(const QByteArray &file)
 {
     gchar *uri = g_filename_to_uri(file.constData(), nullptr, nullptr);
-    const QByteArray out(uri);
+    QByteArray out(uri);
     g_free(uri);
     return out;
 }
@@ -61,7 +61,7 @@ QByteArray uriOf(const QByteArray &file)
 // Why an opening failed; reason: what went wrong when GLib gave no error of its own.
 QString failure(GError *error, const QString &reason = QStringLiteral("it could not be opened"))
 {
-    const QString why = error ? QString::fromUtf8(error->message) : reason;
+    QString why = error ? QString::fromUtf8(error->message) : reason;
     if (error)
         g_error_free(error);
     return why;
@@ -129,7 +129,7 @@ QIcon desktopFileIcon(const QString &path)
     GIcon *icon = g_app_info_get_icon(G_APP_INFO(info.get()));
     if (G_IS_THEMED_ICON(icon)) {
         for (const gchar *const *name = g_themed_icon_get_names(G_THEMED_ICON(icon)); name && *name; ++name) {
-            const QIcon themed = QIcon::fromTheme(QString::fromUtf8(*name));
+            QIcon themed = QIcon::fromTheme(QString::fromUtf8(*name));
             if (!themed.isNull())
                 return themed;
         }
@@ -386,7 +386,7 @@ QIcon DesktopWorkspace::iconForFile(const QString &path)
     if (info.isDir())
         return QIcon::fromTheme(QStringLiteral("folder"));
     if (info.suffix() == QLatin1String("desktop")) {
-        const QIcon own = desktopFileIcon(path);
+        QIcon own = desktopFileIcon(path);
         if (!own.isNull())
             return own;
     }

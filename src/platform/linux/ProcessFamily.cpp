@@ -15,7 +15,7 @@ namespace {
 
 // Read with plain calls: /proc files report a size of 0, and QFile::readAll copes, but a
 // process's environment can be large; only so much is looked at.
-QByteArray readProc(const QString &path, qint64 limit = 256 * 1024)
+QByteArray readProc(const QString &path, qint64 limit = qint64(256) * 1024)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))

@@ -27,7 +27,7 @@ constexpr int FirstChars = 500;
 
 QString firstLines(const QByteArray &bytes)
 {
-    QStringList lines = QString::fromUtf8(bytes.left(8 * FirstChars)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList lines = QString::fromUtf8(bytes.left(qsizetype(8) * FirstChars)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     lines = lines.mid(0, FirstLines);
     QString text = lines.join(QLatin1Char('\n')).trimmed();
     if (text.size() > FirstChars)

@@ -123,7 +123,7 @@ private:
     {
         QFile file(image());
         // Another user must be able to reach the shared folder.
-        return file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024) && QDir().mkpath(m_dir.filePath(QStringLiteral("mnt")))
+        return file.open(QIODevice::WriteOnly) && file.resize(qint64(8) * 1024 * 1024) && QDir().mkpath(m_dir.filePath(QStringLiteral("mnt")))
             && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0
             && Test::run(QStringLiteral("mkfs.ext4"), { QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image() });
     }

@@ -74,7 +74,7 @@ private Q_SLOTS:
             // Left out, and told: the dates are written whole, so the last item takes the middle one's.
             QCOMPARE(s->saveItems(), deleteMiddle ? QStringList { paths[1] } : QStringList {});
         }
-        m_clock.advance(hoursLater * 3600'000);
+        m_clock.advance(qint64(hoursLater) * 3600'000);
         zone(restoredIn);
         auto resetClock = qScopeGuard([this] { m_clock.setClock(Now); });
         auto s = makeSchedule();
@@ -226,7 +226,7 @@ private:
     }
     QString file(const QString &relative)
     {
-        const QString path = m_files->filePath(relative);
+        QString path = m_files->filePath(relative);
         Test::writeFile(path, "x");
         return path;
     }

@@ -140,7 +140,7 @@ private Q_SLOTS:
         m_editor->add({ QStringLiteral("/soon") });
         m_editor->add({ QStringLiteral("/later") });
         m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
-        m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3 * 86'400'000 + 5000));
+        m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + qint64(3) * 86'400'000 + 5000));
         m_schedule->startTimers(true);
         const auto tip = [this](int row, int column) { return m_model->data(m_model->index(row, column), Qt::ToolTipRole).toString(); };
         QVERIFY2(
