@@ -1,6 +1,6 @@
 #include "ProblemNotifier.h"
 
-#include "DesktopNotifications.h"
+#include "Notifications.h"
 #include "Preferences.h"
 #include "SettingsKeys.h"
 #include "WallClock.h"
@@ -12,13 +12,13 @@ const QString ShowHistory = QStringLiteral("show-history");
 const QString OpenMissed = QStringLiteral("open-missed");
 } // namespace
 
-ProblemNotifier::ProblemNotifier(DesktopNotifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent)
+ProblemNotifier::ProblemNotifier(Notifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent)
     : QObject(parent)
     , m_notifications(notifications)
     , m_preferences(preferences)
     , m_clock(clock)
 {
-    connect(&notifications, &DesktopNotifications::actionInvoked, this, [this](uint id, const QString &key) {
+    connect(&notifications, &Notifications::actionInvoked, this, [this](uint id, const QString &key) {
         if (key == ShowHistory || key == QLatin1String("default")) {
             Q_EMIT historyRequested();
             return;

@@ -7,7 +7,7 @@
 
 namespace Quillon {
 
-class DesktopNotifications;
+class Notifications;
 class Preferences;
 class WallClock;
 
@@ -19,7 +19,7 @@ class ProblemNotifier final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ProblemNotifier)
 public:
-    ProblemNotifier(DesktopNotifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
+    ProblemNotifier(Notifications &notifications, Preferences &preferences, WallClock &clock, QObject *parent = nullptr);
     void notice(const History::Record &record);
 
 Q_SIGNALS:
@@ -46,7 +46,7 @@ private:
     // offers Open Now only for the rest, and gives way to the late one when none is left.
     void caughtUp(const QString &path);
 
-    DesktopNotifications &m_notifications;
+    Notifications &m_notifications;
     Preferences &m_preferences;
     WallClock &m_clock;
     QHash<Group, Shown> m_shown;

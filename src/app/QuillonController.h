@@ -18,7 +18,7 @@ class QTimer;
 
 namespace Quillon {
 
-class DesktopNotifications;
+class Notifications;
 class History;
 class MainWindow;
 class ProblemNotifier;
@@ -36,7 +36,7 @@ struct Platform
     Workspace &workspace;
     ScriptRunner &scripts;
     SecretStore *secrets = nullptr; // none: the mail password stays in the settings file
-    DesktopNotifications *notifications = nullptr; // none: no desktop notifications
+    Notifications *notifications = nullptr; // none: no desktop notifications
     QString historyFile = {}; // empty: where the user's state lives
 };
 

@@ -20,6 +20,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace Quillon {
 
@@ -94,6 +95,21 @@ QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
     return column < 0 ? QVariant() : cellValue(Column(column), row);
 }
 
+// Asking the desktop for an icon reads the file's type and maybe a desktop entry: done once per
+// path, and again only when the file changed (its status-change time moved, or it came or went).
+QIcon ItemTableModel::iconFor(const QString &path) const
+{
+    struct stat st
+    {
+    };
+    const qint64 changed = ::stat(FileName::encode(path).constData(), &st) == 0 ? qint64(st.st_ctim.tv_sec) * 1'000'000'000 + st.st_ctim.tv_nsec : -1;
+    if (const auto cached = m_icons.constFind(path); cached != m_icons.cend() && cached->changed == changed)
+        return cached->icon;
+    QIcon icon = m_workspace.iconForFile(path);
+    m_icons.insert(path, { icon, changed });
+    return icon;
+}
+
 QVariant ItemTableModel::cellValue(Column column, int row) const
 {
     const QString &path = m_schedule.paths().at(row);
@@ -101,7 +117,7 @@ QVariant ItemTableModel::cellValue(Column column, int row) const
     case IconColumn: {
         // A file inside a bundle shows the bundle's icon (the outermost one).
         const qsizetype contents = path.indexOf(QLatin1String("/Contents/"), 0, Qt::CaseInsensitive);
-        return m_workspace.iconForFile(contents >= 0 ? path.left(contents) : path);
+        return iconFor(contents >= 0 ? path.left(contents) : path);
     }
     case LaunchTimeColumn:
         if (row >= m_schedule.dates().size())

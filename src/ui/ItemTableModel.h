@@ -3,6 +3,8 @@
 #include <functional>
 
 #include <QAbstractTableModel>
+#include <QHash>
+#include <QIcon>
 #include <QStringList>
 
 namespace Quillon {
@@ -57,6 +59,13 @@ private:
     Schedule &m_schedule;
     Workspace &m_workspace;
     ScheduleEditor &m_editor;
+    QIcon iconFor(const QString &path) const;
+    struct CachedIcon
+    {
+        QIcon icon;
+        qint64 changed = -1;
+    };
+    mutable QHash<QString, CachedIcon> m_icons;
     QStringList m_titles;
     // Rows that changed this event-loop turn; told to the views once, at the end of it.
     QList<int> m_changedRows;

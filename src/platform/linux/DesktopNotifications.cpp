@@ -14,7 +14,7 @@ const QString Interface = QStringLiteral("org.freedesktop.Notifications");
 } // namespace
 
 DesktopNotifications::DesktopNotifications(QDBusConnection bus, QObject *parent)
-    : QObject(parent)
+    : Notifications(parent)
     , m_bus(std::move(bus))
 {
     if (!m_bus.isConnected())

@@ -1,37 +1,27 @@
 #pragma once
 
-#include <QDBusConnection>
-#include <QObject>
-#include <QStringList>
+#include "Notifications.h"
 
-#include <functional>
+#include <QDBusConnection>
 
 namespace Quillon {
 
-// The freedesktop Notifications service on the session bus. Every call is asynchronous; without
-// a service nothing is shown and nothing breaks. What goes out is safe whatever the server is:
+// The freedesktop Notifications service on the session bus. What goes out is safe whatever the server is:
 // bodies are escaped unless the server is known to show them as plain text, control and
 // direction characters never leave, and only clicks on our own notifications are acted on.
-class DesktopNotifications final : public QObject
+class DesktopNotifications final : public Notifications
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DesktopNotifications)
 public:
     explicit DesktopNotifications(QDBusConnection bus, QObject *parent = nullptr);
 
-    // Shows a notification, or updates the one with id replaces; done gets the server's id for
-    // it (0 when there was no answer). actions: key, label, key, label, ... (dropped when the
-    // server cannot show them).
-    void notify(uint replaces, const QString &summary, const QString &body, const QStringList &actions, std::function<void(uint)> done);
-    // Takes a notification of ours away.
-    void close(uint id);
-    bool supportsActions() const { return m_capabilities == Capabilities::Known && m_actions; }
+    void notify(uint replaces, const QString &summary, const QString &body, const QStringList &actions, std::function<void(uint)> done) override;
+    void close(uint id) override;
+    bool supportsActions() const override { return m_capabilities == Capabilities::Known && m_actions; }
     // A body as it may go to a server: without control and direction characters, and escaped
     // where the server may read markup.
     static QString safeText(const QString &text, bool markup);
-
-Q_SIGNALS:
-    void actionInvoked(uint id, const QString &key);
 
 private Q_SLOTS:
     void onActionInvoked(uint id, const QString &key);

@@ -14,6 +14,7 @@
 #include <QMimeData>
 #include <QSet>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 
@@ -56,6 +57,25 @@ private Q_SLOTS:
                                            << "x"
                                            << "/A.app";
     }
+    // A file that changes (made executable, replaced) is asked for its icon again; one that does not, never.
+    void iconFollowsTheFile()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("tool"));
+        QVERIFY(Test::writeFile(path, "#!/bin/sh\n"));
+        m_editor->add({ path });
+        const auto paint = [this] { m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole); };
+        paint();
+        paint();
+        QCOMPARE(m_workspace.iconPaths.size(), 1);
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        paint();
+        QCOMPARE(m_workspace.iconPaths.size(), 2);
+        QVERIFY(QFile::remove(path));
+        paint();
+        paint();
+        QCOMPARE(m_workspace.iconPaths.size(), 3);
+    }
     void pathCells()
     {
         QFETCH(QString, path);
@@ -63,7 +83,8 @@ private Q_SLOTS:
         QFETCH(QString, iconPath);
         m_editor->add({ path });
         m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
-        QCOMPARE(m_workspace.iconPaths.last(), iconPath);
+        m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
+        QCOMPARE(m_workspace.iconPaths, QStringList { iconPath }); // asked once, not at every paint
         QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), name);
         QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), path);
         QCOMPARE(m_model->cellValue(QStringLiteral("Launch Time"), 0).toString(), formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(Now)));
