@@ -262,11 +262,7 @@ void ScriptingService::Start()
     if (!checkNotQuitting() || schedule.timersRunning())
         return;
     // Refused here rather than in an alert on a screen the script's user may not be watching.
-    const qint64 now = schedule.clock().nowMSecs();
-    const auto &dates = schedule.dates();
-    const bool anyAhead = std::any_of(
-        dates.begin(), dates.begin() + std::min<qsizetype>(dates.size(), schedule.count()), [now](const QDateTime &d) { return d.toMSecsSinceEpoch() > now; });
-    if (!anyAhead) {
+    if (!schedule.hasItemAhead()) {
         refuse(Texts::tr(Texts::NoItemsScheduled) + QLatin1Char(' ') + Texts::tr(Texts::NoItemsScheduledInfo));
         return;
     }

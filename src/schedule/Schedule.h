@@ -62,6 +62,8 @@ public:
     // The first restored row whose date may be another item's, or -1 (see SavedList).
     int restoreItems();
 
+    // Whether Start would arm anything: a row with a moment ahead that it has not fired at.
+    bool hasItemAhead() const;
     void startTimers(bool quiet);
     void invalidateTimers(bool keepSlots);
     void restartTimers();
@@ -145,6 +147,7 @@ private:
     QList<quint64> newIds(qsizetype n);
     // Whether this row already fired at that moment: a firing is the row and the moment.
     bool hasFired(quint64 id, qint64 dateMSecs) const;
+    bool isArmable(qsizetype row, qint64 nowMSecs) const;
 
     Preferences &m_preferences;
     WallClock &m_clock;

@@ -64,6 +64,26 @@ void Schedule::freeze()
     }
 }
 
+bool Schedule::isArmable(qsizetype row, qint64 nowMSecs) const
+{
+    if (row >= m_dates.size() || row >= m_ids.size())
+        return false;
+    const qint64 date = m_dates.at(row).toMSecsSinceEpoch();
+    // Compared, not subtracted: a hand-edited date near the limits must not wrap into the past.
+    // A moment this row already fired at is never armed again, whatever the clock did since.
+    return date > nowMSecs && !hasFired(m_ids.at(row), date);
+}
+
+bool Schedule::hasItemAhead() const
+{
+    const qint64 nowMSecs = m_clock.nowMSecs();
+    for (qsizetype i = 0; i < m_paths.size(); ++i) {
+        if (isArmable(i, nowMSecs))
+            return true;
+    }
+    return false;
+}
+
 void Schedule::startTimers(bool quiet)
 {
     if (m_frozen)
@@ -72,12 +92,7 @@ void Schedule::startTimers(bool quiet)
     m_slotIndexStale = true;
     const qint64 nowMSecs = m_clock.nowMSecs();
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
-        if (i >= m_dates.size())
-            continue;
-        const qint64 date = m_dates.at(i).toMSecsSinceEpoch();
-        // Compared, not subtracted: a hand-edited date near the limits must not wrap into the past.
-        // A moment this row already fired at is never armed again, whatever the clock did since.
-        if (date > nowMSecs && !hasFired(m_ids.at(i), date)) {
+        if (isArmable(i, nowMSecs)) {
             m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
             ++m_timersRemaining;
         } else {
