@@ -58,7 +58,7 @@ TSAN_TESTS := desktop_launch_test history_test launcher_test
 tsan: test-deps
 	cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLON_TSAN=ON
 	cmake --build build-tsan -j$(JOBS) --target $(TSAN_TESTS)
-	cd build-tsan && QT_QPA_PLATFORM=offscreen TSAN_OPTIONS="halt_on_error=1 suppressions=$(CURDIR)/cmake/tsan.supp" \
+	cd build-tsan && QT_QPA_PLATFORM=offscreen TSAN_OPTIONS="halt_on_error=1 die_after_fork=0 suppressions=$(CURDIR)/cmake/tsan.supp" \
 	    ctest --output-on-failure --timeout 300 -R '^($(subst $(eval) ,|,$(TSAN_TESTS)))$$'
 
 # The C++ layout is .clang-format's: `make format` applies it, and the suite fails on a file it would change.
