@@ -202,7 +202,17 @@ void ScriptingService::checkSlice(const std::shared_ptr<PendingAdd> &add)
         add->bus.send(add->call.createErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting")));
         return;
     }
-    add->bus.send(add->call.createReply(addChecked(add->paths, add->date, add->anyFolder)));
+    if (!add->anyFolder) {
+        add->bus.send(add->call.createReply(addChecked(add->paths, add->date, false)));
+        return;
+    }
+    // The folders are read off the event loop; the answer comes when their files are in.
+    m_editor.expandFoldersThen(add->paths, [this, add](const QStringList &expanded) {
+        if (quitting())
+            add->bus.send(add->call.createErrorReply(QLatin1String(QuittingError), tr("Quillon is quitting")));
+        else
+            add->bus.send(add->call.createReply(addChecked(expanded, add->date, false)));
+    });
 }
 
 int ScriptingService::addChecked(const QStringList &paths, qint64 date, bool anyFolder)

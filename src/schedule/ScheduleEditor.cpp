@@ -4,8 +4,10 @@
 #include "Preferences.h"
 
 #include <QCoreApplication>
+#include <QFutureWatcher>
 #include <QUndoCommand>
 #include <QUndoStack>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include <numeric>
 
@@ -137,6 +139,17 @@ QString ScheduleEditor::text(Edit kind)
 QStringList ScheduleEditor::expandFolders(const QStringList &paths) const
 {
     return FolderExpansion().expandDropped(paths, m_preferences.addFolderFiles(), m_preferences.addFolderFilesRecursively());
+}
+
+void ScheduleEditor::expandFoldersThen(const QStringList &paths, std::function<void(const QStringList &expanded)> then)
+{
+    const bool folderFiles = m_preferences.addFolderFiles(), recursive = m_preferences.addFolderFilesRecursively();
+    auto *watcher = new QFutureWatcher<QStringList>(this);
+    connect(watcher, &QFutureWatcher<QStringList>::finished, this, [watcher, then = std::move(then)] {
+        then(watcher->result());
+        watcher->deleteLater();
+    });
+    watcher->setFuture(QtConcurrent::run([paths, folderFiles, recursive] { return FolderExpansion().expandDropped(paths, folderFiles, recursive); }));
 }
 
 int ScheduleEditor::add(const QStringList &paths, const QDateTime &date)

@@ -31,6 +31,9 @@ public:
 
     // What a drop of these paths adds: a folder is its files when the preferences say so.
     QStringList expandFolders(const QStringList &paths) const;
+    // The same off the event loop, for a folder of a million files takes seconds: then gets the
+    // paths from the event loop, and is not called once the editor is gone.
+    void expandFoldersThen(const QStringList &paths, std::function<void(const QStringList &expanded)> then);
     // Appends the paths as they are, with one launch date (now when none is given). Returns the
     // number of rows added.
     int add(const QStringList &paths, const QDateTime &date = {});

@@ -352,11 +352,14 @@ bool ItemTableModel::dropFiles(const QList<QUrl> &urls, int r)
             paths << FileName::fromUrl(url);
     }
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
-    QStringList handled = m_editor.expandFolders(paths);
-    // Each item goes in at the drop row, so the last one handled ends up on top.
-    std::reverse(handled.begin(), handled.end());
-    m_editor.drop(r, handled);
-    QGuiApplication::restoreOverrideCursor();
+    // The row is told by identity: rows may come and go above it while the folders are read.
+    const quint64 above = r > 0 ? m_schedule.idAt(r - 1) : 0;
+    m_editor.expandFoldersThen(paths, [this, above](QStringList handled) {
+        // Each item goes in at the drop row, so the last one handled ends up on top.
+        std::reverse(handled.begin(), handled.end());
+        m_editor.drop(above == 0 ? 0 : m_schedule.rowOf(above) + 1, handled);
+        QGuiApplication::restoreOverrideCursor();
+    });
     return !paths.isEmpty();
 }
 
