@@ -2,6 +2,7 @@
 #include "FakeClock.h"
 #include "FakeWorkspace.h"
 #include "MailSettings.h"
+#include "MailTestSupport.h"
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "PreferencesDialog.h"
@@ -104,6 +105,12 @@ private Q_SLOTS:
         } catch (const MailSettingsError &e) {
             QCOMPARE(e.reason(), QStringLiteral("Die Einstellung „Port:“ des Postausgangsservers (SMTP) liegt außerhalb des gültigen Bereichs."));
         }
+        // The alert a mail without a server gets is German from its first word.
+        MailTest::Host host(preferences);
+        SimpleSMTP delivery;
+        delivery.sendMail(host, QStringLiteral("body"), QStringLiteral("subject"));
+        QCOMPARE(
+            host.alerts.value(0).second, QStringLiteral("Fehler (NoServer): Die Einstellung „Adresse:“ des Postausgangsservers (SMTP) ist nicht angegeben."));
         QCOMPARE(Texts::tr(Texts::Start), QStringLiteral("Starten"));
         PreferencesDialog dialog(preferences);
         QCOMPARE(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton"))->text(), QStringLiteral("&Testnachricht senden"));
