@@ -32,7 +32,7 @@ private:
     void answerLater(std::function<void()> answer)
     {
         ++calls;
-        QMetaObject::invokeMethod(qApp, std::move(answer), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(answer), Qt::QueuedConnection);
     }
 };
 
