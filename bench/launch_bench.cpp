@@ -63,21 +63,15 @@ private:
     qint64 m_last = 0;
 };
 
-// The longest wait between turns of the event loop, sampled by a zero-interval timer.
-qint64 longestGap(qint64 forMs)
+// The longest wait between turns of the event loop over forMs.
+double longestGapMs(qint64 forMs)
 {
-    qint64 last = monotonicNs(), longest = 0;
-    QTimer tick;
-    QObject::connect(&tick, &QTimer::timeout, &tick, [&] {
-        const qint64 now = monotonicNs();
-        longest = std::max(longest, now - last);
-        last = now;
-    });
-    tick.start(0);
+    LoopBlockMeter meter;
+    meter.start();
     QEventLoop wait;
     QTimer::singleShot(forMs, &wait, &QEventLoop::quit);
     wait.exec();
-    return longest;
+    return meter.longestMs();
 }
 } // namespace
 
@@ -112,7 +106,7 @@ int main(int argc, char *argv[])
         workspace.lap();
         printSpread(docs ? "documents, event loop blocked per item" : "executables, event loop blocked per item", workspace.blocked);
         // The programs start and are reaped while the loop keeps turning.
-        std::printf("%s, longest wait for an event-loop turn while they start: %.3f ms\n", docs ? "documents" : "executables", longestGap(1500) / 1e6);
+        std::printf("%s, longest wait for an event-loop turn while they start: %.3f ms\n", docs ? "documents" : "executables", longestGapMs(1500));
     }
     return 0;
 }
