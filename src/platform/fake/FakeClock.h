@@ -21,7 +21,6 @@ public:
     {
         m_aimed = true;
         m_deadline = deadline;
-        ++m_aimCount;
         if (deadline <= m_now)
             QTimer::singleShot(0, this, &FakeClock::fireIfDue);
     }
@@ -59,7 +58,6 @@ public:
 
     bool isAimed() const { return m_aimed; }
     qint64 deadline() const { return m_deadline; }
-    int aimCount() const { return m_aimCount; }
 
 private:
     void fireIfDue()
@@ -74,7 +72,6 @@ private:
     qint64 m_deadline = 0;
     bool m_aimed = false;
     bool m_sleptUnseen = false;
-    int m_aimCount = 0;
 };
 
 } // namespace Quillon

@@ -22,11 +22,7 @@ public:
         iconPaths << path;
         return {};
     }
-    bool openUrl(const QUrl &url) override
-    {
-        urls << url;
-        return true;
-    }
+    bool openUrl(const QUrl &) override { return true; }
 
     bool whileNoProgramStarts(const std::function<void()> &use) override
     {
@@ -41,7 +37,6 @@ public:
     QStringList opened;
     QStringList selected;
     QStringList iconPaths;
-    QList<QUrl> urls;
 };
 
 } // namespace Quillon
