@@ -4,17 +4,17 @@
 <context>
     <name>CommandLine</name>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="39"/>
+        <location filename="../../src/app/CommandLine.cpp" line="40"/>
         <source>quillon %1: %2 (try quillon --help)</source>
         <translation>quillon %1: %2 (siehe quillon --help)</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="104"/>
+        <location filename="../../src/app/CommandLine.cpp" line="99"/>
         <source>due</source>
         <translation>fällig</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="108"/>
+        <location filename="../../src/app/CommandLine.cpp" line="103"/>
         <source>%n hr(s)</source>
         <translation>
             <numerusform>%n Std.</numerusform>
@@ -22,7 +22,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="110"/>
+        <location filename="../../src/app/CommandLine.cpp" line="105"/>
         <source>%n min(s)</source>
         <translation>
             <numerusform>%n Min.</numerusform>
@@ -30,7 +30,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="112"/>
+        <location filename="../../src/app/CommandLine.cpp" line="107"/>
         <source>%n sec(s)</source>
         <translation>
             <numerusform>%n Sek.</numerusform>
@@ -38,47 +38,47 @@
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="136"/>
+        <location filename="../../src/app/CommandLine.cpp" line="129"/>
         <source>The list is empty.</source>
         <translation>Die Liste ist leer.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="140"/>
+        <location filename="../../src/app/CommandLine.cpp" line="134"/>
         <source>The schedule runs.</source>
         <translation>Der Zeitplan läuft.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="140"/>
+        <location filename="../../src/app/CommandLine.cpp" line="134"/>
         <source>The schedule is stopped: nothing opens until it is started (quillon start).</source>
         <translation>Der Zeitplan ist angehalten: nichts wird geöffnet, bis er gestartet wird (quillon start).</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="149"/>
+        <location filename="../../src/app/CommandLine.cpp" line="143"/>
         <source>could not open</source>
         <translation>nicht geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="151"/>
+        <location filename="../../src/app/CommandLine.cpp" line="145"/>
         <source>not started</source>
         <translation>nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="153"/>
+        <location filename="../../src/app/CommandLine.cpp" line="147"/>
         <source>opened late</source>
         <translation>verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="155"/>
+        <location filename="../../src/app/CommandLine.cpp" line="149"/>
         <source>opened</source>
         <translation>geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="155"/>
+        <location filename="../../src/app/CommandLine.cpp" line="149"/>
         <source>not armed</source>
         <translation>nicht gestellt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="187"/>
+        <location filename="../../src/app/CommandLine.cpp" line="186"/>
         <source>Commands (each talks to the running Quillon; add and start start one when none runs):
   add FILE… --at TIME [--start]
                         Schedule files or folders;      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot; --start
@@ -105,22 +105,22 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="204"/>
+        <location filename="../../src/app/CommandLine.cpp" line="203"/>
         <source>When to open the files.</source>
         <translation>Wann die Dateien geöffnet werden.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="205"/>
+        <location filename="../../src/app/CommandLine.cpp" line="204"/>
         <source>Print the list as JSON.</source>
         <translation>Die Liste als JSON ausgeben.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="206"/>
+        <location filename="../../src/app/CommandLine.cpp" line="205"/>
         <source>Start the schedule too, if it is stopped.</source>
         <translation>Auch den Zeitplan starten, falls er angehalten ist.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="217"/>
+        <location filename="../../src/app/CommandLine.cpp" line="216"/>
         <source>unexpected argument &apos;%1&apos;</source>
         <translation>unerwartetes Argument „%1“</translation>
     </message>
@@ -140,27 +140,27 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>die Zeit „%1“ ist nicht lesbar</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="247"/>
+        <location filename="../../src/app/CommandLine.cpp" line="244"/>
         <source>give the rows to remove as numbers from 1, as list shows them</source>
         <translation>die zu entfernenden Zeilen als Zahlen ab 1 angeben, wie list sie zeigt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="267"/>
+        <location filename="../../src/app/CommandLine.cpp" line="259"/>
         <source>there is no session bus to reach Quillon on</source>
         <translation>es gibt keinen Sitzungsbus, über den Quillon erreichbar wäre</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="269"/>
+        <location filename="../../src/app/CommandLine.cpp" line="261"/>
         <source>Quillon is not running</source>
         <translation>Quillon läuft nicht</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="271"/>
+        <location filename="../../src/app/CommandLine.cpp" line="263"/>
         <source>Quillon could not be started</source>
         <translation>Quillon konnte nicht gestartet werden</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="280"/>
+        <location filename="../../src/app/CommandLine.cpp" line="284"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform>
@@ -176,7 +176,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="297"/>
+        <location filename="../../src/app/CommandLine.cpp" line="298"/>
         <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
         <translation>
             <numerusform>Der Zeitplan ist angehalten: das Objekt wird erst geöffnet, wenn er gestartet wird (quillon start, oder add mit --start).</numerusform>
@@ -241,64 +241,64 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::DateWindow</name>
     <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="31"/>
         <location filename="../../src/ui/DateWindow.cpp" line="32"/>
-        <location filename="../../src/ui/DateWindow.cpp" line="33"/>
         <source>Date &amp; Time</source>
         <translation>Datum &amp; Uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="48"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="47"/>
         <source>Calenda&amp;r…</source>
         <translation>&amp;Kalender …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="50"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="49"/>
         <source>Calendar</source>
         <translation>Kalender</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="53"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="52"/>
         <source>&amp;Now</source>
         <translation>J&amp;etzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="55"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="54"/>
         <source>Now</source>
         <translation>Jetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="56"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="55"/>
         <source>Set the date and time to this moment.</source>
         <translation>Datum und Uhrzeit auf diesen Augenblick setzen.</translation>
     </message>
     <message>
+        <location filename="../../src/ui/DateWindow.cpp" line="63"/>
         <location filename="../../src/ui/DateWindow.cpp" line="64"/>
-        <location filename="../../src/ui/DateWindow.cpp" line="65"/>
         <source>Close</source>
         <translation>Schließen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="80"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="79"/>
         <source>Launch date</source>
         <translation>Startdatum</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="111"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="110"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="133"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="132"/>
         <source>No item is selected: a date set here changes nothing.</source>
         <translation>Kein Eintrag ist ausgewählt: Ein hier gesetztes Datum ändert nichts.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="135"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="134"/>
         <source>Launch date and time of the selected item:</source>
         <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/DateWindow.cpp" line="137"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="136"/>
         <source>Launch date and time of %n selected item(s):</source>
         <translation>
             <numerusform>Startdatum und -zeit des ausgewählten Objekts:</numerusform>
@@ -323,7 +323,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::History</name>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="78"/>
+        <location filename="../../src/history/History.cpp" line="79"/>
         <source>%n s late</source>
         <translation>
             <numerusform>%n s zu spät</numerusform>
@@ -331,7 +331,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="80"/>
+        <location filename="../../src/history/History.cpp" line="81"/>
         <source>%n min late</source>
         <translation>
             <numerusform>%n min zu spät</numerusform>
@@ -339,7 +339,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="82"/>
+        <location filename="../../src/history/History.cpp" line="83"/>
         <source>%n h late</source>
         <translation>
             <numerusform>%n h zu spät</numerusform>
@@ -347,7 +347,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="83"/>
+        <location filename="../../src/history/History.cpp" line="84"/>
         <source>%n days late</source>
         <translation>
             <numerusform>%n Tag zu spät</numerusform>
@@ -355,67 +355,67 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="90"/>
+        <location filename="../../src/history/History.cpp" line="91"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="92"/>
+        <location filename="../../src/history/History.cpp" line="93"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="94"/>
+        <location filename="../../src/history/History.cpp" line="95"/>
         <source>Script finished</source>
         <translation>Skript beendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="96"/>
+        <location filename="../../src/history/History.cpp" line="97"/>
         <source>Script failed</source>
         <translation>Skript fehlgeschlagen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="98"/>
+        <location filename="../../src/history/History.cpp" line="99"/>
         <source>Script ended by quitting</source>
         <translation>Skript beim Beenden abgebrochen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="100"/>
+        <location filename="../../src/history/History.cpp" line="102"/>
         <source>Missed</source>
         <translation>Verpasst</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="102"/>
+        <location filename="../../src/history/History.cpp" line="104"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="104"/>
+        <location filename="../../src/history/History.cpp" line="106"/>
         <source>Mail sent</source>
         <translation>E-Mail gesendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="106"/>
+        <location filename="../../src/history/History.cpp" line="108"/>
         <source>Mail refused</source>
         <translation>E-Mail abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="108"/>
+        <location filename="../../src/history/History.cpp" line="110"/>
         <source>Mail failed</source>
         <translation>E-Mail fehlgeschlagen</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="110"/>
+        <location filename="../../src/history/History.cpp" line="112"/>
         <source>Not started</source>
         <translation>Nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="112"/>
+        <location filename="../../src/history/History.cpp" line="114"/>
         <source>Did not quit normally</source>
         <translation>Nicht normal beendet</translation>
     </message>
     <message>
-        <location filename="../../src/history/History.cpp" line="114"/>
+        <location filename="../../src/history/History.cpp" line="116"/>
         <source>Dates may have moved</source>
         <translation>Termine eventuell verschoben</translation>
     </message>
@@ -423,32 +423,32 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::HistoryModel</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="114"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="116"/>
         <source>(mail)</source>
         <translation>(E-Mail)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="130"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="132"/>
         <source>When</source>
         <translation>Wann</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="132"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="134"/>
         <source>Due</source>
         <translation>Fällig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="134"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="136"/>
         <source>Item</source>
         <translation>Objekt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="136"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="138"/>
         <source>What</source>
         <translation>Was</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="138"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="140"/>
         <source>Detail</source>
         <translation>Einzelheiten</translation>
     </message>
@@ -456,53 +456,53 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::HistoryWindow</name>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="150"/>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="171"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="152"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="173"/>
         <source>History</source>
         <translation>Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="155"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="157"/>
         <source>Filter by item, detail or what happened</source>
         <translation>Nach Objekt, Detail oder Ereignis filtern</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="156"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="158"/>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="160"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="162"/>
         <source>Show</source>
         <translation>Anzeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="161"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="163"/>
         <source>Everything</source>
         <translation>Alles</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="161"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="163"/>
         <source>Problems only</source>
         <translation>Nur Probleme</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="162"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="164"/>
         <source>&amp;Show:</source>
         <translation>&amp;Zeigen:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="221"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="223"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="222"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="224"/>
         <source>Show in &amp;File Manager</source>
         <translation>Im &amp;Dateimanager zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/HistoryWindow.cpp" line="226"/>
+        <location filename="../../src/ui/HistoryWindow.cpp" line="230"/>
         <source>&amp;Copy</source>
         <translation>&amp;Kopieren</translation>
     </message>
@@ -510,22 +510,22 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
         <source>Opens %1</source>
         <translation>Öffnet %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
         <source>Opens %1 (in %n day(s))</source>
         <translation>
             <numerusform>Öffnet %1 (in %n Tag)</numerusform>
@@ -533,59 +533,59 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="162"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="179"/>
         <source>Could not open: %1</source>
         <translation>Konnte nicht geöffnet werden: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="164"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="181"/>
         <source>Not started: %1</source>
         <translation>Nicht gestartet: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="166"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="183"/>
         <source>Opened late (%1)</source>
         <translation>Verspätet geöffnet (%1)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="191"/>
         <source>Opened at %1</source>
         <translation>Geöffnet um %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="203"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="220"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="205"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="222"/>
         <source>Not started</source>
         <translation>Nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="207"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="224"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="209"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="214"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="226"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="231"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="176"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="214"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="193"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="231"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="232"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="249"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="251"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -606,12 +606,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="70"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="69"/>
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="86"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -647,42 +647,42 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="116"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="120"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
@@ -697,24 +697,24 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="151"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="123"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="345"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="342"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="125"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
@@ -724,133 +724,133 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="148"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="150"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="153"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="154"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="157"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="159"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="161"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="174"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
         <source>Re&amp;move Selected Items</source>
         <translation>Ausgewählte Einträge ent&amp;fernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="176"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
         <source>Mo&amp;ve Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="180"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="182"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="184"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="185"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="186"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="188"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="189"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl um&amp;kehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="190"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="195"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="195"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="232"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="197"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="198"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="199"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="200"/>
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="204"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="204"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="206"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="207"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="231"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="232"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="338"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="333"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="341"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="347"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="406"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="403"/>
         <source>%n problem(s) since you last looked</source>
         <translation>
             <numerusform>%n Problem seit Ihrem letzten Blick</numerusform>
@@ -943,12 +943,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>&amp;Skript beenden nach:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="175"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="176"/>
         <source>&amp;Open items missed while the computer was asleep or off</source>
         <translation>Objekte öffnen, die &amp;verpasst wurden, während der Rechner schlief oder aus war</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="176"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="177"/>
         <source>&amp;Notify me about problems</source>
         <translation>Bei &amp;Problemen benachrichtigen</translation>
     </message>
@@ -998,22 +998,22 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Sichere &amp;Verbindung verwenden (TLS)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="249"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="250"/>
         <source>&amp;Login:</source>
         <translation>Anmeldun&amp;g:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="251"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="252"/>
         <source>&amp;Username:</source>
         <translation>&amp;Benutzername:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="267"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="268"/>
         <source>Pass&amp;word:</source>
         <translation>Pass&amp;wort:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="284"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="285"/>
         <source>Send &amp;Test Message</source>
         <translation>&amp;Testnachricht senden</translation>
     </message>
@@ -1038,17 +1038,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht gesetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="248"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="249"/>
         <source>Login</source>
         <translation>Anmeldung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="246"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="247"/>
         <source>None</source>
         <translation>Keine</translation>
     </message>
     <message>
-        <location filename="../../src/ui/PreferencesDialog.cpp" line="271"/>
+        <location filename="../../src/ui/PreferencesDialog.cpp" line="272"/>
         <source>Without TLS the password is sent unencrypted.</source>
         <translation>Ohne TLS wird das Passwort unverschlüsselt gesendet.</translation>
     </message>
@@ -1056,13 +1056,13 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ProblemNotifier</name>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="120"/>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="144"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="122"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="146"/>
         <source>and %1 more</source>
         <translation>und %1 weitere</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="126"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="128"/>
         <source>%n item(s) could not be opened</source>
         <translation>
             <numerusform>%n Objekt konnte nicht geöffnet werden</numerusform>
@@ -1070,7 +1070,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="132"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
         <source>%n item(s) missed while Quillon was not running</source>
         <translation>
             <numerusform>%n Objekt wurde verpasst, während Quillon nicht lief</numerusform>
@@ -1078,7 +1078,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="136"/>
         <source>%n item(s) missed while the computer slept</source>
         <translation>
             <numerusform>%n Objekt wurde verpasst, während der Computer schlief</numerusform>
@@ -1086,7 +1086,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="138"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="140"/>
         <source>%n script(s) failed</source>
         <translation>
             <numerusform>Ein Skript ist fehlgeschlagen</numerusform>
@@ -1094,7 +1094,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="149"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="151"/>
         <source>%n missed item(s) opened late</source>
         <translation>
             <numerusform>%n verpasstes Objekt wurde verspätet geöffnet</numerusform>
@@ -1102,7 +1102,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="156"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="158"/>
         <source>Quillon opened %n item(s)</source>
         <translation>
             <numerusform>Quillon hat %n Objekt geöffnet</numerusform>
@@ -1110,17 +1110,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="135"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="137"/>
         <source>Open Now</source>
         <translation>Jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="152"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="154"/>
         <source>Mail could not be sent</source>
         <translation>E-Mail konnte nicht gesendet werden</translation>
     </message>
     <message>
-        <location filename="../../src/app/ProblemNotifier.cpp" line="159"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="161"/>
         <source>Show History</source>
         <translation>Verlauf zeigen</translation>
     </message>
@@ -1128,101 +1128,60 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::QuillonController</name>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="73"/>
-        <location filename="../../src/app/QuillonController.cpp" line="74"/>
+        <location filename="../../src/app/QuillonController.cpp" line="62"/>
         <source>it waited for a script when the schedule was stopped</source>
         <translation>es wartete auf ein Skript, als der Zeitplan angehalten wurde</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="97"/>
+        <location filename="../../src/app/QuillonController.cpp" line="103"/>
         <source>the last quit</source>
         <translation>dem letzten Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="99"/>
+        <location filename="../../src/app/QuillonController.cpp" line="105"/>
         <source>Quillon did not quit normally; changes since %1 were not saved</source>
         <translation>Quillon wurde nicht normal beendet; Änderungen seit %1 wurden nicht gespeichert</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="105"/>
+        <location filename="../../src/app/QuillonController.cpp" line="111"/>
         <source>A saved item could not be found: the dates from row %1 on may belong to the items above them.</source>
         <translation>Ein gespeichertes Objekt wurde nicht gefunden: die Termine ab Zeile %1 gehören eventuell zu den Objekten darüber.</translation>
     </message>
     <message>
-        <location filename="../../src/app/QuillonController.cpp" line="189"/>
-        <source>The history cannot be written now (%1); it is kept until it can be.</source>
-        <translation>Der Verlauf kann gerade nicht geschrieben werden (%1); er wird aufbewahrt, bis es geht.</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="352"/>
+        <location filename="../../src/app/QuillonController.cpp" line="208"/>
         <source>it could not be saved; the items after it will show the dates before theirs at the next start</source>
         <translation>es konnte nicht gespeichert werden; die Objekte danach zeigen beim nächsten Start die Termine ihrer Vorgänger</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="397"/>
-        <source>About Quillon</source>
-        <translation>Über Quillon</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="398"/>
-        <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
-        <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="417"/>
-        <source>Show Quillon</source>
-        <translation>Quillon anzeigen</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="418"/>
-        <source>Quit</source>
-        <translation>Beenden</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="491"/>
-        <source>Sending…</source>
-        <translation>Wird gesendet …</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="497"/>
-        <source>Sent to %1</source>
-        <translation>Gesendet an %1</translation>
-    </message>
-    <message>
-        <location filename="../../src/app/QuillonController.cpp" line="498"/>
-        <source>Not sent: %1</source>
-        <translation>Nicht gesendet: %1</translation>
     </message>
 </context>
 <context>
     <name>Quillon::ScheduleEditor</name>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="67"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="124"/>
         <source>Add</source>
         <translation>Hinzufügen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="69"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="126"/>
         <source>Drop</source>
         <translation>Ablegen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="71"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="128"/>
         <source>Move</source>
         <translation>Verschieben</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="73"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="130"/>
         <source>Clear</source>
         <translation>Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="75"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="132"/>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="77"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="134"/>
         <source>Date Change</source>
         <translation>Datumsänderung</translation>
     </message>
@@ -1230,17 +1189,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ScriptingService</name>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="114"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="126"/>
         <source>The date %1 is out of range: Unix seconds from 0 to %2.</source>
         <translation>Das Datum %1 liegt außerhalb des Bereichs: Unix-Sekunden von 0 bis %2.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="120"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="132"/>
         <source>%1 needs at least one row.</source>
         <translation>%1 braucht mindestens eine Zeile.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="124"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="136"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform>
@@ -1248,76 +1207,120 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="148"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="160"/>
         <source>Add needs at least one path.</source>
         <translation>Add braucht mindestens einen Pfad.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="135"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="147"/>
         <source>Not an absolute path: &quot;%1&quot;.</source>
         <translation>Kein absoluter Pfad: „%1“.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="106"/>
-        <location filename="../../src/app/ScriptingService.cpp" line="189"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="118"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="202"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="212"/>
         <source>Quillon is quitting</source>
         <translation>Quillon wird beendet</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="137"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="149"/>
         <source>No such file or folder: %1</source>
         <translation>Keine solche Datei und kein solcher Ordner: %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="234"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="257"/>
         <source>The schedule is running; stop it before removing items.</source>
         <translation>Der Zeitplan läuft; halten Sie ihn an, bevor Sie Objekte entfernen.</translation>
     </message>
 </context>
 <context>
+    <name>Quillon::Shell</name>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="43"/>
+        <source>The history cannot be written now (%1); it is kept until it can be.</source>
+        <translation>Der Verlauf kann gerade nicht geschrieben werden (%1); er wird aufbewahrt, bis es geht.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="118"/>
+        <source>About Quillon</source>
+        <translation>Über Quillon</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="119"/>
+        <source>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Opens files, applications and scripts at the times you choose.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
+        <translation>&lt;h3&gt;Quillon %1&lt;/h3&gt;&lt;p&gt;Öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie festlegen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="138"/>
+        <source>Show Quillon</source>
+        <translation>Quillon anzeigen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="139"/>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="192"/>
+        <source>Sending…</source>
+        <translation>Wird gesendet …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="198"/>
+        <source>Sent to %1</source>
+        <translation>Gesendet an %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/Shell.cpp" line="198"/>
+        <source>Not sent: %1</source>
+        <translation>Nicht gesendet: %1</translation>
+    </message>
+</context>
+<context>
     <name>Quillon::SimpleSMTP</name>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="46"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="45"/>
         <source>The recipient address cannot be used: %1.</source>
         <translation>Die Empfängeradresse kann nicht verwendet werden: %1.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="68"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="65"/>
         <source>An error occurred when sending email.</source>
         <translation>Beim Senden der E-Mail ist ein Fehler aufgetreten.</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="68"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="65"/>
         <source>Error (%1): %2</source>
         <translation>Fehler (%1): %2</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="161"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="157"/>
         <source>the server offers no login; choose None for Login in Preferences</source>
         <translation>der Server bietet keine Anmeldung an; wählen Sie „Keine“ bei „Anmeldung“ in den Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="163"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="159"/>
         <source>the server does not offer the %1 login; it offers %2</source>
         <translation>der Server bietet die Anmeldung %1 nicht an; er bietet %2 an</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="165"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="161"/>
         <source>the server refused the login</source>
         <translation>der Server hat die Anmeldung abgelehnt</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="184"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="180"/>
         <source>the server refused the message: %1</source>
         <translation>der Server hat die Nachricht abgelehnt: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="203"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="199"/>
         <source>Message not sent. Server response: %1</source>
         <translation>Nachricht nicht gesendet. Antwort des Servers: %1</translation>
     </message>
     <message>
-        <location filename="../../src/mail/SimpleSMTP.cpp" line="221"/>
+        <location filename="../../src/mail/SimpleSMTP.cpp" line="211"/>
         <source>the session ended before the message was sent</source>
         <translation>die Verbindung endete, bevor die Nachricht gesendet war</translation>
     </message>
@@ -1325,52 +1328,52 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Texts</name>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="15"/>
+        <location filename="../../src/settings/Texts.h" line="15"/>
         <source>No items were scheduled to run.</source>
         <translation>Es wurden keine Einträge zum Öffnen eingeplant.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="16"/>
+        <location filename="../../src/settings/Texts.h" line="16"/>
         <source>Make sure that at least one item has a scheduled run time in the future.</source>
         <translation>Stellen Sie sicher, dass mindestens ein Eintrag eine Startzeit in der Zukunft hat.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="17"/>
+        <location filename="../../src/settings/Texts.h" line="17"/>
         <source>Start</source>
         <translation>Starten</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="18"/>
+        <location filename="../../src/settings/Texts.h" line="18"/>
         <source>Stop</source>
         <translation>Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="19"/>
+        <location filename="../../src/settings/Texts.h" line="19"/>
         <source>Run the schedule.</source>
         <translation>Den Zeitplan ausführen.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="20"/>
+        <location filename="../../src/settings/Texts.h" line="20"/>
         <source>Cancel the schedule.</source>
         <translation>Den Zeitplan abbrechen.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="21"/>
+        <location filename="../../src/settings/Texts.h" line="21"/>
         <source>No item has a launch time in the future; the schedule stopped.</source>
         <translation>Kein Eintrag hat eine Startzeit in der Zukunft; der Zeitplan wurde angehalten.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="22"/>
+        <location filename="../../src/settings/Texts.h" line="22"/>
         <source>The last item was opened; the schedule stopped.</source>
         <translation>Der letzte Eintrag wurde geöffnet; der Zeitplan wurde angehalten.</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="23"/>
+        <location filename="../../src/settings/Texts.h" line="23"/>
         <source>Location</source>
         <translation>Ort</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Texts.h" line="24"/>
+        <location filename="../../src/settings/Texts.h" line="24"/>
         <source>Time to Launch</source>
         <translation>Zeit bis zum Start</translation>
     </message>
@@ -1378,12 +1381,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>main</name>
     <message>
-        <location filename="../../src/app/main.cpp" line="54"/>
+        <location filename="../../src/app/main.cpp" line="55"/>
         <source>Quillon opens files, applications and scripts at the times you choose.</source>
         <translation>Quillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.</translation>
     </message>
     <message>
-        <location filename="../../src/app/main.cpp" line="57"/>
+        <location filename="../../src/app/main.cpp" line="58"/>
         <source>Start as the login session does: the schedule runs, the window stays hidden.</source>
         <translation>So starten wie bei der Anmeldung: der Zeitplan läuft, das Fenster bleibt verborgen.</translation>
     </message>

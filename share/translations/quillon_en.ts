@@ -4,7 +4,7 @@
 <context>
     <name>CommandLine</name>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="108"/>
+        <location filename="../../src/app/CommandLine.cpp" line="103"/>
         <source>%n hr(s)</source>
         <translation>
             <numerusform>%n hr</numerusform>
@@ -12,7 +12,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="110"/>
+        <location filename="../../src/app/CommandLine.cpp" line="105"/>
         <source>%n min(s)</source>
         <translation>
             <numerusform>%n min</numerusform>
@@ -20,7 +20,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="112"/>
+        <location filename="../../src/app/CommandLine.cpp" line="107"/>
         <source>%n sec(s)</source>
         <translation>
             <numerusform>%n sec</numerusform>
@@ -28,7 +28,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="280"/>
+        <location filename="../../src/app/CommandLine.cpp" line="284"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>there is no row %1; the list has %n row</numerusform>
@@ -44,7 +44,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="297"/>
+        <location filename="../../src/app/CommandLine.cpp" line="298"/>
         <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
         <translation>
             <numerusform>The schedule is stopped: the item opens only once it is started (quillon start, or add with --start).</numerusform>
@@ -55,7 +55,7 @@
 <context>
     <name>Quillon::DateWindow</name>
     <message numerus="yes">
-        <location filename="../../src/ui/DateWindow.cpp" line="137"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="136"/>
         <source>Launch date and time of %n selected item(s):</source>
         <translation>
             <numerusform>Launch date and time of %n selected item:</numerusform>
@@ -66,7 +66,7 @@
 <context>
     <name>Quillon::History</name>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="78"/>
+        <location filename="../../src/history/History.cpp" line="79"/>
         <source>%n s late</source>
         <translation>
             <numerusform>%n s late</numerusform>
@@ -74,7 +74,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="80"/>
+        <location filename="../../src/history/History.cpp" line="81"/>
         <source>%n min late</source>
         <translation>
             <numerusform>%n min late</numerusform>
@@ -82,7 +82,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="82"/>
+        <location filename="../../src/history/History.cpp" line="83"/>
         <source>%n h late</source>
         <translation>
             <numerusform>%n h late</numerusform>
@@ -90,7 +90,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/history/History.cpp" line="83"/>
+        <location filename="../../src/history/History.cpp" line="84"/>
         <source>%n days late</source>
         <translation>
             <numerusform>%n day late</numerusform>
@@ -101,7 +101,7 @@
 <context>
     <name>Quillon::ItemTableModel</name>
     <message numerus="yes">
-        <location filename="../../src/ui/ItemTableModel.cpp" line="154"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
         <source>Opens %1 (in %n day(s))</source>
         <translation>
             <numerusform>Opens %1 (in %n day)</numerusform>
@@ -112,7 +112,7 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="86"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>Launch All Now opened %n item.</numerusform>
@@ -120,7 +120,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="406"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="403"/>
         <source>%n problem(s) since you last looked</source>
         <translation>
             <numerusform>%n problem since you last looked</numerusform>
@@ -139,7 +139,7 @@
 <context>
     <name>Quillon::ProblemNotifier</name>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="126"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="128"/>
         <source>%n item(s) could not be opened</source>
         <translation>
             <numerusform>%n item could not be opened</numerusform>
@@ -147,7 +147,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="132"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
         <source>%n item(s) missed while Quillon was not running</source>
         <translation>
             <numerusform>%n item was missed while Quillon was not running</numerusform>
@@ -155,7 +155,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="134"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="136"/>
         <source>%n item(s) missed while the computer slept</source>
         <translation>
             <numerusform>%n item was missed while the computer slept</numerusform>
@@ -163,7 +163,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="138"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="140"/>
         <source>%n script(s) failed</source>
         <translation>
             <numerusform>A script failed</numerusform>
@@ -171,7 +171,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="149"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="151"/>
         <source>%n missed item(s) opened late</source>
         <translation>
             <numerusform>%n missed item was opened late</numerusform>
@@ -179,7 +179,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ProblemNotifier.cpp" line="156"/>
+        <location filename="../../src/app/ProblemNotifier.cpp" line="158"/>
         <source>Quillon opened %n item(s)</source>
         <translation>
             <numerusform>Quillon opened %n item</numerusform>
@@ -190,7 +190,7 @@
 <context>
     <name>Quillon::ScriptingService</name>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="124"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="136"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Row %1 is out of range: the list has %n row, counted from 0.</numerusform>
