@@ -198,4 +198,79 @@
         </translation>
     </message>
 </context>
+<context>
+    <name>Repeat</name>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="358"/>
+        <source>Every %n hour(s) from %1 to %2</source>
+        <translation>
+            <numerusform>Every hour from %1 to %2</numerusform>
+            <numerusform>Every %n hours from %1 to %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="363"/>
+        <source>Every %n minute(s)</source>
+        <translation>
+            <numerusform>Every minute</numerusform>
+            <numerusform>Every %n minutes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="367"/>
+        <source>Every %n hour(s)</source>
+        <translation>
+            <numerusform>Every hour</numerusform>
+            <numerusform>Every %n hours</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="375"/>
+        <source>Every %n day(s) at %1</source>
+        <translation>
+            <numerusform>Every day at %1</numerusform>
+            <numerusform>Every %n days at %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="398"/>
+        <source>Every %n week(s) on %1 at %2</source>
+        <translation>
+            <numerusform>Every week on %1 at %2</numerusform>
+            <numerusform>Every %n weeks on %1 at %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="406"/>
+        <source>Every %n month(s) on the last day at %1</source>
+        <translation>
+            <numerusform>Every month on the last day at %1</numerusform>
+            <numerusform>Every %n months on the last day at %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="408"/>
+        <source>Every %n month(s) on the %1 %2 at %3</source>
+        <translation>
+            <numerusform>Every month on the %1 %2 at %3</numerusform>
+            <numerusform>Every %n months on the %1 %2 at %3</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="411"/>
+        <source>Every %n month(s) on day %1 at %2</source>
+        <translation>
+            <numerusform>Every month on day %1 at %2</numerusform>
+            <numerusform>Every %n months on day %1 at %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="425"/>
+        <source>, %n time(s)</source>
+        <translation>
+            <numerusform>, once</numerusform>
+            <numerusform>, %n times</numerusform>
+        </translation>
+    </message>
+</context>
 </TS>

@@ -29,8 +29,13 @@ LaunchJournal::LaunchJournal(
     };
     connect(&schedule, &Schedule::launched, this, [fire](const QString &path, const QDateTime &date, quint64 item) { fire(path, date, item, false); });
     connect(&schedule, &Schedule::caughtUp, this, [fire](const QString &path, const QDateTime &date, quint64 item) { fire(path, date, item, true); });
-    connect(&schedule, &Schedule::missed, this,
-        [this](const QString &path, const QDateTime &date) { m_history.record(History::Kind::Missed, path, date, QStringLiteral("the computer was asleep")); });
+    connect(&schedule, &Schedule::missed, this, [this](const QString &path, const QDateTime &date, Schedule::MissedWhile when, bool skipped) {
+        const bool asleep = when == Schedule::MissedWhile::Asleep;
+        QString why = asleep ? QStringLiteral("the computer was asleep") : QStringLiteral("Quillon was not running");
+        if (skipped)
+            why += QStringLiteral(", skipped by its policy");
+        m_history.record(asleep ? History::Kind::Missed : History::Kind::MissedWhileOff, path, date, why);
+    });
     connect(&launcher, &Launcher::opened, this, &LaunchJournal::opened);
     connect(&launcher, &Launcher::failed, this, [this](const Launch &launch, Workspace::OpenFailure, const QString &detail) { failed(launch, detail); });
     connect(&launcher, &Launcher::scriptEnded, this, &LaunchJournal::scriptEnded);
@@ -92,17 +97,11 @@ void LaunchJournal::missedWhileOff(bool wasRunning, const std::optional<QDateTim
     QList<int> missed;
     for (int row = 0; row < m_schedule.count() && row < m_schedule.dates().size(); ++row) {
         const QDateTime date = m_schedule.dates().at(row);
-        if (date > *runningUntil && date <= now) {
-            m_history.record(History::Kind::MissedWhileOff, m_schedule.paths().at(row), date, QStringLiteral("Quillon was not running"));
+        if (date > *runningUntil && date <= now)
             missed << row;
-        }
     }
-    if (missed.isEmpty() || !m_preferences.boolValue(Keys::OpenMissedItems))
-        return;
-    m_schedule.catchUp(missed);
-    // A repeating item caught up has a time ahead again: the schedule that was running runs on.
-    if (!m_schedule.timersRunning())
-        m_schedule.startTimers(true);
+    if (!missed.isEmpty())
+        m_schedule.settleMissed(missed, Schedule::MissedWhile::NotRunning);
 }
 
 SimpleSMTP *LaunchJournal::sendMail(const QString &body, const QString &subject, const QString &path)

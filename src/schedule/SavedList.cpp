@@ -35,12 +35,15 @@ QVariantList asList(const QVariant &value)
 }
 } // namespace
 
-QStringList SavedList::write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, bool running)
+QStringList SavedList::write(Preferences &preferences, const QStringList &paths, const QList<QDateTime> &dates, const QList<Repeat> &repeats, bool running)
 {
     QVariantList items;
     items.reserve(paths.size());
+    // Older versions read only the keys they know; this one they leave alone.
+    QStringList rules;
     QStringList leftOut;
-    for (const QString &path : paths) {
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const QString &path = paths.at(i);
         const QByteArray reference = FileReference::make(path);
         if (reference.isEmpty()) {
             systemLog(QStringLiteral("Could not save a reference to %1; it is left out of the saved list.").arg(FileName::display(path)));
@@ -48,6 +51,8 @@ QStringList SavedList::write(Preferences &preferences, const QStringList &paths,
             continue;
         }
         items.append(reference);
+        if (!repeats.isEmpty())
+            rules.append(repeats.value(i).isEmpty() ? QString() : repeats.at(i).toICal());
     }
     QVariantList values;
     values.reserve(dates.size());
@@ -55,7 +60,7 @@ QStringList SavedList::write(Preferences &preferences, const QStringList &paths,
     // files hold local dates; they are read as they always were, and saved as moments from then on.
     for (const QDateTime &date : dates)
         values.append(date.isValid() ? QVariant(date.toUTC()) : QVariant(date));
-    preferences.setValues({ { Keys::Items, items }, { Keys::Dates, values }, { Keys::TimersRunning, running } });
+    preferences.setValues({ { Keys::Items, items }, { Keys::Dates, values }, { Keys::TimersRunning, running }, { Keys::Repeats, rules } });
     return leftOut;
 }
 
@@ -72,13 +77,26 @@ SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
     if (preferences.contains(Keys::TimersRunning))
         saved.running = Preferences::toBool(preferences.value(Keys::TimersRunning));
 
+    const QVariantList rules = asList(preferences.value(Keys::Repeats));
     QList<QByteArray> references;
-    for (const QVariant &element : asList(preferences.value(Keys::Items))) {
+    QList<Repeat> repeats;
+    const QVariantList items = asList(preferences.value(Keys::Items));
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const QVariant &element = items.at(i);
         const QByteArray reference = element.typeId() == QMetaType::QString ? element.toString().toUtf8() : element.toByteArray();
-        if (!reference.isEmpty())
-            references.append(reference);
+        if (reference.isEmpty())
+            continue;
+        references.append(reference);
+        QString why;
+        const QString rule = rules.value(i).toString();
+        std::optional<Repeat> repeat = rule.isEmpty() ? Repeat() : Repeat::fromICal(rule, &why);
+        if (!repeat)
+            systemLog(QStringLiteral("A saved rule could not be read (%1); its item is kept without it.").arg(why));
+        repeats.append(repeat.value_or(Repeat()));
     }
-    for (const std::optional<QString> &path : FileReference::resolveAll(references)) {
+    const QList<std::optional<QString>> resolved = FileReference::resolveAll(references);
+    for (qsizetype i = 0; i < resolved.size(); ++i) {
+        const std::optional<QString> &path = resolved.at(i);
         if (!path) {
             systemLog(QStringLiteral("A saved item could not be found and was left out of the list."));
             if (!datesAbsent && saved.shiftedFrom < 0)
@@ -86,6 +104,7 @@ SavedList SavedList::read(const Preferences &preferences, const QDateTime &now)
             continue;
         }
         saved.paths.append(*path);
+        saved.repeats.append(repeats.value(i));
         if (datesAbsent)
             saved.dates.append(now);
     }

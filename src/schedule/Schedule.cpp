@@ -93,6 +93,8 @@ void Schedule::insertRows(const Rows &rows, bool rearm)
                 dates.append(instant(rows.dates.at(added)));
             timers.append(TimerSlot());
             ids.append(rows.ids.at(added));
+            if (const Repeat repeat = rows.repeats.value(added); !repeat.isEmpty())
+                m_repeats.insert(rows.ids.at(added), repeat);
             ++added;
         } else {
             paths.append(m_paths.at(old));
@@ -137,6 +139,7 @@ Schedule::Rows Schedule::takeRows(QList<int> rows)
             taken.paths.append(m_paths.at(row));
             taken.dates.append(hasDate ? m_dates.at(row) : QDateTime());
             taken.ids.append(m_ids.at(row));
+            taken.repeats.append(m_repeats.take(m_ids.at(row)));
             ++next;
             continue;
         }
@@ -172,20 +175,56 @@ void Schedule::moveRow(int from, int to)
     Q_EMIT rowMoved();
 }
 
-QList<QDateTime> Schedule::setDates(const QList<int> &rows, const QList<QDateTime> &dates)
+const Repeat &Schedule::repeatAt(int row) const
 {
-    QList<QDateTime> before;
+    static const Repeat none;
+    const auto found = m_repeats.constFind(idAt(row));
+    return found == m_repeats.cend() ? none : *found;
+}
+
+std::optional<QDateTime> Schedule::firstOf(const Repeat &repeat) const
+{
+    const QDateTime start = repeat.start();
+    const QDateTime now = this->now();
+    return repeat.nextAfter(start.isValid() && start > now ? start.addMSecs(-1) : now);
+}
+
+QList<Schedule::Timing> Schedule::setDates(const QList<int> &rows, const QList<QDateTime> &dates)
+{
+    QList<Timing> timings;
+    timings.reserve(rows.size());
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        Timing timing { instant(dates.value(i, dates.value(0))), repeatAt(rows.at(i)) };
+        // A rule counts from the date the user gave: the item then runs at its first moment.
+        if (timing.repeat.hasRule()) {
+            timing.repeat.anchorAt(timing.date);
+            timing.date = firstOf(timing.repeat).value_or(timing.date);
+        }
+        timings.append(std::move(timing));
+    }
+    return setTimings(rows, timings);
+}
+
+QList<Schedule::Timing> Schedule::setTimings(const QList<int> &rows, const QList<Timing> &timings)
+{
+    QList<Timing> before;
     before.reserve(rows.size());
     for (qsizetype i = 0; i < rows.size(); ++i) {
         const int row = rows.at(i);
         if (row < 0 || row >= m_dates.size()) {
-            before.append(QDateTime());
+            before.append(Timing());
             continue;
         }
-        before.append(m_dates.at(row));
-        m_dates[row] = instant(dates.value(i, dates.value(0)));
+        const quint64 id = m_ids.at(row);
+        before.append({ m_dates.at(row), m_repeats.value(id) });
+        const Timing &timing = timings.at(std::min(i, timings.size() - 1));
+        m_dates[row] = instant(timing.date);
+        if (timing.repeat.isEmpty())
+            m_repeats.remove(id);
+        else
+            m_repeats.insert(id, timing.repeat);
         // A new moment: what became of the last one no longer says anything about it.
-        m_outcomes.remove(m_ids.at(row));
+        m_outcomes.remove(id);
     }
     datesChanged();
     return before;
@@ -200,7 +239,13 @@ void Schedule::setOutcome(quint64 id, const Outcome &outcome)
 
 QStringList Schedule::saveItems()
 {
-    return SavedList::write(m_preferences, m_paths, m_dates, m_timersRunning);
+    QList<Repeat> repeats;
+    if (!m_repeats.isEmpty()) {
+        repeats.reserve(m_ids.size());
+        for (quint64 id : std::as_const(m_ids))
+            repeats.append(m_repeats.value(id));
+    }
+    return SavedList::write(m_preferences, m_paths, m_dates, repeats, m_timersRunning);
 }
 
 int Schedule::restoreItems()
@@ -211,7 +256,12 @@ int Schedule::restoreItems()
     for (const QDateTime &date : std::as_const(saved.dates))
         m_dates.append(instant(date));
     m_timers.resize(m_paths.size());
-    m_ids += newIds(saved.paths.size());
+    const QList<quint64> ids = newIds(saved.paths.size());
+    for (qsizetype i = 0; i < saved.repeats.size() && i < ids.size(); ++i) {
+        if (!saved.repeats.at(i).isEmpty())
+            m_repeats.insert(ids.at(i), saved.repeats.at(i));
+    }
+    m_ids += ids;
     if (saved.running)
         m_timersRunning = *saved.running;
     m_slotIndexStale = true;

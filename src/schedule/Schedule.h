@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ItemTimer.h"
+#include "Repeat.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -56,6 +57,8 @@ public:
     void setOutcome(quint64 id, const Outcome &outcome);
     Outcome outcomeAt(int row) const { return m_outcomes.value(idAt(row)); }
     int rowOf(quint64 id) const { return int(m_ids.indexOf(id)); }
+    // A row's own rule and missed policy; an empty one for a plain item.
+    const Repeat &repeatAt(int row) const;
 
     // The paths that could not be saved (their later items' dates move at the next start).
     QStringList saveItems();
@@ -79,9 +82,13 @@ public:
     // The machine came back from sleep: items whose time passed meanwhile are missed (and caught
     // up when the preferences say so); the rest are armed again.
     void afterWake();
-    // Opens these rows' items now, in date order, once each, as items whose time passed unseen;
-    // a repeating one then follows its period from the present.
-    void catchUp(QList<int> rows);
+    enum class MissedWhile { Asleep, NotRunning };
+    Q_ENUM(MissedWhile)
+    // These rows' time passed unseen: each is opened late, once, in date order, or skipped, as
+    // its own policy (or the preference) says; a repeating one goes on from the present.
+    void settleMissed(QList<int> rows, MissedWhile when);
+    // The system's zone changed: rules that follow it name other moments now.
+    void followSystemZone();
 
 Q_SIGNALS:
     // Row changes, for the table model.
@@ -108,8 +115,8 @@ Q_SIGNALS:
     // An item's time came: the launcher opens it. date is the time it was due, item its row's
     // identity (what a launch belongs to, whatever row it moves to).
     void launched(const QString &path, const QDateTime &date, quint64 item);
-    // An item's time passed while the computer slept (or Quillon was not running); date is when it was due.
-    void missed(const QString &path, const QDateTime &date);
+    // An item's time passed unseen; date is when it was due. skipped: its own policy left it out.
+    void missed(const QString &path, const QDateTime &date, Quillon::Schedule::MissedWhile when, bool skipped);
     // A missed item is to be opened now, late; date is when it was due.
     void caughtUp(const QString &path, const QDateTime &date, quint64 item);
     // The user stopped a running schedule (not the last launch ending it).
@@ -125,14 +132,25 @@ private:
         QStringList paths;
         QList<QDateTime> dates;
         QList<quint64> ids;
+        QList<Repeat> repeats; // as many as rows, or none when no row has one
+    };
+    // When a row is due and by what rule, as an undo puts it back.
+    struct Timing
+    {
+        QDateTime date;
+        Repeat repeat;
     };
     // Each in one pass over the list, however many rows: removing every other row of a long list
     // must not cost a shift per row. rearm: rows coming back make a running schedule arm them.
     void insertRows(const Rows &rows, bool rearm);
     Rows takeRows(QList<int> rows);
     void moveRow(int from, int to);
-    // Each row its own date; returns the dates they had. A running schedule re-arms at once.
-    QList<QDateTime> setDates(const QList<int> &rows, const QList<QDateTime> &dates);
+    // Each row its own date (a rule then counts from it); returns what they had. A running
+    // schedule re-arms at once.
+    QList<Timing> setDates(const QList<int> &rows, const QList<QDateTime> &dates);
+    QList<Timing> setTimings(const QList<int> &rows, const QList<Timing> &timings);
+    // The first moment of a row's rule after now (and at or after its start), if it has one.
+    std::optional<QDateTime> firstOf(const Repeat &repeat) const;
     // Around a change that is not one block: the views keep their selection by row identity.
     void beginReset();
     void endReset();
@@ -148,6 +166,8 @@ private:
     // Whether this row already fired at that moment: a firing is the row and the moment.
     bool hasFired(quint64 id, qint64 dateMSecs) const;
     bool isArmable(qsizetype row, qint64 nowMSecs) const;
+    // A ruled row whose date passed moves to its rule's next moment after now.
+    void advanceRuled(qsizetype row, qint64 nowMSecs);
 
     Preferences &m_preferences;
     WallClock &m_clock;
@@ -162,6 +182,7 @@ private:
     // The last moment each row fired at (or was caught up for).
     QHash<quint64, qint64> m_lastFired;
     QHash<quint64, Outcome> m_outcomes;
+    QHash<quint64, Repeat> m_repeats;
     bool m_timersRunning = false;
     qint32 m_timersRemaining = 0;
     QHash<const ItemTimer *, qsizetype> m_slotIndex;

@@ -75,37 +75,40 @@ private:
     int m_to;
 };
 
-class ScheduleEditor::DateCommand final : public EditCommand
+// A date or a rule changed on some rows: what each had before, and what they have now.
+class ScheduleEditor::TimingCommand final : public EditCommand
 {
 public:
-    DateCommand(Schedule &schedule, QList<int> rows, QList<quint64> ids, QList<QDateTime> before, QDateTime after)
-        : EditCommand(schedule, ScheduleEditor::Edit::DateChange)
+    TimingCommand(Schedule &schedule, ScheduleEditor::Edit kind, QList<int> rows, QList<quint64> ids, QList<Schedule::Timing> before)
+        : EditCommand(schedule, kind)
         , m_rows(std::move(rows))
         , m_ids(std::move(ids))
         , m_before(std::move(before))
-        , m_after(std::move(after))
-    { }
-    void undo() override { m_schedule.setDates(m_rows, m_before); }
+    {
+        for (int row : std::as_const(m_rows))
+            m_after.append({ schedule.dates().value(row), schedule.repeatAt(row) });
+    }
+    void undo() override { m_schedule.setTimings(m_rows, m_before); }
     int id() const override { return 1; }
     bool mergeWith(const QUndoCommand *other) override
     {
         // The same rows, by identity: stepping a date through the picker is one undo, but a date
         // change after a move or a re-add is an edit of its own.
-        const auto *next = static_cast<const DateCommand *>(other);
-        if (next->m_ids != m_ids)
+        const auto *next = static_cast<const TimingCommand *>(other);
+        if (next->m_ids != m_ids || next->text() != text() || text() != ScheduleEditor::text(Edit::DateChange))
             return false;
         m_after = next->m_after;
         return true;
     }
 
 protected:
-    void apply() override { m_schedule.setDates(m_rows, { m_after }); }
+    void apply() override { m_schedule.setTimings(m_rows, m_after); }
 
 private:
     QList<int> m_rows;
     QList<quint64> m_ids;
-    QList<QDateTime> m_before;
-    QDateTime m_after;
+    QList<Schedule::Timing> m_before;
+    QList<Schedule::Timing> m_after;
 };
 
 ScheduleEditor::ScheduleEditor(Schedule &schedule, Preferences &preferences, QObject *parent)
@@ -132,6 +135,8 @@ QString ScheduleEditor::text(Edit kind)
         return tr("Remove");
     case Edit::DateChange:
         return tr("Date Change");
+    case Edit::RepeatChange:
+        return tr("Repeat Change");
     }
     return {};
 }
@@ -214,11 +219,17 @@ void ScheduleEditor::move(int from, int to)
     m_undo->push(new MoveCommand(m_schedule, from, to));
 }
 
-void ScheduleEditor::setDate(QList<int> rows, const QDateTime &date)
+QList<int> ScheduleEditor::datedRows(QList<int> rows) const
 {
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     rows.removeIf([this](int row) { return row < 0 || row >= m_schedule.dates().size(); });
+    return rows;
+}
+
+void ScheduleEditor::setDate(QList<int> rows, const QDateTime &date)
+{
+    rows = datedRows(std::move(rows));
     if (rows.isEmpty())
         return;
     const QDateTime instant = Schedule::instant(date);
@@ -227,11 +238,37 @@ void ScheduleEditor::setDate(QList<int> rows, const QDateTime &date)
     bool changes = false;
     for (int row : std::as_const(rows)) {
         ids.append(m_schedule.idAt(row));
-        changes = changes || m_schedule.dates().at(row) != instant;
+        changes = changes || m_schedule.dates().at(row) != instant || m_schedule.repeatAt(row).hasRule();
     }
-    QList<QDateTime> before = m_schedule.setDates(rows, { date });
+    QList<Schedule::Timing> before = m_schedule.setDates(rows, { date });
     if (changes)
-        m_undo->push(new DateCommand(m_schedule, std::move(rows), std::move(ids), std::move(before), date));
+        m_undo->push(new TimingCommand(m_schedule, Edit::DateChange, std::move(rows), std::move(ids), std::move(before)));
+}
+
+QString ScheduleEditor::setRepeat(QList<int> rows, const Repeat &repeat)
+{
+    rows = datedRows(std::move(rows));
+    if (rows.isEmpty())
+        return {};
+    QList<Schedule::Timing> timings;
+    QList<quint64> ids;
+    for (int row : std::as_const(rows)) {
+        Schedule::Timing timing { m_schedule.dates().at(row), repeat };
+        if (repeat.hasRule()) {
+            // Without a start of its own, a rule counts from the row's date.
+            if (!repeat.hasStart())
+                timing.repeat.anchorAt(timing.date);
+            const std::optional<QDateTime> first = m_schedule.firstOf(timing.repeat);
+            if (!first)
+                return tr("the rule has no time after now");
+            timing.date = *first;
+        }
+        timings.append(timing);
+        ids.append(m_schedule.idAt(row));
+    }
+    QList<Schedule::Timing> before = m_schedule.setTimings(rows, timings);
+    m_undo->push(new TimingCommand(m_schedule, Edit::RepeatChange, std::move(rows), std::move(ids), std::move(before)));
+    return {};
 }
 
 } // namespace Quillon

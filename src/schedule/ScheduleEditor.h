@@ -19,7 +19,7 @@ class ScheduleEditor final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ScheduleEditor)
 public:
-    enum class Edit { Add, Drop, Move, Clear, Remove, DateChange };
+    enum class Edit { Add, Drop, Move, Clear, Remove, DateChange, RepeatChange };
 
     ScheduleEditor(Schedule &schedule, Preferences &preferences, QObject *parent = nullptr);
     ~ScheduleEditor() override;
@@ -46,12 +46,16 @@ public:
     void clear(QList<int> rows = {});
     void move(int from, int to);
     void setDate(QList<int> rows, const QDateTime &date);
+    // Gives these rows the rule (an empty one takes their rule away) and moves each to the rule's
+    // first moment ahead. Returns why it could not, changing nothing.
+    QString setRepeat(QList<int> rows, const Repeat &repeat);
 
 private:
     class EditCommand;
     class RowsCommand;
     class MoveCommand;
-    class DateCommand;
+    class TimingCommand;
+    QList<int> datedRows(QList<int> rows) const;
     int insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind);
 
     Schedule &m_schedule;

@@ -78,10 +78,20 @@ bool Schedule::hasItemAhead() const
 {
     const qint64 nowMSecs = m_clock.nowMSecs();
     for (qsizetype i = 0; i < m_paths.size(); ++i) {
-        if (isArmable(i, nowMSecs))
+        if (isArmable(i, nowMSecs) || (repeatAt(int(i)).hasRule() && repeatAt(int(i)).nextAfter(now())))
             return true;
     }
     return false;
+}
+
+void Schedule::advanceRuled(qsizetype row, qint64 nowMSecs)
+{
+    const Repeat &repeat = repeatAt(int(row));
+    if (!repeat.hasRule() || row >= m_dates.size() || m_dates.at(row).toMSecsSinceEpoch() > nowMSecs)
+        return;
+    // A rule that has ended leaves the date where it fired last.
+    if (const std::optional<QDateTime> next = repeat.nextAfter(QDateTime::fromMSecsSinceEpoch(nowMSecs, Qt::UTC)))
+        m_dates[row] = *next;
 }
 
 void Schedule::startTimers(bool quiet)
@@ -92,6 +102,9 @@ void Schedule::startTimers(bool quiet)
     m_slotIndexStale = true;
     const qint64 nowMSecs = m_clock.nowMSecs();
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
+        // Started by the user: a rule goes on from today, whatever it missed while stopped.
+        if (!quiet)
+            advanceRuled(i, nowMSecs);
         if (isArmable(i, nowMSecs)) {
             m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
             ++m_timersRemaining;
@@ -170,7 +183,21 @@ void Schedule::launch(const TimerSlot &timer)
     Q_EMIT launched(timer->path(), timer->fireDate(), k >= 0 ? idAt(int(k)) : 0);
 
     const qint64 period = repeatMSecs();
-    if (period == 0) {
+    const Repeat &repeat = repeatAt(int(k));
+    if (repeat.hasRule()) {
+        // The rule's next moment after the one that fired and after now: one launch, however
+        // many moments a late firing passed over. A rule that has ended fired its last.
+        const QDateTime after = std::max(timer->fireDate().toUTC(), now());
+        if (const std::optional<QDateTime> next = k >= 0 && k < m_dates.size() ? repeat.nextAfter(after) : std::nullopt) {
+            m_slotIndex.remove(timer.get());
+            m_timers[k] = armTimer(timer->path(), next->toMSecsSinceEpoch());
+            m_slotIndex.insert(m_timers[k].get(), k);
+            m_dates[k] = *next;
+            scheduleWakeUpSoon();
+        } else {
+            --m_timersRemaining;
+        }
+    } else if (period == 0) {
         --m_timersRemaining;
     } else {
         qint64 next = 0;
@@ -259,25 +286,18 @@ void Schedule::afterWake()
         if (m_timers.at(i) && m_timers.at(i)->isValid() && m_timers.at(i)->fireMSecs() <= nowMSecs)
             passed << int(i);
     }
-    // Told in the order they were due.
-    std::stable_sort(passed.begin(), passed.end(), [this](int a, int b) { return m_timers.at(a)->fireMSecs() < m_timers.at(b)->fireMSecs(); });
-    for (int row : std::as_const(passed))
-        Q_EMIT missed(m_paths.at(row), m_timers.at(row)->fireDate());
-    // Told as missed: the re-arm below must not fire them after all.
+    // Told as missed: the re-arm that follows must not fire them after all.
     for (int row : std::as_const(passed))
         m_timers.at(row)->invalidate();
-    // By default they are dropped, as they always were; opening them late is the user's choice.
-    if (!passed.isEmpty() && m_preferences.boolValue(Keys::OpenMissedItems))
-        catchUp(passed);
-    else
-        restartTimers();
+    settleMissed(passed, MissedWhile::Asleep);
 }
 
-void Schedule::catchUp(QList<int> rows)
+void Schedule::settleMissed(QList<int> rows, MissedWhile when)
 {
     if (m_frozen)
         return;
     rows.removeIf([this](int row) { return row < 0 || row >= count() || row >= m_dates.size(); });
+    rows.removeIf([this](int row) { return hasFired(idAt(row), m_dates.at(row).toMSecsSinceEpoch()); });
     std::stable_sort(rows.begin(), rows.end(), [this](int a, int b) { return m_dates.at(a) < m_dates.at(b); });
     struct Due
     {
@@ -288,22 +308,48 @@ void Schedule::catchUp(QList<int> rows)
     QList<Due> due;
     const qint64 nowMSecs = m_clock.nowMSecs();
     const qint64 period = repeatMSecs();
-    rows.removeIf([this](int row) { return hasFired(idAt(row), m_dates.at(row).toMSecsSinceEpoch()); });
+    const bool byDefault = m_preferences.boolValue(Keys::OpenMissedItems);
     for (int row : std::as_const(rows)) {
-        due.append({ m_paths.at(row), m_dates.at(row), idAt(row) });
-        m_lastFired.insert(idAt(row), m_dates.at(row).toMSecsSinceEpoch());
-        // Once, not once per period missed: the series goes on from its next time after now.
-        if (period > 0) {
-            const qint64 due = m_dates.at(row).toMSecsSinceEpoch();
-            const qint64 periods = nowMSecs >= due ? (nowMSecs - due) / period + 1 : 0;
-            m_dates[row] = QDateTime::fromMSecsSinceEpoch(due + periods * period, Qt::UTC);
+        const QDateTime date = m_dates.at(row);
+        const MissedPolicy &policy = repeatAt(row).missed;
+        const bool opens = policy.opens(date.secsTo(QDateTime::fromMSecsSinceEpoch(nowMSecs, Qt::UTC)), byDefault);
+        Q_EMIT missed(m_paths.at(row), date, when, !opens && policy.kind != MissedPolicy::Kind::Default);
+        if (opens) {
+            due.append({ m_paths.at(row), date, idAt(row) });
+            m_lastFired.insert(idAt(row), date.toMSecsSinceEpoch());
+        }
+        if (repeatAt(row).hasRule()) {
+            advanceRuled(row, nowMSecs);
+        } else if (opens && period > 0) {
+            // Once, not once per period missed: the series goes on from its next time after now.
+            const qint64 dueMSecs = date.toMSecsSinceEpoch();
+            const qint64 periods = nowMSecs >= dueMSecs ? (nowMSecs - dueMSecs) / period + 1 : 0;
+            m_dates[row] = QDateTime::fromMSecsSinceEpoch(dueMSecs + periods * period, Qt::UTC);
         }
     }
     if (m_timersRunning)
         restartTimers();
-    for (const Due &item : std::as_const(due)) {
+    else
+        startTimers(true);
+    for (const Due &item : std::as_const(due))
         Q_EMIT caughtUp(item.path, item.date, item.item);
+}
+
+void Schedule::followSystemZone()
+{
+    const QDateTime now = this->now();
+    bool moved = false;
+    for (qsizetype row = 0; row < m_dates.size() && row < m_ids.size(); ++row) {
+        const Repeat &repeat = repeatAt(int(row));
+        if (!repeat.hasRule() || !repeat.zoneId().isEmpty() || m_dates.at(row) <= now)
+            continue;
+        if (const std::optional<QDateTime> next = repeat.nextAfter(now); next && *next != m_dates.at(row)) {
+            m_dates[row] = *next;
+            moved = true;
+        }
     }
+    if (moved)
+        Q_EMIT reloadTable();
 }
 
 qint64 Schedule::repeatMSecs() const

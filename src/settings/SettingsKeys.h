@@ -9,6 +9,8 @@ namespace Quillon::Keys {
 inline constexpr QLatin1StringView Items("Items");
 inline constexpr QLatin1StringView Dates("Dates");
 inline constexpr QLatin1StringView TimersRunning("TimersRunning");
+// Each saved item's own rule and missed policy (iCalendar lines), or an empty text.
+inline constexpr QLatin1StringView Repeats("Repeats");
 inline constexpr QLatin1StringView RememberItems("rememberItems");
 inline constexpr QLatin1StringView AddFolderFiles("addFolderFiles");
 inline constexpr QLatin1StringView AddFolderFilesRecursively("addFolderFilesRecursively");
@@ -42,10 +44,10 @@ inline constexpr QLatin1StringView HistorySeen("history/seenUpTo");
 // Whether a key is one of ours: a file that could not be read whole is saved anew with these only.
 inline bool isKnown(QStringView key)
 {
-    for (QLatin1StringView known :
-        { Items, Dates, TimersRunning, RememberItems, AddFolderFiles, AddFolderFilesRecursively, RepeatSeconds, TimeUnit, QuitWhenDone, ConfirmLaunchAll,
-            ScriptTimeLimit, OpenMissedItems, NotifyProblems, NotifyEveryLaunch, SendEmail, EmailScriptResults, RecipientEmail, RecipientName, ServerAddress,
-            ServerPort, SelectedAuthentication, UseSSL, LoginUsername, LoginPassword, WindowGeometry, TableHeader, ChooserFolder, HistorySeen }) {
+    for (QLatin1StringView known : { Items, Dates, TimersRunning, Repeats, RememberItems, AddFolderFiles, AddFolderFilesRecursively, RepeatSeconds, TimeUnit,
+             QuitWhenDone, ConfirmLaunchAll, ScriptTimeLimit, OpenMissedItems, NotifyProblems, NotifyEveryLaunch, SendEmail, EmailScriptResults, RecipientEmail,
+             RecipientName, ServerAddress, ServerPort, SelectedAuthentication, UseSSL, LoginUsername, LoginPassword, WindowGeometry, TableHeader, ChooserFolder,
+             HistorySeen }) {
         if (key == known)
             return true;
     }
