@@ -67,7 +67,11 @@ private Q_SLOTS:
         const QList<QDateTime> dates { at(100).toUTC(), at(200).toUTC(), at(-300).toUTC() };
         {
             auto s = makeSchedule();
-            ScheduleEditor(*s, m_prefs).add(paths, dates);
+            ScheduleEditor editor(*s, m_prefs);
+            editor.add(paths, dates);
+            // Each rule belongs to its own item, wherever the items around it went.
+            QCOMPARE(editor.setRepeat({ 0 }, *Repeat::fromRule(QStringLiteral("daily"))), QString());
+            QCOMPARE(editor.setRepeat({ 1 }, *Repeat::fromRule(QStringLiteral("weekly"))), QString());
             s->startTimers(true);
             if (deleteMiddle)
                 QVERIFY(QFile::remove(paths[1]));
@@ -86,6 +90,9 @@ private Q_SLOTS:
             kept << paths[r];
         QCOMPARE(s->paths(), kept);
         QCOMPARE(s->dates(), dates);
+        const QStringList rules { QStringLiteral("FREQ=DAILY"), QStringLiteral("FREQ=WEEKLY"), QString() };
+        for (int row = 0; row < rows.size(); ++row)
+            QCOMPARE(s->repeatAt(row).rule(), rules.at(rows.at(row)));
         QCOMPARE(s->timersRemaining(), armed);
         QCOMPARE(s->timersRunning(), armed > 0);
         QCOMPARE(running.last().first().toBool(), armed > 0);

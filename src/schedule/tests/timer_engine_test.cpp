@@ -201,6 +201,58 @@ private Q_SLOTS:
         QCOMPARE(m_launched.size(), 3);
     }
 
+    // An item's own rule: a late firing opens once and moves on; COUNT ends it; a missed moment
+    // follows the item's policy. The global period does not apply to it.
+    void ruledItems_data()
+    {
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QString>("missed");
+        QTest::addColumn<bool>("asleep");
+        QTest::addColumn<qint64>("lateSecs");
+        QTest::addColumn<int>("launches");
+        QTest::addColumn<bool>("running");
+        QTest::newRow("an hour late, opened once") << "FREQ=MINUTELY;INTERVAL=10"
+                                                   << "default" << false << qint64(3600) << 1 << true;
+        QTest::newRow("COUNT reached: done") << "FREQ=MINUTELY;COUNT=1"
+                                             << "default" << false << qint64(0) << 1 << false;
+        QTest::newRow("asleep, skipped") << "FREQ=DAILY"
+                                         << "skip" << true << qint64(7200) << 0 << true;
+        QTest::newRow("asleep, opened once") << "FREQ=DAILY"
+                                             << "once" << true << qint64(7200) << 1 << true;
+        QTest::newRow("asleep, too late") << "FREQ=DAILY"
+                                          << "within 1h" << true << qint64(7200) << 0 << true;
+        QTest::newRow("asleep, late enough") << "FREQ=DAILY"
+                                             << "within 1h" << true << qint64(1800) << 1 << true;
+    }
+    void ruledItems()
+    {
+        QFETCH(QString, rule);
+        QFETCH(QString, missed);
+        QFETCH(bool, asleep);
+        QFETCH(qint64, lateSecs);
+        QFETCH(int, launches);
+        QFETCH(bool, running);
+        m_prefs.setValue(Keys::RepeatSeconds, 60);
+        add({ { "r", 60 } });
+        Repeat repeat = *Repeat::fromRule(rule);
+        QVERIFY(repeat.setZoneId("UTC"));
+        repeat.missed = *MissedPolicy::parse(missed);
+        QCOMPARE(m_editor->setRepeat({ 0 }, repeat), QString());
+        QCOMPARE(m_schedule->dates()[0], at(60)); // the row's date is the rule's start
+        QSignalSpy told(m_schedule.get(), &Schedule::missed);
+        m_schedule->startStopButtonClicked();
+        const qint64 ms = (60 + lateSecs) * 1000;
+        asleep ? m_clock->suspend(ms) : m_clock->advance(ms);
+        QTest::qWait(20);
+        QCOMPARE(m_launched.size(), launches);
+        QCOMPARE(m_schedule->timersRunning(), running);
+        QCOMPARE(told.size(), asleep ? 1 : 0);
+        if (asleep)
+            QCOMPARE(told.first().at(3).toBool(), launches == 0);
+        if (running)
+            QCOMPARE(m_schedule->dates()[0], *m_schedule->repeatAt(0).nextAfter(m_schedule->now()));
+    }
+
     // Set forward past a far date: it fires at once. Set back by an hour: the item waits the hour too.
     void wallClockChanges_data()
     {
