@@ -4,6 +4,7 @@
 #include "Log.h"
 #include "MediumDateFormat.h"
 #include "Preferences.h"
+#include "Repeat.h"
 #include "SavedList.h"
 #include "ScriptingService.h"
 #include "quillon_proxy.h"
@@ -20,6 +21,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QSaveFile>
 #include <QThread>
 
 #include <cstdio>
@@ -27,7 +29,7 @@
 namespace Quillon {
 namespace {
 const QStringList Verbs { QStringLiteral("add"), QStringLiteral("list"), QStringLiteral("remove"), QStringLiteral("start"), QStringLiteral("stop"),
-    QStringLiteral("launch-all") };
+    QStringLiteral("launch-all"), QStringLiteral("repeat"), QStringLiteral("upcoming"), QStringLiteral("export"), QStringLiteral("import") };
 
 void say(FILE *to, const QString &text)
 {
@@ -161,6 +163,39 @@ int printList(const ListedItems &items, bool json, bool running, const ListedOut
     return CommandLine::Done;
 }
 
+int listedCount(QuillonProxy &quillon)
+{
+    QDBusPendingReply<ListedItems> listed = quillon.List();
+    listed.waitForFinished();
+    return listed.isError() ? 0 : int(listed.value().size());
+}
+
+int printUpcoming(QuillonProxy &quillon, const QList<int> &rows, int count, bool json)
+{
+    QDBusPendingReply<UpcomingMoments> reply = quillon.Upcoming(rows, count);
+    int status = CommandLine::Done;
+    if (!answered(reply, status))
+        return status;
+    const UpcomingMoments moments = reply.value();
+    if (json) {
+        QJsonArray array;
+        for (const UpcomingMoment &moment : moments) {
+            const QDateTime date = QDateTime::fromSecsSinceEpoch(moment.date);
+            array.append(QJsonObject { { QStringLiteral("row"), moment.row + 1 }, { QStringLiteral("date"), moment.date },
+                { QStringLiteral("dateText"), date.toOffsetFromUtc(date.offsetFromUtc()).toString(Qt::ISODate) } });
+        }
+        std::fputs(QJsonDocument(array).toJson(QJsonDocument::Indented).constData(), stdout);
+        return status;
+    }
+    if (moments.isEmpty())
+        say(stdout, CommandLine::tr("Nothing is to open."));
+    for (const UpcomingMoment &moment : moments)
+        say(stdout, QStringLiteral("%1  %2").arg(moment.row + 1).arg(formatMediumDateTime(QDateTime::fromSecsSinceEpoch(moment.date))));
+    if (!quillon.running())
+        say(stderr, CommandLine::tr("The schedule is stopped: nothing opens until it is started (quillon start)."));
+    return status;
+}
+
 // Rows as list shows them, from 1; the bus counts from 0.
 std::optional<QList<int>> rowsFrom(const QStringList &words)
 {
@@ -184,14 +219,22 @@ bool CommandLine::isVerb(const QString &word)
 QString CommandLine::help()
 {
     return tr("Commands (each talks to the running Quillon; add and start start one when none runs):\n"
-              "  add FILE… --at TIME [--start]\n"
+              "  add FILE… --at TIME [--start] [--repeat NAME | --rrule RULE] [--missed POLICY]\n"
               "                        Schedule files or folders;      quillon add ~/notes.txt --at \"tomorrow 07:00\" --start\n"
-              "                        --start starts the schedule.\n"
+              "                        --start starts the schedule.    quillon add ~/news.sh --at 07:00 --repeat weekdays\n"
               "  list [--json]         Show the list, rows from 1.     quillon list --json\n"
               "  remove ROW…           Remove rows as list shows them. quillon remove 2 3\n"
               "  start                 Start the schedule.             quillon start\n"
               "  stop                  Stop the schedule.              quillon stop\n"
               "  launch-all            Open every item now.            quillon launch-all\n"
+              "  repeat ROW… RULE|--none\n"
+              "                        Give rows a rule, or none.      quillon repeat 2 \"FREQ=MONTHLY;BYDAY=2MO\"\n"
+              "  upcoming [ROW…] [--count N] [--json]\n"
+              "                        The next moments, in order.     quillon upcoming 1 --count 5\n"
+              "  export FILE.ics       The list as iCalendar.          quillon export ~/schedule.ics\n"
+              "  import FILE.ics       Add a calendar's events.        quillon import ~/schedule.ics\n"
+              "NAME: daily, weekdays, weekends, weekly, monthly, last-day, yearly, hourly. RULE: an iCalendar RRULE.\n"
+              "POLICY (when the computer slept or Quillon was off): skip, once, within 1h (or 30m, 2d).\n"
               "TIME: \"2026-12-01 07:00\" (local time), ISO 8601 with an offset, +10m, +2h, +1d, 07:00, tomorrow 07:00.\n"
               "Exit status: 0 done, 1 refused (the reason is on standard error), 2 wrong use.\n");
 }
@@ -203,16 +246,25 @@ int CommandLine::run(const QStringList &arguments)
     const QCommandLineOption at(QStringLiteral("at"), tr("When to open the files."), QStringLiteral("TIME"));
     const QCommandLineOption json(QStringLiteral("json"), tr("Print the list as JSON."));
     const QCommandLineOption startToo(QStringLiteral("start"), tr("Start the schedule too, if it is stopped."));
-    if (verb == QLatin1String("add")) {
-        parser.addOption(at);
-        parser.addOption(startToo);
-    }
+    const QCommandLineOption repeatName(QStringLiteral("repeat"), tr("Repeat by a common rule."), QStringLiteral("NAME"));
+    const QCommandLineOption rrule(QStringLiteral("rrule"), tr("Repeat by an iCalendar rule."), QStringLiteral("RULE"));
+    const QCommandLineOption missedOption(QStringLiteral("missed"), tr("What to do when a time passed unseen."), QStringLiteral("POLICY"));
+    const QCommandLineOption none(QStringLiteral("none"), tr("Take the rule away."));
+    const QCommandLineOption count(QStringLiteral("count"), tr("How many moments to show."), QStringLiteral("N"), QStringLiteral("10"));
+    if (verb == QLatin1String("add"))
+        parser.addOptions({ at, startToo, repeatName, rrule, missedOption });
     if (verb == QLatin1String("list"))
         parser.addOption(json);
+    if (verb == QLatin1String("repeat"))
+        parser.addOption(none);
+    if (verb == QLatin1String("upcoming"))
+        parser.addOptions({ json, count });
     if (!parser.parse(arguments.mid(1)))
         return usage(verb, parser.errorText());
     const QStringList words = parser.positionalArguments();
-    if (verb != QLatin1String("add") && verb != QLatin1String("remove") && !words.isEmpty())
+    const QStringList takesWords { QStringLiteral("add"), QStringLiteral("remove"), QStringLiteral("repeat"), QStringLiteral("upcoming"),
+        QStringLiteral("export"), QStringLiteral("import") };
+    if (!takesWords.contains(verb) && !words.isEmpty())
         return usage(verb, tr("unexpected argument '%1'").arg(words.first()));
 
     qRegisterMetaType<ListedItem>();
@@ -220,11 +272,47 @@ int CommandLine::run(const QStringList &arguments)
     qDBusRegisterMetaType<ListedItems>();
     qDBusRegisterMetaType<ListedOutcome>();
     qDBusRegisterMetaType<ListedOutcomes>();
+    qDBusRegisterMetaType<UpcomingMoment>();
+    qDBusRegisterMetaType<UpcomingMoments>();
     const QDBusConnection bus = QDBusConnection::sessionBus();
 
     std::optional<QDateTime> when;
     QStringList paths;
     QList<int> rows;
+    // Read here, so that a rule that will be refused adds nothing.
+    QString rule;
+    std::optional<MissedPolicy> missed;
+    if (verb == QLatin1String("add") || verb == QLatin1String("repeat")) {
+        if (parser.isSet(repeatName) && parser.isSet(rrule))
+            return usage(verb, tr("give --repeat or --rrule, not both"));
+        QStringList rest = words;
+        rule = parser.isSet(repeatName) ? parser.value(repeatName) : parser.value(rrule);
+        if (verb == QLatin1String("repeat") && !parser.isSet(none)) {
+            if (rest.size() < 2)
+                return usage(verb, tr("give the rows and a rule, or the rows and --none"));
+            rule = rest.takeLast();
+        }
+        QString why;
+        if (!rule.isEmpty() && !Repeat::fromRule(rule, &why))
+            return refused(tr("the rule is refused: %1").arg(why));
+        if (parser.isSet(missedOption) && !(missed = MissedPolicy::parse(parser.value(missedOption), &why)))
+            return refused(tr("the policy is refused: %1").arg(why));
+        if (verb == QLatin1String("repeat")) {
+            const std::optional<QList<int>> given = rowsFrom(rest);
+            if (!given || given->isEmpty())
+                return usage(verb, tr("give the rows as numbers from 1, as list shows them"));
+            rows = *given;
+        }
+    }
+    if (verb == QLatin1String("upcoming")) {
+        const std::optional<QList<int>> given = rowsFrom(words);
+        bool ok = false;
+        if (!given || parser.value(count).toInt(&ok) < 1 || !ok)
+            return usage(verb, tr("give rows as numbers from 1 and --count as a number from 1"));
+        rows = *given;
+    }
+    if ((verb == QLatin1String("export") || verb == QLatin1String("import")) && words.size() != 1)
+        return usage(verb, tr("give one file"));
     if (verb == QLatin1String("add")) {
         if (words.isEmpty())
             return usage(verb, tr("no file given"));
@@ -257,7 +345,7 @@ int CommandLine::run(const QStringList &arguments)
         }
         if (!bus.isConnected())
             return refused(tr("there is no session bus to reach Quillon on"));
-        if (verb != QLatin1String("add") && verb != QLatin1String("start"))
+        if (verb != QLatin1String("add") && verb != QLatin1String("start") && verb != QLatin1String("import"))
             return refused(tr("Quillon is not running"));
         if (!startInstance(bus))
             return refused(tr("Quillon could not be started"));
@@ -287,11 +375,54 @@ int CommandLine::run(const QStringList &arguments)
         answered(removed, status);
         return status;
     }
+    if (verb == QLatin1String("repeat")) {
+        QDBusPendingReply<> set = quillon->SetRepeat(rows, rule);
+        answered(set, status);
+        return status;
+    }
+    if (verb == QLatin1String("upcoming"))
+        return printUpcoming(*quillon, rows, parser.value(count).toInt(), parser.isSet(json));
+    if (verb == QLatin1String("export")) {
+        QDBusPendingReply<QString> text = quillon->ExportCalendar();
+        if (!answered(text, status))
+            return status;
+        QSaveFile file(words.first());
+        if (!file.open(QIODevice::WriteOnly) || file.write(text.value().toUtf8()) < 0 || !file.commit())
+            return refused(tr("could not write %1: %2").arg(words.first(), file.errorString()));
+        return Done;
+    }
+    if (verb == QLatin1String("import")) {
+        QFile file(words.first());
+        if (!file.open(QIODevice::ReadOnly))
+            return refused(tr("could not read %1: %2").arg(words.first(), file.errorString()));
+        QDBusPendingReply<int, QStringList> imported = quillon->ImportCalendar(QString::fromUtf8(file.readAll()));
+        if (!answered(imported, status))
+            return status;
+        say(stdout, tr("%n item(s) added.", nullptr, imported.argumentAt<0>()));
+        for (const QString &problem : imported.argumentAt<1>())
+            say(stderr, tr("not used: %1").arg(problem));
+        return imported.argumentAt<1>().isEmpty() ? Done : Refused;
+    }
     if (verb == QLatin1String("add")) {
+        // The rows the new items get are the list's last ones, to which the rule then goes.
+        const int before = rule.isEmpty() && !missed ? 0 : listedCount(*quillon);
         QDBusPendingReply<int> added = quillon->Add(paths, when->toSecsSinceEpoch());
         if (!answered(added, status))
             return status;
         say(stdout, tr("%n item(s) added.", nullptr, added.value()));
+        QList<int> newRows;
+        for (int row = before; row < before + added.value(); ++row)
+            newRows << row;
+        if (!rule.isEmpty()) {
+            QDBusPendingReply<> set = quillon->SetRepeat(newRows, rule);
+            if (!answered(set, status))
+                return status;
+        }
+        if (missed) {
+            QDBusPendingReply<> set = quillon->SetMissed(newRows, missed->toString());
+            if (!answered(set, status))
+                return status;
+        }
         if (!quillon->running()) {
             if (!parser.isSet(startToo)) {
                 say(stderr,

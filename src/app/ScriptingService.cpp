@@ -33,6 +33,22 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item)
     return argument;
 }
 
+QDBusArgument &operator<<(QDBusArgument &argument, const UpcomingMoment &moment)
+{
+    argument.beginStructure();
+    argument << moment.row << moment.date;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, UpcomingMoment &moment)
+{
+    argument.beginStructure();
+    argument >> moment.row >> moment.date;
+    argument.endStructure();
+    return argument;
+}
+
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedOutcome &outcome)
 {
     argument.beginStructure();
@@ -58,6 +74,8 @@ ScriptingService::ScriptingService(ScheduleEditor &editor, Launcher &launcher, Q
     qDBusRegisterMetaType<ListedItems>();
     qDBusRegisterMetaType<ListedOutcome>();
     qDBusRegisterMetaType<ListedOutcomes>();
+    qDBusRegisterMetaType<UpcomingMoment>();
+    qDBusRegisterMetaType<UpcomingMoments>();
     Schedule &schedule = editor.schedule();
     connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
     connect(
@@ -264,6 +282,67 @@ void ScriptingService::SetDate(const QList<int> &rows, qint64 date)
 {
     if (checkNotQuitting() && checkRows(rows, QStringLiteral("SetDate")) && checkDate(date))
         m_editor.setDate(rows, QDateTime::fromSecsSinceEpoch(date));
+}
+
+void ScriptingService::SetRepeat(const QList<int> &rows, const QString &rule)
+{
+    if (!checkNotQuitting() || !checkRows(rows, QStringLiteral("SetRepeat")))
+        return;
+    QString why;
+    const std::optional<Repeat> repeat = rule.trimmed().isEmpty() ? Repeat() : Repeat::fromRule(rule, &why);
+    if (!repeat) {
+        refuse(tr("The rule is refused: %1.").arg(why));
+        return;
+    }
+    if (const QString problem = m_editor.setRepeat(rows, *repeat); !problem.isEmpty())
+        refuse(tr("The rule is refused: %1.").arg(problem));
+}
+
+void ScriptingService::SetMissed(const QList<int> &rows, const QString &policy)
+{
+    if (!checkNotQuitting() || !checkRows(rows, QStringLiteral("SetMissed")))
+        return;
+    QString why;
+    if (const std::optional<MissedPolicy> missed = MissedPolicy::parse(policy, &why))
+        m_editor.setMissed(rows, *missed);
+    else
+        refuse(tr("The policy is refused: %1.").arg(why));
+}
+
+UpcomingMoments ScriptingService::Upcoming(const QList<int> &rows, int count)
+{
+    constexpr int MostMoments = 100'000;
+    const Schedule &schedule = m_editor.schedule();
+    if ((!rows.isEmpty() && !checkRows(rows, QStringLiteral("Upcoming"))) || count < 1 || count > MostMoments) {
+        if (count < 1 || count > MostMoments)
+            refuse(tr("The count %1 is out of range: from 1 to %2.").arg(count).arg(MostMoments));
+        return {};
+    }
+    QList<int> asked = rows;
+    if (asked.isEmpty()) {
+        for (int row = 0; row < schedule.count(); ++row)
+            asked << row;
+    }
+    UpcomingMoments moments;
+    for (int row : std::as_const(asked)) {
+        for (const QDateTime &date : schedule.upcoming(row, count))
+            moments.append({ row, date.toSecsSinceEpoch() });
+    }
+    std::stable_sort(moments.begin(), moments.end(), [](const UpcomingMoment &a, const UpcomingMoment &b) { return a.date < b.date; });
+    moments.resize(std::min<qsizetype>(moments.size(), count));
+    return moments;
+}
+
+QString ScriptingService::ExportCalendar()
+{
+    return QString::fromUtf8(m_editor.exportCalendar());
+}
+
+int ScriptingService::ImportCalendar(const QString &text, QStringList &problems)
+{
+    if (!checkNotQuitting())
+        return 0;
+    return m_editor.importCalendar(text.toUtf8(), problems);
 }
 
 void ScriptingService::Start()

@@ -13,6 +13,7 @@
 namespace Quillon {
 
 class Launcher;
+
 class ScheduleEditor;
 
 // One row as List() gives it: a(sxb).
@@ -32,6 +33,16 @@ struct ListedOutcome
 };
 using ListedOutcomes = QList<ListedOutcome>;
 
+// One moment an item is to open, as Upcoming() gives it: a(ix).
+struct UpcomingMoment
+{
+    int row = 0;
+    qint64 date = 0;
+};
+using UpcomingMoments = QList<UpcomingMoment>;
+
+QDBusArgument &operator<<(QDBusArgument &argument, const UpcomingMoment &moment);
+const QDBusArgument &operator>>(const QDBusArgument &argument, UpcomingMoment &moment);
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedItem &item);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ListedItem &item);
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedOutcome &outcome);
@@ -67,6 +78,16 @@ public Q_SLOTS:
     Q_SCRIPTABLE Quillon::ListedOutcomes Outcomes();
     Q_SCRIPTABLE void Remove(const QList<int> &rows);
     Q_SCRIPTABLE void SetDate(const QList<int> &rows, qint64 date);
+    // An iCalendar RRULE ("FREQ=WEEKLY;BYDAY=MO"), a friendly name ("weekdays") or iCalendar
+    // lines with DTSTART and EXDATE; an empty rule takes the rows' rule away.
+    Q_SCRIPTABLE void SetRepeat(const QList<int> &rows, const QString &rule);
+    // "default", "skip", "once" or "within 1h".
+    Q_SCRIPTABLE void SetMissed(const QList<int> &rows, const QString &policy);
+    // The next count moments of these rows (every row when none is given), in order.
+    Q_SCRIPTABLE Quillon::UpcomingMoments Upcoming(const QList<int> &rows, int count);
+    Q_SCRIPTABLE QString ExportCalendar();
+    // Adds the file's events as items, in one edit; problems says what could not be used.
+    Q_SCRIPTABLE int ImportCalendar(const QString &text, QStringList &problems);
     Q_SCRIPTABLE void Start();
     Q_SCRIPTABLE void Stop();
     Q_SCRIPTABLE void LaunchAllNow();
@@ -110,3 +131,4 @@ private:
 
 Q_DECLARE_METATYPE(Quillon::ListedItem)
 Q_DECLARE_METATYPE(Quillon::ListedOutcome)
+Q_DECLARE_METATYPE(Quillon::UpcomingMoment)

@@ -316,6 +316,12 @@ std::optional<QDateTime> Repeat::nextAfter(const QDateTime &after) const
     return std::nullopt;
 }
 
+std::optional<QDateTime> Repeat::firstAfter(const QDateTime &now) const
+{
+    const QDateTime from = start();
+    return nextAfter(from.isValid() && from > now ? from.addMSecs(-1) : now);
+}
+
 QList<QDateTime> Repeat::upcoming(const QDateTime &after, int count) const
 {
     QList<QDateTime> out;

@@ -74,6 +74,8 @@ public:
 
     // The first moment of the rule strictly after this one; none when the rule has ended.
     std::optional<QDateTime> nextAfter(const QDateTime &after) const;
+    // Its first moment at or after the start that is also after now: where a new rule begins.
+    std::optional<QDateTime> firstAfter(const QDateTime &now) const;
     QList<QDateTime> upcoming(const QDateTime &after, int count) const;
     // "Weekdays at 07:00", "Every month on the last day at 07:00", ...
     QString describe() const;

@@ -182,13 +182,6 @@ const Repeat &Schedule::repeatAt(int row) const
     return found == m_repeats.cend() ? none : *found;
 }
 
-std::optional<QDateTime> Schedule::firstOf(const Repeat &repeat) const
-{
-    const QDateTime start = repeat.start();
-    const QDateTime now = this->now();
-    return repeat.nextAfter(start.isValid() && start > now ? start.addMSecs(-1) : now);
-}
-
 QList<Schedule::Timing> Schedule::setDates(const QList<int> &rows, const QList<QDateTime> &dates)
 {
     QList<Timing> timings;
@@ -198,7 +191,7 @@ QList<Schedule::Timing> Schedule::setDates(const QList<int> &rows, const QList<Q
         // A rule counts from the date the user gave: the item then runs at its first moment.
         if (timing.repeat.hasRule()) {
             timing.repeat.anchorAt(timing.date);
-            timing.date = firstOf(timing.repeat).value_or(timing.date);
+            timing.date = timing.repeat.firstAfter(now()).value_or(timing.date);
         }
         timings.append(std::move(timing));
     }

@@ -65,6 +65,9 @@ public:
     // The first restored row whose date may be another item's, or -1 (see SavedList).
     int restoreItems();
 
+    // The row's next moments from now on, by its rule or the repeat period: what it will do if
+    // the schedule runs.
+    QList<QDateTime> upcoming(int row, int count) const;
     // Whether Start would arm anything: a row with a moment ahead that it has not fired at.
     bool hasItemAhead() const;
     void startTimers(bool quiet);
@@ -149,8 +152,7 @@ private:
     // schedule re-arms at once.
     QList<Timing> setDates(const QList<int> &rows, const QList<QDateTime> &dates);
     QList<Timing> setTimings(const QList<int> &rows, const QList<Timing> &timings);
-    // The first moment of a row's rule after now (and at or after its start), if it has one.
-    std::optional<QDateTime> firstOf(const Repeat &repeat) const;
+
     // Around a change that is not one block: the views keep their selection by row identity.
     void beginReset();
     void endReset();

@@ -1,6 +1,7 @@
 #include "ScheduleEditor.h"
 
 #include "FolderExpansion.h"
+#include "ICalendar.h"
 #include "Preferences.h"
 
 #include <QCoreApplication>
@@ -162,9 +163,9 @@ int ScheduleEditor::add(const QStringList &paths, const QDateTime &date)
     return insert(m_schedule.count(), paths, { date.isValid() ? date : m_schedule.now() }, Edit::Add);
 }
 
-int ScheduleEditor::add(const QStringList &paths, const QList<QDateTime> &dates)
+int ScheduleEditor::add(const QStringList &paths, const QList<QDateTime> &dates, const QList<Repeat> &repeats)
 {
-    return insert(m_schedule.count(), paths, dates, Edit::Add);
+    return insert(m_schedule.count(), paths, dates, Edit::Add, repeats);
 }
 
 int ScheduleEditor::drop(int index, const QStringList &paths)
@@ -172,7 +173,7 @@ int ScheduleEditor::drop(int index, const QStringList &paths)
     return insert(std::clamp(index, 0, m_schedule.count()), paths, { m_schedule.now() }, Edit::Drop);
 }
 
-int ScheduleEditor::insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind)
+int ScheduleEditor::insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind, const QList<Repeat> &repeats)
 {
     Schedule::Rows rows;
     for (qsizetype i = 0; i < paths.size(); ++i) {
@@ -180,6 +181,8 @@ int ScheduleEditor::insert(int index, QStringList paths, const QList<QDateTime> 
             continue;
         rows.paths.append(paths.at(i));
         rows.dates.append(dates.size() == 1 ? dates.first() : dates.value(i, m_schedule.now()));
+        if (!repeats.isEmpty())
+            rows.repeats.append(repeats.value(i));
     }
     const qsizetype n = rows.paths.size();
     if (n == 0)
@@ -245,20 +248,19 @@ void ScheduleEditor::setDate(QList<int> rows, const QDateTime &date)
         m_undo->push(new TimingCommand(m_schedule, Edit::DateChange, std::move(rows), std::move(ids), std::move(before)));
 }
 
-QString ScheduleEditor::setRepeat(QList<int> rows, const Repeat &repeat)
+QString ScheduleEditor::setRepeat(QList<int> rows, const Repeat &rule, std::optional<MissedPolicy> missed)
 {
     rows = datedRows(std::move(rows));
-    if (rows.isEmpty())
-        return {};
     QList<Schedule::Timing> timings;
     QList<quint64> ids;
     for (int row : std::as_const(rows)) {
-        Schedule::Timing timing { m_schedule.dates().at(row), repeat };
-        if (repeat.hasRule()) {
+        Schedule::Timing timing { m_schedule.dates().at(row), rule };
+        timing.repeat.missed = missed.value_or(m_schedule.repeatAt(row).missed);
+        if (rule.hasRule()) {
             // Without a start of its own, a rule counts from the row's date.
-            if (!repeat.hasStart())
+            if (!rule.hasStart())
                 timing.repeat.anchorAt(timing.date);
-            const std::optional<QDateTime> first = m_schedule.firstOf(timing.repeat);
+            const std::optional<QDateTime> first = timing.repeat.firstAfter(m_schedule.now());
             if (!first)
                 return tr("the rule has no time after now");
             timing.date = *first;
@@ -266,9 +268,52 @@ QString ScheduleEditor::setRepeat(QList<int> rows, const Repeat &repeat)
         timings.append(timing);
         ids.append(m_schedule.idAt(row));
     }
+    push(std::move(rows), std::move(ids), timings);
+    return {};
+}
+
+void ScheduleEditor::setMissed(QList<int> rows, const MissedPolicy &missed)
+{
+    rows = datedRows(std::move(rows));
+    QList<Schedule::Timing> timings;
+    QList<quint64> ids;
+    for (int row : std::as_const(rows)) {
+        timings.append({ m_schedule.dates().at(row), m_schedule.repeatAt(row) });
+        timings.last().repeat.missed = missed;
+        ids.append(m_schedule.idAt(row));
+    }
+    push(std::move(rows), std::move(ids), timings);
+}
+
+QByteArray ScheduleEditor::exportCalendar() const
+{
+    QList<ICalendar::Item> items;
+    for (int row = 0; row < m_schedule.count(); ++row)
+        items.append({ m_schedule.paths().at(row), m_schedule.dates().value(row), m_schedule.repeatAt(row) });
+    return ICalendar::write(items);
+}
+
+int ScheduleEditor::importCalendar(const QByteArray &text, QStringList &problems)
+{
+    const ICalendar::Read read = ICalendar::read(text, m_schedule.now());
+    problems = read.problems;
+    QStringList paths;
+    QList<QDateTime> dates;
+    QList<Repeat> repeats;
+    for (const ICalendar::Item &item : read.items) {
+        paths << item.path;
+        dates << item.date;
+        repeats << item.repeat;
+    }
+    return paths.isEmpty() ? 0 : add(paths, dates, repeats);
+}
+
+void ScheduleEditor::push(QList<int> rows, QList<quint64> ids, const QList<Schedule::Timing> &timings)
+{
+    if (rows.isEmpty())
+        return;
     QList<Schedule::Timing> before = m_schedule.setTimings(rows, timings);
     m_undo->push(new TimingCommand(m_schedule, Edit::RepeatChange, std::move(rows), std::move(ids), std::move(before)));
-    return {};
 }
 
 } // namespace Quillon

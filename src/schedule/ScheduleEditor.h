@@ -37,8 +37,8 @@ public:
     // Appends the paths as they are, with one launch date (now when none is given). Returns the
     // number of rows added.
     int add(const QStringList &paths, const QDateTime &date = {});
-    // Each path with its own date.
-    int add(const QStringList &paths, const QList<QDateTime> &dates);
+    // Each path with its own date, and its own rule when repeats has one for it.
+    int add(const QStringList &paths, const QList<QDateTime> &dates, const QList<Repeat> &repeats = {});
     // Inserted at index as a drop there does, dated now.
     int drop(int index, const QStringList &paths);
     void remove(const QList<int> &rows);
@@ -47,8 +47,14 @@ public:
     void move(int from, int to);
     void setDate(QList<int> rows, const QDateTime &date);
     // Gives these rows the rule (an empty one takes their rule away) and moves each to the rule's
-    // first moment ahead. Returns why it could not, changing nothing.
-    QString setRepeat(QList<int> rows, const Repeat &repeat);
+    // first moment ahead; each keeps its missed policy unless one is given. Returns why it could
+    // not, changing nothing.
+    QString setRepeat(QList<int> rows, const Repeat &rule, std::optional<MissedPolicy> missed = std::nullopt);
+    void setMissed(QList<int> rows, const MissedPolicy &missed);
+    // The list as an iCalendar file, and a file's events added as items in one edit; problems
+    // says what of it could not be used.
+    QByteArray exportCalendar() const;
+    int importCalendar(const QByteArray &text, QStringList &problems);
 
 private:
     class EditCommand;
@@ -56,7 +62,8 @@ private:
     class MoveCommand;
     class TimingCommand;
     QList<int> datedRows(QList<int> rows) const;
-    int insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind);
+    void push(QList<int> rows, QList<quint64> ids, const QList<Schedule::Timing> &timings);
+    int insert(int index, QStringList paths, const QList<QDateTime> &dates, Edit kind, const QList<Repeat> &repeats = {});
 
     Schedule &m_schedule;
     Preferences &m_preferences;

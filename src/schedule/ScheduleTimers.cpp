@@ -84,6 +84,31 @@ bool Schedule::hasItemAhead() const
     return false;
 }
 
+QList<QDateTime> Schedule::upcoming(int row, int count) const
+{
+    QList<QDateTime> moments;
+    if (row < 0 || row >= m_dates.size() || count < 1)
+        return moments;
+    const QDateTime now = this->now();
+    const Repeat &repeat = repeatAt(row);
+    QDateTime date = m_dates.at(row);
+    if (repeat.hasRule() && date <= now) {
+        const std::optional<QDateTime> next = repeat.nextAfter(now);
+        if (!next)
+            return moments;
+        date = *next;
+    }
+    if (date <= now || hasFired(idAt(row), date.toMSecsSinceEpoch()))
+        return moments;
+    moments << date;
+    if (repeat.hasRule())
+        return moments + repeat.upcoming(date, count - 1);
+    const qint64 period = repeatMSecs();
+    while (period > 0 && moments.size() < count)
+        moments << moments.last().addMSecs(period);
+    return moments;
+}
+
 void Schedule::advanceRuled(qsizetype row, qint64 nowMSecs)
 {
     const Repeat &repeat = repeatAt(int(row));

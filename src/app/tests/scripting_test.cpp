@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
@@ -116,6 +117,18 @@ private Q_SLOTS:
                                                                  << "de_DE.UTF-8";
         QTest::newRow("list writes it escaped") << QStringList { QStringLiteral("list") } << 0 << "forged\\n2  row.txt"
                                                 << "C";
+        // A rule that will be refused adds nothing.
+        QTest::newRow("add, a rule libical cannot read")
+            << QStringList { QStringLiteral("add"), file("a.txt"), QStringLiteral("--rrule"), QStringLiteral("FREQ=DAILY;BYDAY=XX") } + inAnHour << 1
+            << "“BYDAY=XX”"
+            << "C";
+        QTest::newRow("add, a policy that is not one")
+            << QStringList { QStringLiteral("add"), file("a.txt"), QStringLiteral("--missed"), QStringLiteral("sometimes") } + inAnHour << 1 << "sometimes"
+            << "C";
+        QTest::newRow("repeat, rows without a rule") << QStringList { QStringLiteral("repeat"), QStringLiteral("1") } << 2 << "--none"
+                                                     << "C";
+        QTest::newRow("import, not a calendar") << QStringList { QStringLiteral("import"), file("a.txt") } << 1 << "not an iCalendar file"
+                                                << "C";
     }
     void commandLineExitCodes()
     {
@@ -178,6 +191,13 @@ private Q_SLOTS:
         QTest::newRow("row out of range") << "Remove" << QVariantList { QVariant::fromValue(QList<int> { 0, 99 }) } << "out of range";
         QTest::newRow("no rows") << "SetDate" << QVariantList { QVariant::fromValue(QList<int> {}), later } << "at least one row";
         QTest::newRow("wrong types") << "Add" << QVariantList { QStringLiteral("/tmp"), later } << "";
+        QTest::newRow("a rule too frequent") << "SetRepeat" << QVariantList { QVariant::fromValue(QList<int> { 0 }), QStringLiteral("FREQ=SECONDLY") }
+                                             << "once a minute";
+        QTest::newRow("a rule that has ended") << "SetRepeat"
+                                               << QVariantList { QVariant::fromValue(QList<int> { 0 }), QStringLiteral("FREQ=DAILY;UNTIL=20000101T000000") }
+                                               << "no time after now";
+        QTest::newRow("no such policy") << "SetMissed" << QVariantList { QVariant::fromValue(QList<int> { 0 }), QStringLiteral("later") } << "skip, once";
+        QTest::newRow("no moments asked") << "Upcoming" << QVariantList { QVariant::fromValue(QList<int> {}), 0 } << "out of range";
     }
     void badCallsChangeNothing()
     {
@@ -197,6 +217,74 @@ private Q_SLOTS:
         QCOMPARE(after.size(), before.size());
         for (qsizetype i = 0; i < after.size(); ++i)
             QVERIFY(after.at(i).path == before.at(i).path && after.at(i).date == before.at(i).date);
+    }
+
+    // Weekdays at 07:00 and the second Monday, from the command line; the schedule exported and
+    // imported into an empty list gives the same items, rules, policies and moments.
+    void rulesExportAndImport()
+    {
+        ensureInstance();
+        QCOMPARE(cli({ QStringLiteral("stop") }).first, 0);
+        QList<int> all;
+        for (int row = 0; row < list().size(); ++row)
+            all << row;
+        if (!all.isEmpty())
+            QCOMPARE(call(QStringLiteral("Remove"), { QVariant::fromValue(all) }).type(), QDBusMessage::ReplyMessage);
+        QCOMPARE(cli({ QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("07:00"), QStringLiteral("--repeat"),
+                         QStringLiteral("weekdays"), QStringLiteral("--missed"), QStringLiteral("once") })
+                     .first,
+            0);
+        QCOMPARE(cli({ QStringLiteral("add"), file("b.txt"), QStringLiteral("--at"), QStringLiteral("tomorrow 08:30"), QStringLiteral("--rrule"),
+                         QStringLiteral("FREQ=MONTHLY;BYDAY=2MO") })
+                     .first,
+            0);
+        QCOMPARE(cli({ QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"), QStringLiteral("+1h") }).first, 0);
+        const auto upcoming = [this] {
+            const auto [code, out] = cli({ QStringLiteral("upcoming"), QStringLiteral("--count"), QStringLiteral("12"), QStringLiteral("--json") });
+            return code == 0 ? QJsonDocument::fromJson(out).array() : QJsonArray();
+        };
+        const QJsonArray moments = upcoming();
+        QCOMPARE(moments.size(), 12);
+        qint64 last = 0;
+        int weekdays = 0;
+        for (const QJsonValue &moment : moments) {
+            const qint64 secs = moment.toObject().value(QStringLiteral("date")).toInteger();
+            QVERIFY(secs >= last);
+            last = secs;
+            const QDateTime local = QDateTime::fromSecsSinceEpoch(secs);
+            if (moment.toObject().value(QStringLiteral("row")).toInt() == 1) {
+                QCOMPARE(local.time(), QTime(7, 0));
+                QVERIFY(local.date().dayOfWeek() <= 5);
+                ++weekdays;
+            }
+            if (moment.toObject().value(QStringLiteral("row")).toInt() == 2)
+                QCOMPARE(local.time(), QTime(8, 30));
+        }
+        QVERIFY(weekdays >= 9);
+
+        const QString ics = file("schedule.ics");
+        QCOMPARE(cli({ QStringLiteral("export"), ics }).first, 0);
+        const QString exported = readFile(ics);
+        QVERIFY(exported.contains(QStringLiteral("RRULE:FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR")));
+        QVERIFY(exported.contains(QStringLiteral("X-QUILLON-MISSED:once")));
+        const ListedItems before = list();
+        QCOMPARE(call(QStringLiteral("Remove"), { QVariant::fromValue(QList<int> { 0, 1, 2 }) }).type(), QDBusMessage::ReplyMessage);
+        QVERIFY(list().isEmpty());
+        const auto [code, out] = cli({ QStringLiteral("import"), ics });
+        QCOMPARE(code, 0);
+        QVERIFY2(out.contains("3 items added"), out.constData());
+        const ListedItems after = list();
+        QCOMPARE(after.size(), before.size());
+        for (qsizetype i = 0; i < after.size(); ++i)
+            QVERIFY(after.at(i).path == before.at(i).path && after.at(i).date == before.at(i).date);
+        QCOMPARE(upcoming(), moments);
+        const QString again = file("again.ics");
+        QCOMPARE(cli({ QStringLiteral("export"), again }).first, 0);
+        const auto withoutStamps = [](QString text) {
+            static const QRegularExpression stamps(QStringLiteral("(DTSTAMP|UID):[^\r\n]*"));
+            return text.remove(stamps);
+        };
+        QCOMPARE(withoutStamps(readFile(again)), withoutStamps(exported));
     }
 
     // The interface the package installs is the one the program exports.
@@ -320,6 +408,13 @@ private:
         QTRY_VERIFY_WITH_TIMEOUT(!m_bus->interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName)), 20'000);
         // The name goes before the process has written its list.
         QTRY_VERIFY_WITH_TIMEOUT(::kill(pid_t(pid.value()), 0) != 0, 20'000);
+    }
+    QDBusMessage call(const QString &method, const QVariantList &arguments)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath), QLatin1String(ScriptingService::InterfaceName), method);
+        message.setArguments(arguments);
+        return m_bus->call(message);
     }
     ListedItems list()
     {
