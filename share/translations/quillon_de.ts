@@ -4,17 +4,17 @@
 <context>
     <name>CommandLine</name>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="40"/>
+        <location filename="../../src/app/CommandLine.cpp" line="42"/>
         <source>quillon %1: %2 (try quillon --help)</source>
         <translation>quillon %1: %2 (siehe quillon --help)</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="99"/>
+        <location filename="../../src/app/CommandLine.cpp" line="101"/>
         <source>due</source>
         <translation>fällig</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="103"/>
+        <location filename="../../src/app/CommandLine.cpp" line="105"/>
         <source>%n hr(s)</source>
         <translation>
             <numerusform>%n Std.</numerusform>
@@ -22,7 +22,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="105"/>
+        <location filename="../../src/app/CommandLine.cpp" line="107"/>
         <source>%n min(s)</source>
         <translation>
             <numerusform>%n Min.</numerusform>
@@ -30,7 +30,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="107"/>
+        <location filename="../../src/app/CommandLine.cpp" line="109"/>
         <source>%n sec(s)</source>
         <translation>
             <numerusform>%n Sek.</numerusform>
@@ -38,150 +38,281 @@
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="129"/>
+        <location filename="../../src/app/CommandLine.cpp" line="131"/>
         <source>The list is empty.</source>
         <translation>Die Liste ist leer.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="134"/>
+        <location filename="../../src/app/CommandLine.cpp" line="136"/>
         <source>The schedule runs.</source>
         <translation>Der Zeitplan läuft.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="134"/>
+        <location filename="../../src/app/CommandLine.cpp" line="136"/>
+        <location filename="../../src/app/CommandLine.cpp" line="195"/>
         <source>The schedule is stopped: nothing opens until it is started (quillon start).</source>
         <translation>Der Zeitplan ist angehalten: nichts wird geöffnet, bis er gestartet wird (quillon start).</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="143"/>
+        <location filename="../../src/app/CommandLine.cpp" line="145"/>
         <source>could not open</source>
         <translation>nicht geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="145"/>
+        <location filename="../../src/app/CommandLine.cpp" line="147"/>
         <source>not started</source>
         <translation>nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="147"/>
+        <location filename="../../src/app/CommandLine.cpp" line="149"/>
         <source>opened late</source>
         <translation>verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="149"/>
+        <location filename="../../src/app/CommandLine.cpp" line="151"/>
         <source>opened</source>
         <translation>geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="149"/>
+        <location filename="../../src/app/CommandLine.cpp" line="151"/>
         <source>not armed</source>
         <translation>nicht gestellt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="186"/>
+        <location filename="../../src/app/CommandLine.cpp" line="191"/>
+        <source>Nothing is to open.</source>
+        <translation>Nichts ist zu öffnen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="221"/>
         <source>Commands (each talks to the running Quillon; add and start start one when none runs):
-  add FILE… --at TIME [--start]
+  add FILE… --at TIME [--start] [--repeat NAME | --rrule RULE] [--missed POLICY]
                         Schedule files or folders;      quillon add ~/notes.txt --at &quot;tomorrow 07:00&quot; --start
-                        --start starts the schedule.
+                        --start starts the schedule.    quillon add ~/news.sh --at 07:00 --repeat weekdays
   list [--json]         Show the list, rows from 1.     quillon list --json
   remove ROW…           Remove rows as list shows them. quillon remove 2 3
   start                 Start the schedule.             quillon start
   stop                  Stop the schedule.              quillon stop
   launch-all            Open every item now.            quillon launch-all
+  repeat ROW… RULE|--none
+                        Give rows a rule, or none.      quillon repeat 2 &quot;FREQ=MONTHLY;BYDAY=2MO&quot;
+  upcoming [ROW…] [--count N] [--json]
+                        The next moments, in order.     quillon upcoming 1 --count 5
+  export FILE.ics       The list as iCalendar.          quillon export ~/schedule.ics
+  import FILE.ics       Add a calendar&apos;s events.        quillon import ~/schedule.ics
+NAME: daily, weekdays, weekends, weekly, monthly, last-day, yearly, hourly. RULE: an iCalendar RRULE.
+POLICY (when the computer slept or Quillon was off): skip, once, within 1h (or 30m, 2d).
 TIME: &quot;2026-12-01 07:00&quot; (local time), ISO 8601 with an offset, +10m, +2h, +1d, 07:00, tomorrow 07:00.
 Exit status: 0 done, 1 refused (the reason is on standard error), 2 wrong use.
 </source>
         <translation>Befehle (jeder spricht mit dem laufenden Quillon; add und start starten eines, wenn keines läuft):
-  add DATEI… --at ZEIT [--start]
+  add DATEI… --at ZEIT [--start] [--repeat NAME | --rrule REGEL] [--missed VORGABE]
                         Dateien oder Ordner planen;         quillon add ~/notizen.txt --at &quot;tomorrow 07:00&quot; --start
-                        --start startet den Zeitplan.
+                        --start startet den Zeitplan.       quillon add ~/news.sh --at 07:00 --repeat weekdays
   list [--json]         Die Liste zeigen, Zeilen ab 1.      quillon list --json
   remove ZEILE…         Zeilen entfernen, wie list sie zeigt. quillon remove 2 3
   start                 Den Zeitplan starten.               quillon start
   stop                  Den Zeitplan anhalten.              quillon stop
   launch-all            Alle Objekte jetzt öffnen.          quillon launch-all
+  repeat ZEILE… REGEL|--none
+                        Zeilen eine Regel geben oder keine. quillon repeat 2 &quot;FREQ=MONTHLY;BYDAY=2MO&quot;
+  upcoming [ZEILE…] [--count N] [--json]
+                        Die nächsten Zeitpunkte, geordnet.  quillon upcoming 1 --count 5
+  export DATEI.ics      Die Liste als iCalendar.            quillon export ~/zeitplan.ics
+  import DATEI.ics      Termine eines Kalenders hinzufügen. quillon import ~/zeitplan.ics
+NAME: daily, weekdays, weekends, weekly, monthly, last-day, yearly, hourly. REGEL: eine iCalendar-RRULE.
+VORGABE (wenn der Computer schlief oder Quillon nicht lief): skip, once, within 1h (oder 30m, 2d).
 ZEIT: &quot;2026-12-01 07:00&quot; (Ortszeit), ISO 8601 mit Zeitzone, +10m, +2h, +1d, 07:00, tomorrow 07:00.
 Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausgabe), 2 falscher Aufruf.
 </translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="203"/>
+        <location filename="../../src/app/CommandLine.cpp" line="246"/>
         <source>When to open the files.</source>
         <translation>Wann die Dateien geöffnet werden.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="204"/>
+        <location filename="../../src/app/CommandLine.cpp" line="247"/>
         <source>Print the list as JSON.</source>
         <translation>Die Liste als JSON ausgeben.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="205"/>
+        <location filename="../../src/app/CommandLine.cpp" line="248"/>
         <source>Start the schedule too, if it is stopped.</source>
         <translation>Auch den Zeitplan starten, falls er angehalten ist.</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="216"/>
+        <location filename="../../src/app/CommandLine.cpp" line="249"/>
+        <source>Repeat by a common rule.</source>
+        <translation>Nach einer üblichen Regel wiederholen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="250"/>
+        <source>Repeat by an iCalendar rule.</source>
+        <translation>Nach einer iCalendar-Regel wiederholen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="251"/>
+        <source>What to do when a time passed unseen.</source>
+        <translation>Was geschieht, wenn eine Zeit unbemerkt verstrich.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="252"/>
+        <source>Take the rule away.</source>
+        <translation>Die Regel entfernen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="253"/>
+        <source>How many moments to show.</source>
+        <translation>Wie viele Zeitpunkte gezeigt werden.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="268"/>
         <source>unexpected argument &apos;%1&apos;</source>
         <translation>unerwartetes Argument „%1“</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="230"/>
+        <location filename="../../src/app/CommandLine.cpp" line="287"/>
+        <source>give --repeat or --rrule, not both</source>
+        <translation>geben Sie --repeat oder --rrule an, nicht beide</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="292"/>
+        <source>give the rows and a rule, or the rows and --none</source>
+        <translation>geben Sie die Zeilen und eine Regel an, oder die Zeilen und --none</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="297"/>
+        <source>the rule is refused: %1</source>
+        <translation>die Regel wird abgelehnt: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="299"/>
+        <source>the policy is refused: %1</source>
+        <translation>die Vorgabe wird abgelehnt: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="303"/>
+        <source>give the rows as numbers from 1, as list shows them</source>
+        <translation>geben Sie die Zeilen als Zahlen ab 1 an, wie list sie zeigt</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="311"/>
+        <source>give rows as numbers from 1 and --count as a number from 1</source>
+        <translation>geben Sie Zeilen als Zahlen ab 1 und --count als Zahl ab 1 an</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="315"/>
+        <source>give one file</source>
+        <translation>geben Sie eine Datei an</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="318"/>
         <source>no file given</source>
         <translation>keine Datei angegeben</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="232"/>
+        <location filename="../../src/app/CommandLine.cpp" line="320"/>
         <source>--at TIME is needed</source>
         <translation>--at ZEIT fehlt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="236"/>
+        <location filename="../../src/app/CommandLine.cpp" line="324"/>
         <source>cannot read the time &apos;%1&apos;</source>
         <translation>die Zeit „%1“ ist nicht lesbar</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="244"/>
+        <location filename="../../src/app/CommandLine.cpp" line="332"/>
         <source>give the rows to remove as numbers from 1, as list shows them</source>
         <translation>die zu entfernenden Zeilen als Zahlen ab 1 angeben, wie list sie zeigt</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="259"/>
+        <location filename="../../src/app/CommandLine.cpp" line="347"/>
         <source>there is no session bus to reach Quillon on</source>
         <translation>es gibt keinen Sitzungsbus, über den Quillon erreichbar wäre</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="261"/>
+        <location filename="../../src/app/CommandLine.cpp" line="349"/>
         <source>Quillon is not running</source>
         <translation>Quillon läuft nicht</translation>
     </message>
     <message>
-        <location filename="../../src/app/CommandLine.cpp" line="263"/>
+        <location filename="../../src/app/CommandLine.cpp" line="351"/>
         <source>Quillon could not be started</source>
         <translation>Quillon konnte nicht gestartet werden</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="284"/>
+        <location filename="../../src/app/CommandLine.cpp" line="372"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeile</numerusform>
             <numerusform>es gibt keine Zeile %1; die Liste hat %n Zeilen</numerusform>
         </translation>
     </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="391"/>
+        <source>could not write %1: %2</source>
+        <translation>%1 konnte nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="397"/>
+        <source>could not read %1: %2</source>
+        <translation>%1 konnte nicht gelesen werden: %2</translation>
+    </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="294"/>
+        <location filename="../../src/app/CommandLine.cpp" line="401"/>
+        <location filename="../../src/app/CommandLine.cpp" line="412"/>
         <source>%n item(s) added.</source>
         <translation>
             <numerusform>%n Objekt hinzugefügt.</numerusform>
             <numerusform>%n Objekte hinzugefügt.</numerusform>
         </translation>
     </message>
+    <message>
+        <location filename="../../src/app/CommandLine.cpp" line="403"/>
+        <source>not used: %1</source>
+        <translation>nicht übernommen: %1</translation>
+    </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="298"/>
+        <location filename="../../src/app/CommandLine.cpp" line="429"/>
         <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
         <translation>
             <numerusform>Der Zeitplan ist angehalten: das Objekt wird erst geöffnet, wenn er gestartet wird (quillon start, oder add mit --start).</numerusform>
             <numerusform>Der Zeitplan ist angehalten: die Objekte werden erst geöffnet, wenn er gestartet wird (quillon start, oder add mit --start).</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>ICalendar</name>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="60"/>
+        <source>the file is not an iCalendar file</source>
+        <translation>die Datei ist keine iCalendar-Datei</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="68"/>
+        <source>event %1: %2</source>
+        <translation>Termin %1: %2</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="79"/>
+        <source>no file to open (an ATTACH with a file URI)</source>
+        <translation>keine Datei zum Öffnen (ein ATTACH mit einer Datei-URI)</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="83"/>
+        <source>no start (DTSTART)</source>
+        <translation>kein Beginn (DTSTART)</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="96"/>
+        <source>its rule has no time after now</source>
+        <translation>seine Regel hat keine Zeit nach jetzt</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ICalendar.cpp" line="108"/>
+        <source>the file holds no event</source>
+        <translation>die Datei enthält keinen Termin</translation>
     </message>
 </context>
 <context>
@@ -241,64 +372,64 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::DateWindow</name>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="31"/>
-        <location filename="../../src/ui/DateWindow.cpp" line="32"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="33"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="34"/>
         <source>Date &amp; Time</source>
         <translation>Datum &amp; Uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="47"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="49"/>
         <source>Calenda&amp;r…</source>
         <translation>&amp;Kalender …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="49"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="51"/>
         <source>Calendar</source>
         <translation>Kalender</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="52"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="54"/>
         <source>&amp;Now</source>
         <translation>J&amp;etzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="54"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="56"/>
         <source>Now</source>
         <translation>Jetzt</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="55"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="57"/>
         <source>Set the date and time to this moment.</source>
         <translation>Datum und Uhrzeit auf diesen Augenblick setzen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="63"/>
-        <location filename="../../src/ui/DateWindow.cpp" line="64"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="67"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="68"/>
         <source>Close</source>
         <translation>Schließen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="79"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="83"/>
         <source>Launch date</source>
         <translation>Startdatum</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="110"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="114"/>
         <source>Launch date and time</source>
         <translation>Startdatum und -uhrzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="132"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="138"/>
         <source>No item is selected: a date set here changes nothing.</source>
         <translation>Kein Eintrag ist ausgewählt: Ein hier gesetztes Datum ändert nichts.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/DateWindow.cpp" line="134"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="140"/>
         <source>Launch date and time of the selected item:</source>
         <translation>Startdatum und -uhrzeit des ausgewählten Eintrags:</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/DateWindow.cpp" line="136"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="142"/>
         <source>Launch date and time of %n selected item(s):</source>
         <translation>
             <numerusform>Startdatum und -zeit des ausgewählten Objekts:</numerusform>
@@ -510,22 +641,27 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <source>Repeat</source>
+        <translation>Wiederholung</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Opens %1</source>
         <translation>Öffnet %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Opens %1 (in %n day(s))</source>
         <translation>
             <numerusform>Öffnet %1 (in %n Tag)</numerusform>
@@ -533,59 +669,59 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="179"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="182"/>
         <source>Could not open: %1</source>
         <translation>Konnte nicht geöffnet werden: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="181"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="184"/>
         <source>Not started: %1</source>
         <translation>Nicht gestartet: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="183"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="186"/>
         <source>Opened late (%1)</source>
         <translation>Verspätet geöffnet (%1)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="191"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="194"/>
         <source>Opened at %1</source>
         <translation>Geöffnet um %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="220"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="223"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="222"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="225"/>
         <source>Not started</source>
         <translation>Nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="224"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="227"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="226"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="231"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="229"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="193"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="231"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="196"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="249"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="252"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="251"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="254"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -593,12 +729,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableView</name>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="38"/>
+        <location filename="../../src/ui/ItemTableView.cpp" line="39"/>
         <source>Scheduled items</source>
         <translation>Geplante Einträge</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableView.cpp" line="75"/>
+        <location filename="../../src/ui/ItemTableView.cpp" line="89"/>
         <source>Drop files here or choose Add…</source>
         <translation>Dateien hier ablegen oder „Hinzufügen …“ wählen</translation>
     </message>
@@ -606,12 +742,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="69"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="82"/>
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="98"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -647,210 +783,273 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="55"/>
+        <source>select the items first</source>
+        <translation>wählen Sie zuerst die Objekte aus</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="127"/>
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="114"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="127"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="115"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="131"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="118"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="131"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="119"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="134"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="121"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="134"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="152"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="165"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="124"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="342"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="139"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="391"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="126"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="139"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="129"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="149"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="150"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="154"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="167"/>
+        <source>&amp;Import Calendar…</source>
+        <translation>Kalender &amp;importieren …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="168"/>
+        <source>&amp;Export Calendar…</source>
+        <translation>Kalender e&amp;xportieren …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="158"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="174"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="159"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
         <source>Re&amp;move Selected Items</source>
         <translation>Ausgewählte Einträge ent&amp;fernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="177"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
         <source>Mo&amp;ve Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="180"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="183"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="199"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="185"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="201"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="187"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="189"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl um&amp;kehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="207"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="195"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="211"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="232"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="212"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="281"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="198"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="214"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="200"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="216"/>
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="204"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="220"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="221"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="207"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="223"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="232"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="229"/>
+        <source>Export Calendar</source>
+        <translation>Kalender exportieren</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="229"/>
+        <source>Import Calendar</source>
+        <translation>Kalender importieren</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
+        <source>iCalendar files (*.ics)</source>
+        <translation>iCalendar-Dateien (*.ics)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="241"/>
+        <source>Exported to %1.</source>
+        <translation>Nach %1 exportiert.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="241"/>
+        <source>Could not export to %1: %2</source>
+        <translation>Export nach %1 fehlgeschlagen: %2</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="246"/>
+        <source>Could not read %1: %2</source>
+        <translation>%1 konnte nicht gelesen werden: %2</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
+        <source>%n item(s) imported.</source>
+        <translation>
+            <numerusform>%n Objekt importiert.</numerusform>
+            <numerusform>%n Objekte importiert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="253"/>
+        <source>Not used: %1</source>
+        <translation>Nicht übernommen: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/MainWindow.cpp" line="281"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="333"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="382"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="341"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="390"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="344"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="393"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="403"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="454"/>
         <source>%n problem(s) since you last looked</source>
         <translation>
             <numerusform>%n Problem seit Ihrem letzten Blick</numerusform>
@@ -1154,52 +1353,265 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
     </message>
 </context>
 <context>
+    <name>Quillon::RepeatEditor</name>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="34"/>
+        <source>Repeat</source>
+        <translation>Wiederholung</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <source>Never (the period in Preferences)</source>
+        <translation>Nie (der Zeitraum in den Einstellungen)</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <source>Every day</source>
+        <translation>Jeden Tag</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <source>Weekdays</source>
+        <translation>Werktags</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <source>Every week on…</source>
+        <translation>Jede Woche am …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <source>Every month on day…</source>
+        <translation>Jeden Monat am Tag …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <source>Every month on the last day</source>
+        <translation>Jeden Monat am letzten Tag</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <source>Every month on the…</source>
+        <translation>Jeden Monat am …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <source>Every few hours between…</source>
+        <translation>Alle paar Stunden zwischen …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <source>Custom rule…</source>
+        <translation>Eigene Regel …</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
+        <source>Re&amp;peat:</source>
+        <translation>&amp;Wiederholen:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <source>first</source>
+        <translation>ersten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <source>second</source>
+        <translation>zweiten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <source>third</source>
+        <translation>dritten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <source>fourth</source>
+        <translation>vierten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <source>last</source>
+        <translation>letzten</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="72"/>
+        <source>every </source>
+        <translation>alle </translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="73"/>
+        <source> h</source>
+        <translation> Std.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="78"/>
+        <source>from</source>
+        <translation>von</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="78"/>
+        <source>to</source>
+        <translation>bis</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="82"/>
+        <source>Custom rule</source>
+        <translation>Eigene Regel</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <source>Never</source>
+        <translation>Nie</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <source>After</source>
+        <translation>Nach</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <source>On</source>
+        <translation>Am</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="92"/>
+        <source> times</source>
+        <translation> Mal</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="95"/>
+        <source>&amp;Ends:</source>
+        <translation>E&amp;nde:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <source>As in Preferences</source>
+        <translation>Wie in den Einstellungen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <source>Skip it</source>
+        <translation>Auslassen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <source>Run it once</source>
+        <translation>Einmal nachholen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <source>Run it if less late than</source>
+        <translation>Nachholen, wenn weniger verspätet als</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="103"/>
+        <source> min</source>
+        <translation> Min.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="104"/>
+        <source>If m&amp;issed:</source>
+        <translation>Wenn &amp;verpasst:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="112"/>
+        <source>Appl&amp;y Repeat</source>
+        <translation>Wiederholung &amp;übernehmen</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="159"/>
+        <source>Not applied: %1</source>
+        <translation>Nicht übernommen: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="218"/>
+        <source>choose at least one day</source>
+        <translation>wählen Sie mindestens einen Tag</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="222"/>
+        <source>write a rule, such as FREQ=MONTHLY;BYDAY=2MO</source>
+        <translation>schreiben Sie eine Regel, etwa FREQ=MONTHLY;BYDAY=2MO</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="251"/>
+        <source>Refused: %1</source>
+        <translation>Abgelehnt: %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="257"/>
+        <source>The item opens at its launch time, and again by the period in Preferences if one is set.</source>
+        <translation>Das Objekt öffnet zu seiner Startzeit und, wenn einer eingestellt ist, wieder nach dem Zeitraum in den Einstellungen.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="263"/>
+        <source>The rule has no time after now.</source>
+        <translation>Die Regel hat keine Zeit nach jetzt.</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="263"/>
+        <source>Next: %1</source>
+        <translation>Nächste: %1</translation>
+    </message>
+</context>
+<context>
     <name>Quillon::ScheduleEditor</name>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="124"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="128"/>
         <source>Add</source>
         <translation>Hinzufügen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="126"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="130"/>
         <source>Drop</source>
         <translation>Ablegen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="128"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="132"/>
         <source>Move</source>
         <translation>Verschieben</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="130"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="134"/>
         <source>Clear</source>
         <translation>Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="132"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="136"/>
         <source>Remove</source>
         <translation>Entfernen</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/ScheduleEditor.cpp" line="134"/>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="138"/>
         <source>Date Change</source>
         <translation>Datumsänderung</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="140"/>
+        <source>Repeat Change</source>
+        <translation>Wiederholung ändern</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/ScheduleEditor.cpp" line="265"/>
+        <source>the rule has no time after now</source>
+        <translation>die Regel hat keine Zeit nach jetzt</translation>
     </message>
 </context>
 <context>
     <name>Quillon::ScriptingService</name>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="126"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="144"/>
         <source>The date %1 is out of range: Unix seconds from 0 to %2.</source>
         <translation>Das Datum %1 liegt außerhalb des Bereichs: Unix-Sekunden von 0 bis %2.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="132"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="150"/>
         <source>%1 needs at least one row.</source>
         <translation>%1 braucht mindestens eine Zeile.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="136"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="154"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Zeile %1 liegt außerhalb des Bereichs: Die Liste hat %n Zeile, gezählt ab 0.</numerusform>
@@ -1207,29 +1619,45 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="160"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="178"/>
         <source>Add needs at least one path.</source>
         <translation>Add braucht mindestens einen Pfad.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="147"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="294"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="298"/>
+        <source>The rule is refused: %1.</source>
+        <translation>Die Regel wird abgelehnt: %1.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ScriptingService.cpp" line="309"/>
+        <source>The policy is refused: %1.</source>
+        <translation>Die Vorgabe wird abgelehnt: %1.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ScriptingService.cpp" line="318"/>
+        <source>The count %1 is out of range: from 1 to %2.</source>
+        <translation>Die Anzahl %1 liegt außerhalb des Bereichs: von 1 bis %2.</translation>
+    </message>
+    <message>
+        <location filename="../../src/app/ScriptingService.cpp" line="165"/>
         <source>Not an absolute path: &quot;%1&quot;.</source>
         <translation>Kein absoluter Pfad: „%1“.</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="118"/>
-        <location filename="../../src/app/ScriptingService.cpp" line="202"/>
-        <location filename="../../src/app/ScriptingService.cpp" line="212"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="136"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="220"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="230"/>
         <source>Quillon is quitting</source>
         <translation>Quillon wird beendet</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="149"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="167"/>
         <source>No such file or folder: %1</source>
         <translation>Keine solche Datei und kein solcher Ordner: %1</translation>
     </message>
     <message>
-        <location filename="../../src/app/ScriptingService.cpp" line="257"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="275"/>
         <source>The schedule is running; stop it before removing items.</source>
         <translation>Der Zeitplan läuft; halten Sie ihn an, bevor Sie Objekte entfernen.</translation>
     </message>
@@ -1323,6 +1751,191 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <location filename="../../src/mail/SimpleSMTP.cpp" line="211"/>
         <source>the session ended before the message was sent</source>
         <translation>die Verbindung endete, bevor die Nachricht gesendet war</translation>
+    </message>
+</context>
+<context>
+    <name>Repeat</name>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="74"/>
+        <source>a rule needs FREQ, as in FREQ=DAILY</source>
+        <translation>eine Regel braucht FREQ, etwa FREQ=DAILY</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="78"/>
+        <source>“%1” is not a rule part that can be read</source>
+        <translation>„%1“ ist kein lesbarer Teil einer Regel</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="80"/>
+        <source>the parts do not go together</source>
+        <translation>die Teile passen nicht zusammen</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="103"/>
+        <source>first</source>
+        <translation>ersten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="105"/>
+        <source>second</source>
+        <translation>zweiten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="107"/>
+        <source>third</source>
+        <translation>dritten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="109"/>
+        <source>fourth</source>
+        <translation>vierten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="111"/>
+        <source>fifth</source>
+        <translation>fünften</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="113"/>
+        <source>last</source>
+        <translation>letzten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="115"/>
+        <source>second to last</source>
+        <translation>vorletzten</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="147"/>
+        <source>“%1” is not skip, once or within a time such as “within 1h”</source>
+        <translation>„%1“ ist weder skip noch once noch within mit einer Zeit wie „within 1h“</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="231"/>
+        <source>Quillon repeats an item at most once a minute</source>
+        <translation>Quillon wiederholt ein Objekt höchstens einmal pro Minute</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="235"/>
+        <source>the rule never happens</source>
+        <translation>die Regel trifft nie zu</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="364"/>
+        <source>Every %n hour(s) from %1 to %2</source>
+        <translation>
+            <numerusform>Jede Stunde von %1 bis %2</numerusform>
+            <numerusform>Alle %n Stunden von %1 bis %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="369"/>
+        <source>Every %n minute(s)</source>
+        <translation>
+            <numerusform>Jede Minute</numerusform>
+            <numerusform>Alle %n Minuten</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="373"/>
+        <source>Every %n hour(s)</source>
+        <translation>
+            <numerusform>Jede Stunde</numerusform>
+            <numerusform>Alle %n Stunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="381"/>
+        <source>Every day at %1</source>
+        <translation>Jeden Tag um %1</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="381"/>
+        <source>Every %n day(s) at %1</source>
+        <translation>
+            <numerusform>Jeden Tag um %1</numerusform>
+            <numerusform>Alle %n Tage um %1</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="401"/>
+        <source>Weekdays at %1</source>
+        <translation>Werktags um %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="404"/>
+        <source>Weekends at %1</source>
+        <translation>Am Wochenende um %1</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="406"/>
+        <source>Every %n week(s) on %1 at %2</source>
+        <translation>
+            <numerusform>Jede Woche am %1 um %2</numerusform>
+            <numerusform>Alle %n Wochen am %1 um %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="414"/>
+        <source>Every %n month(s) on the last day at %1</source>
+        <translation>
+            <numerusform>Jeden Monat am letzten Tag um %1</numerusform>
+            <numerusform>Alle %n Monate am letzten Tag um %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="416"/>
+        <source>Every %n month(s) on the %1 %2 at %3</source>
+        <translation>
+            <numerusform>Jeden Monat am %1 %2 um %3</numerusform>
+            <numerusform>Alle %n Monate am %1 %2 um %3</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="419"/>
+        <source>Every %n month(s) on day %1 at %2</source>
+        <translation>
+            <numerusform>Jeden Monat am %1. um %2</numerusform>
+            <numerusform>Alle %n Monate am %1. um %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="425"/>
+        <source>Every year on %1 at %2</source>
+        <translation>Jedes Jahr am %1 um %2</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="431"/>
+        <source>Custom: %1</source>
+        <translation>Eigene Regel: %1</translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/schedule/Repeat.cpp" line="433"/>
+        <source>, %n time(s)</source>
+        <translation>
+            <numerusform>, einmal</numerusform>
+            <numerusform>, %n Mal</numerusform>
+        </translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="435"/>
+        <source>, until %1</source>
+        <translation>, bis %1</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="483"/>
+        <source>the text is not iCalendar</source>
+        <translation>der Text ist kein iCalendar</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="487"/>
+        <source>the text holds no event</source>
+        <translation>der Text enthält keinen Termin</translation>
+    </message>
+    <message>
+        <location filename="../../src/schedule/Repeat.cpp" line="511"/>
+        <source>“%1” is not a time zone this computer knows</source>
+        <translation>„%1“ ist keine Zeitzone, die dieser Computer kennt</translation>
     </message>
 </context>
 <context>

@@ -4,7 +4,7 @@
 <context>
     <name>CommandLine</name>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="103"/>
+        <location filename="../../src/app/CommandLine.cpp" line="105"/>
         <source>%n hr(s)</source>
         <translation>
             <numerusform>%n hr</numerusform>
@@ -12,7 +12,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="105"/>
+        <location filename="../../src/app/CommandLine.cpp" line="107"/>
         <source>%n min(s)</source>
         <translation>
             <numerusform>%n min</numerusform>
@@ -20,7 +20,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="107"/>
+        <location filename="../../src/app/CommandLine.cpp" line="109"/>
         <source>%n sec(s)</source>
         <translation>
             <numerusform>%n sec</numerusform>
@@ -28,7 +28,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="284"/>
+        <location filename="../../src/app/CommandLine.cpp" line="372"/>
         <source>there is no row %1; the list has %n row(s)</source>
         <translation>
             <numerusform>there is no row %1; the list has %n row</numerusform>
@@ -36,7 +36,8 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="294"/>
+        <location filename="../../src/app/CommandLine.cpp" line="401"/>
+        <location filename="../../src/app/CommandLine.cpp" line="412"/>
         <source>%n item(s) added.</source>
         <translation>
             <numerusform>%n item added.</numerusform>
@@ -44,7 +45,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/app/CommandLine.cpp" line="298"/>
+        <location filename="../../src/app/CommandLine.cpp" line="429"/>
         <source>The schedule is stopped: the item(s) open only once it is started (quillon start, or add with --start).</source>
         <translation>
             <numerusform>The schedule is stopped: the item opens only once it is started (quillon start, or add with --start).</numerusform>
@@ -55,7 +56,7 @@
 <context>
     <name>Quillon::DateWindow</name>
     <message numerus="yes">
-        <location filename="../../src/ui/DateWindow.cpp" line="136"/>
+        <location filename="../../src/ui/DateWindow.cpp" line="142"/>
         <source>Launch date and time of %n selected item(s):</source>
         <translation>
             <numerusform>Launch date and time of %n selected item:</numerusform>
@@ -101,7 +102,7 @@
 <context>
     <name>Quillon::ItemTableModel</name>
     <message numerus="yes">
-        <location filename="../../src/ui/ItemTableModel.cpp" line="171"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
         <source>Opens %1 (in %n day(s))</source>
         <translation>
             <numerusform>Opens %1 (in %n day)</numerusform>
@@ -112,7 +113,7 @@
 <context>
     <name>Quillon::MainWindow</name>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="85"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="98"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>Launch All Now opened %n item.</numerusform>
@@ -120,7 +121,15 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="403"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
+        <source>%n item(s) imported.</source>
+        <translation>
+            <numerusform>%n item imported.</numerusform>
+            <numerusform>%n items imported.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <location filename="../../src/ui/MainWindow.cpp" line="454"/>
         <source>%n problem(s) since you last looked</source>
         <translation>
             <numerusform>%n problem since you last looked</numerusform>
@@ -190,7 +199,7 @@
 <context>
     <name>Quillon::ScriptingService</name>
     <message numerus="yes">
-        <location filename="../../src/app/ScriptingService.cpp" line="136"/>
+        <location filename="../../src/app/ScriptingService.cpp" line="154"/>
         <source>Row %1 is out of range: the list has %n row(s), counted from 0.</source>
         <translation>
             <numerusform>Row %1 is out of range: the list has %n row, counted from 0.</numerusform>
@@ -201,7 +210,7 @@
 <context>
     <name>Repeat</name>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="358"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="364"/>
         <source>Every %n hour(s) from %1 to %2</source>
         <translation>
             <numerusform>Every hour from %1 to %2</numerusform>
@@ -209,7 +218,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="363"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="369"/>
         <source>Every %n minute(s)</source>
         <translation>
             <numerusform>Every minute</numerusform>
@@ -217,7 +226,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="367"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="373"/>
         <source>Every %n hour(s)</source>
         <translation>
             <numerusform>Every hour</numerusform>
@@ -225,7 +234,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="375"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="381"/>
         <source>Every %n day(s) at %1</source>
         <translation>
             <numerusform>Every day at %1</numerusform>
@@ -233,7 +242,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="398"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="406"/>
         <source>Every %n week(s) on %1 at %2</source>
         <translation>
             <numerusform>Every week on %1 at %2</numerusform>
@@ -241,7 +250,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="406"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="414"/>
         <source>Every %n month(s) on the last day at %1</source>
         <translation>
             <numerusform>Every month on the last day at %1</numerusform>
@@ -249,7 +258,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="408"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="416"/>
         <source>Every %n month(s) on the %1 %2 at %3</source>
         <translation>
             <numerusform>Every month on the %1 %2 at %3</numerusform>
@@ -257,7 +266,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="411"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="419"/>
         <source>Every %n month(s) on day %1 at %2</source>
         <translation>
             <numerusform>Every month on day %1 at %2</numerusform>
@@ -265,7 +274,7 @@
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="425"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="433"/>
         <source>, %n time(s)</source>
         <translation>
             <numerusform>, once</numerusform>

@@ -1,5 +1,7 @@
 #include "DateWindow.h"
 
+#include "RepeatEditor.h"
+
 #include <QCalendarWidget>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -24,7 +26,7 @@ void LaunchDateEdit::keyPressEvent(QKeyEvent *event)
     m_movedOn = text.size() == 1 && text.at(0).isDigit() && currentSection() != before;
 }
 
-DateWindow::DateWindow(QWidget *parent)
+DateWindow::DateWindow(std::function<QDateTime()> clock, QWidget *parent)
     : QDialog(parent, Qt::Tool) // a tool window of its parent: above the list window, not above every other application
 {
     setObjectName(QStringLiteral("calendarClockWindow"));
@@ -57,6 +59,8 @@ DateWindow::DateWindow(QWidget *parent)
     pickerRow->addWidget(now);
     layout->addLayout(pickerRow);
     m_label->setBuddy(m_placeholder);
+    m_repeat = new RepeatEditor(std::move(clock), this);
+    layout->addWidget(m_repeat);
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch(1);
@@ -122,6 +126,8 @@ QDateTimeEdit *DateWindow::makePicker(const QDateTime &value)
     picker->setDisplayFormat(dateFormat + QLatin1String("  ") + timeFormat);
     picker->setTimeSpec(Qt::LocalTime);
     picker->setDateTime(value);
+    m_repeat->setStart(value);
+    connect(picker, &QDateTimeEdit::dateTimeChanged, m_repeat, &RepeatEditor::setStart);
     m_placeholder->layout()->addWidget(picker);
     return picker;
 }

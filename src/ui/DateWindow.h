@@ -4,6 +4,8 @@
 #include <QDialog>
 #include <QPointer>
 
+#include <functional>
+
 class QCalendarWidget;
 class QLabel;
 class QPushButton;
@@ -27,13 +29,16 @@ private:
 };
 
 // The floating window that holds the date picker; it stays above the list window only, and says
-// how many items a change will touch. A calendar to pick a day from, Now, and Close.
+// how many items a change will touch. A calendar to pick a day from, Now, how the items repeat,
+// and Close.
 // A dialog, not a plain widget, so that a screen reader announces it as a window.
 class DateWindow final : public QDialog
 {
     Q_OBJECT
 public:
-    explicit DateWindow(QWidget *parent = nullptr);
+    // now: the schedule's present, for the next times a rule gives.
+    explicit DateWindow(std::function<QDateTime()> now, QWidget *parent = nullptr);
+    class RepeatEditor *repeatEditor() const { return m_repeat; }
     QWidget *datePickerPlaceHolder() const { return m_placeholder; }
     // A new picker in the placeholder, showing value.
     QDateTimeEdit *makePicker(const QDateTime &value);
@@ -53,6 +58,7 @@ private:
     QWidget *m_popup = nullptr;
     QCalendarWidget *m_calendar = nullptr;
     QPointer<QDateTimeEdit> m_picker;
+    class RepeatEditor *m_repeat = nullptr;
 };
 
 } // namespace Quillon

@@ -24,15 +24,15 @@
 
 namespace Quillon {
 
-const QStringList ItemTableModel::Identifiers
-    = { QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"), QStringLiteral("Launch Time"), QStringLiteral("Check") };
+const QStringList ItemTableModel::Identifiers = { QStringLiteral("Icon"), QStringLiteral("Name"), QStringLiteral("File"), QStringLiteral("Launch Time"),
+    QStringLiteral("Check"), QStringLiteral("Repeat") };
 
 ItemTableModel::ItemTableModel(ScheduleEditor &editor, Workspace &workspace, QObject *parent)
     : QAbstractTableModel(parent)
     , m_schedule(editor.schedule())
     , m_workspace(workspace)
     , m_editor(editor)
-    , m_titles { QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString() }
+    , m_titles { QString(), tr("Name"), Texts::tr(Texts::LocationTitle), tr("Launch Time"), QString(), tr("Repeat") }
 {
     connectSchedule();
 }
@@ -154,6 +154,8 @@ QVariant ItemTableModel::cellValue(Column column, int row) const
     }
     case NameColumn:
         return FileName::display(path.section(QLatin1Char('/'), -1));
+    case RepeatColumn:
+        return m_schedule.repeatAt(row).describe();
     case ColumnCount:
         break;
     }

@@ -19,7 +19,7 @@ class ItemTableModel final : public QAbstractTableModel
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ItemTableModel)
 public:
-    enum Column { IconColumn, NameColumn, FileColumn, LaunchTimeColumn, CheckColumn, ColumnCount };
+    enum Column { IconColumn, NameColumn, FileColumn, LaunchTimeColumn, CheckColumn, RepeatColumn, ColumnCount };
     static const QStringList Identifiers;
     static inline const QString PrivateRowsType = QStringLiteral("MyPrivateTableViewDataType");
 

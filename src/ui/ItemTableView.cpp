@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QMenu>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 #include <QStyledItemDelegate>
@@ -64,6 +65,19 @@ ItemTableView::ItemTableView(ItemTableModel *model, Schedule &schedule, QWidget 
     header->resizeSection(ItemTableModel::CheckColumn, 30);
     // Name and the path or countdown share the spare width; the launch time takes what it needs.
     setResizeModes();
+    // The header's menu shows or hides the Repeat column; the window keeps the header's state.
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, this, [this, header](const QPoint &at) {
+        auto *menu = new QMenu(this);
+        menu->setObjectName(QStringLiteral("headerMenu"));
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        QAction *repeat = menu->addAction(m_model->headerData(ItemTableModel::RepeatColumn, Qt::Horizontal).toString());
+        repeat->setObjectName(QStringLiteral("showRepeatColumn"));
+        repeat->setCheckable(true);
+        repeat->setChecked(!header->isSectionHidden(ItemTableModel::RepeatColumn));
+        connect(repeat, &QAction::toggled, header, [header](bool shown) { header->setSectionHidden(ItemTableModel::RepeatColumn, !shown); });
+        menu->popup(header->mapToGlobal(at));
+    });
     connect(header, &QHeaderView::sectionResized, this, [this](int column) {
         if (column == ItemTableModel::LaunchTimeColumn && !m_fittingColumns)
             m_userSizedLaunchTime = true;
@@ -123,6 +137,7 @@ void ItemTableView::setResizeModes()
     // shown, not at every change: measuring the column at each launch of a burst froze the window.
     // A width the user gives it stays.
     header->setSectionResizeMode(ItemTableModel::LaunchTimeColumn, QHeaderView::Interactive);
+    header->setSectionResizeMode(ItemTableModel::RepeatColumn, QHeaderView::ResizeToContents);
 }
 
 void ItemTableView::restoreHeader(const QByteArray &state)

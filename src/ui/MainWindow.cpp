@@ -1,5 +1,7 @@
 #include "MainWindow.h"
 
+#include "RepeatEditor.h"
+
 #include "ButtonRow.h"
 #include "DateWindow.h"
 #include "FileAndFolderChooser.h"
@@ -7,6 +9,7 @@
 #include "ItemTableView.h"
 #include "LaunchAllConfirmation.h"
 #include "Preferences.h"
+#include "RepeatEditor.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
 #include "SettingsKeys.h"
@@ -17,6 +20,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
+#include <QFile>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeySequence>
@@ -25,6 +30,7 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QStatusBar>
@@ -43,7 +49,14 @@ MainWindow::MainWindow(ScheduleEditor &editor, Preferences &preferences, Workspa
     setObjectName(QStringLiteral("fileListWindow"));
     setWindowTitle(QStringLiteral("Quillon"));
     m_model = new ItemTableModel(editor, workspace, this);
-    m_dateWindow = new DateWindow(this);
+    m_dateWindow = new DateWindow([this] { return m_schedule.now(); }, this);
+    connect(m_dateWindow->repeatEditor(), &RepeatEditor::applied, this, [this](const Repeat &rule, const MissedPolicy &missed) {
+        const QList<int> rows = selectedRows();
+        const QString problem = rows.isEmpty() ? tr("select the items first") : m_editor.setRepeat(rows, rule, missed);
+        if (!problem.isEmpty())
+            m_dateWindow->repeatEditor()->showProblem(problem);
+        m_model->reloadAll();
+    });
     connect(m_dateWindow, &DateWindow::nowRequested, this, [this] {
         if (!m_datePicker)
             return;
@@ -151,6 +164,9 @@ void MainWindow::buildMenus()
     add->setShortcut(QKeySequence::Open);
     file->addAction(tr("&Launch All Now"), this, &MainWindow::launchAllClicked);
     file->addSeparator();
+    file->addAction(tr("&Import Calendar…"), this, [this] { chooseCalendar(QFileDialog::AcceptOpen); })->setObjectName(QStringLiteral("importAction"));
+    file->addAction(tr("&Export Calendar…"), this, [this] { chooseCalendar(QFileDialog::AcceptSave); })->setObjectName(QStringLiteral("exportAction"));
+    file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), this, [this] { Q_EMIT quitRequested(); });
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
@@ -205,6 +221,39 @@ void MainWindow::buildMenus()
     QAction *helpAction = help->addAction(tr("Quillon &Help"), this, [this] { Q_EMIT helpRequested(); });
     helpAction->setShortcut(QKeySequence::HelpContents);
     help->addAction(tr("&About Quillon"), this, [this] { Q_EMIT aboutRequested(); })->setMenuRole(QAction::AboutRole);
+}
+
+void MainWindow::chooseCalendar(QFileDialog::AcceptMode mode)
+{
+    // Shown and answered by a signal, never a nested event loop: the schedule fires meanwhile.
+    auto *dialog = new QFileDialog(this, mode == QFileDialog::AcceptSave ? tr("Export Calendar") : tr("Import Calendar"));
+    dialog->setObjectName(QStringLiteral("calendarChooser"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    dialog->setNameFilters({ tr("iCalendar files (*.ics)"), tr("All files (*)") });
+    dialog->setDefaultSuffix(QStringLiteral("ics"));
+    if (mode == QFileDialog::AcceptSave)
+        dialog->selectFile(QStringLiteral("Quillon.ics"));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, mode](const QString &path) {
+        if (mode == QFileDialog::AcceptSave) {
+            QSaveFile file(path);
+            const bool written = file.open(QIODevice::WriteOnly) && file.write(m_editor.exportCalendar()) >= 0 && file.commit();
+            statusBar()->showMessage(written ? tr("Exported to %1.").arg(path) : tr("Could not export to %1: %2").arg(path, file.errorString()));
+            return;
+        }
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            statusBar()->showMessage(tr("Could not read %1: %2").arg(path, file.errorString()));
+            return;
+        }
+        QStringList problems;
+        const int added = m_editor.importCalendar(file.readAll(), problems);
+        QString text = tr("%n item(s) imported.", nullptr, added);
+        if (!problems.isEmpty())
+            text += QLatin1Char(' ') + tr("Not used: %1").arg(problems.join(QStringLiteral("; ")));
+        statusBar()->showMessage(text);
+    });
+    dialog->open();
 }
 
 void MainWindow::setTableColumnName(const QString &title, const QString &identifier)
@@ -384,7 +433,9 @@ void MainWindow::tableViewSelectionDidChange()
         // Showing a row's date is not picking one.
         const QSignalBlocker quiet(m_datePicker);
         m_datePicker->setDateTime(m_schedule.dates().at(row).toLocalTime());
+        m_dateWindow->repeatEditor()->setStart(m_datePicker->dateTime());
     }
+    m_dateWindow->repeatEditor()->showRepeat(m_schedule.repeatAt(row));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

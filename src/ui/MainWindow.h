@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFileDialog>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -85,6 +86,7 @@ private:
     void buildTable();
     void buildControls();
     void buildMenus();
+    void chooseCalendar(QFileDialog::AcceptMode mode);
     void restoreWindowState();
 
     ScheduleEditor &m_editor;

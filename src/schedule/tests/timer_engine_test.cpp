@@ -237,7 +237,7 @@ private Q_SLOTS:
         Repeat repeat = *Repeat::fromRule(rule);
         QVERIFY(repeat.setZoneId("UTC"));
         repeat.missed = *MissedPolicy::parse(missed);
-        QCOMPARE(m_editor->setRepeat({ 0 }, repeat), QString());
+        QCOMPARE(m_editor->setRepeat({ 0 }, repeat, repeat.missed), QString());
         QCOMPARE(m_schedule->dates()[0], at(60)); // the row's date is the rule's start
         QSignalSpy told(m_schedule.get(), &Schedule::missed);
         m_schedule->startStopButtonClicked();

@@ -6,12 +6,14 @@
 #include "ItemTableView.h"
 #include "MainWindow.h"
 #include "Preferences.h"
+#include "RepeatEditor.h"
 #include "Schedule.h"
 #include "ScheduleEditor.h"
 #include "TestSupport.h"
 
 #include <QAction>
 #include <QCalendarWidget>
+#include <QComboBox>
 #include <QCompleter>
 #include <QDateTimeEdit>
 #include <QDialogButtonBox>
@@ -143,6 +145,53 @@ private Q_SLOTS:
         QVERIFY(!popup->isVisible());
         QCOMPARE(m_schedule->dates().at(1), at(1).addDays(1));
         QCOMPARE(m_schedule->dates().at(0), at(100));
+    }
+
+    // Weekdays at 07:00 from the Repeat section, shown in the table, and one undo takes it back.
+    // A rule the user writes is refused with its reason and changes nothing.
+    void repeatFromTheDateWindow()
+    {
+        QVERIFY(shown());
+        select({ 0 });
+        m_window->dateTimeClicked();
+        QWidget *dateWindow = m_window->calendarClockWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(dateWindow));
+        auto *picker = dateWindow->findChild<QDateTimeEdit *>(QStringLiteral("datePicker"));
+        const QDateTime saturday(QDate(2027, 1, 16), QTime(7, 0));
+        picker->setDateTime(saturday);
+        QCOMPARE(m_schedule->dates().at(0), saturday.toUTC());
+        const int undoSteps = m_editor->undoStack()->count();
+
+        auto *kind = dateWindow->findChild<QComboBox *>(QStringLiteral("repeatKind"));
+        auto *apply = dateWindow->findChild<QPushButton *>(QStringLiteral("applyRepeat"));
+        auto *preview = dateWindow->findChild<QLabel *>(QStringLiteral("repeatPreview"));
+        kind->setFocus();
+        QTest::keyClick(kind, Qt::Key_Down);
+        QTest::keyClick(kind, Qt::Key_Down);
+        QCOMPARE(kind->currentIndex(), int(RepeatEditor::Weekdays));
+        QVERIFY2(preview->text().startsWith(QLatin1String("Weekdays at 07:00")), qPrintable(preview->text()));
+        QTest::mouseClick(apply, Qt::LeftButton);
+        QCOMPARE(m_schedule->repeatAt(0).rule(), QStringLiteral("FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR"));
+        QCOMPARE(m_schedule->dates().at(0), QDateTime(QDate(2027, 1, 18), QTime(7, 0)).toUTC()); // Monday, not the Saturday
+        QCOMPARE(m_window->model()->index(0, ItemTableModel::RepeatColumn).data().toString(), QStringLiteral("Weekdays at 07:00"));
+        QCOMPARE(m_window->model()->index(1, ItemTableModel::RepeatColumn).data().toString(), QString());
+
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_editor->undoStack()->count(), undoSteps + 1);
+        QCOMPARE(m_editor->undoStack()->index(), undoSteps);
+        QVERIFY(!m_schedule->repeatAt(0).hasRule());
+        QCOMPARE(m_schedule->dates().at(0), saturday.toUTC());
+
+        kind->setCurrentIndex(RepeatEditor::Custom);
+        auto *custom = dateWindow->findChild<QLineEdit *>(QStringLiteral("customRule"));
+        QTest::keyClicks(custom, QStringLiteral("FREQ=DAILY;BYDAY=XX"));
+        QVERIFY2(preview->text().contains(QStringLiteral("“BYDAY=XX”")), qPrintable(preview->text()));
+        QVERIFY(!apply->isEnabled());
+        QTest::mouseClick(apply, Qt::LeftButton);
+        QVERIFY(!m_schedule->repeatAt(0).hasRule());
+        QCOMPARE(m_editor->undoStack()->index(), undoSteps);
     }
 
     // Real drag events on the viewport: onto the middle of a row is refused, between rows is taken.
