@@ -264,6 +264,11 @@ QTimeZone Repeat::timeZone() const
     return m_zone.isEmpty() ? QTimeZone::systemTimeZone() : QTimeZone(m_zone);
 }
 
+QTimeZone Repeat::timeZone(const QTimeZone &systemZone) const
+{
+    return m_zone.isEmpty() ? systemZone : QTimeZone(m_zone);
+}
+
 void Repeat::anchorAt(const QDateTime &instant)
 {
     m_start = instant.isValid() ? wallOf(instant, timeZone()) : QDateTime();
@@ -283,9 +288,14 @@ void Repeat::addException(const QDateTime &instant)
 
 std::optional<QDateTime> Repeat::nextAfter(const QDateTime &after) const
 {
+    return hasRule() ? nextAfter(after, QTimeZone::systemTimeZone()) : std::nullopt;
+}
+
+std::optional<QDateTime> Repeat::nextAfter(const QDateTime &after, const QTimeZone &systemZone) const
+{
     if (!m_parsed || !m_start.isValid())
         return std::nullopt;
-    const QTimeZone zone = timeZone();
+    const QTimeZone zone = timeZone(systemZone);
     icalrecur_iterator *it = icalrecur_iterator_new(*m_parsed, toIcal(m_start));
     if (!it)
         return std::nullopt;
@@ -326,8 +336,9 @@ QList<QDateTime> Repeat::upcoming(const QDateTime &after, int count) const
 {
     QList<QDateTime> out;
     QDateTime from = after;
+    const QTimeZone system = QTimeZone::systemTimeZone();
     while (out.size() < count) {
-        const std::optional<QDateTime> next = nextAfter(from);
+        const std::optional<QDateTime> next = nextAfter(from, system);
         if (!next)
             break;
         out << *next;

@@ -62,6 +62,7 @@ public:
     QByteArray zoneId() const { return m_zone; }
     bool setZoneId(const QByteArray &id);
     QTimeZone timeZone() const;
+    QTimeZone timeZone(const QTimeZone &systemZone) const;
 
     bool hasStart() const { return m_start.isValid(); }
     // The start is the wall-clock time this instant shows in the rule's zone.
@@ -74,6 +75,9 @@ public:
 
     // The first moment of the rule strictly after this one; none when the rule has ended.
     std::optional<QDateTime> nextAfter(const QDateTime &after) const;
+    // The same with the system's zone looked up once by the caller: looking it up reads the file
+    // system, which adds up over a long list.
+    std::optional<QDateTime> nextAfter(const QDateTime &after, const QTimeZone &systemZone) const;
     // Its first moment at or after the start that is also after now: where a new rule begins.
     std::optional<QDateTime> firstAfter(const QDateTime &now) const;
     QList<QDateTime> upcoming(const QDateTime &after, int count) const;

@@ -220,6 +220,8 @@ QList<Schedule::Timing> Schedule::setTimings(const QList<int> &rows, const QList
         m_outcomes.remove(id);
     }
     datesChanged();
+    // Whoever asked (the window, a script), the table shows the new dates and rules.
+    Q_EMIT reloadTable();
     return before;
 }
 

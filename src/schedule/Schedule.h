@@ -169,7 +169,7 @@ private:
     bool hasFired(quint64 id, qint64 dateMSecs) const;
     bool isArmable(qsizetype row, qint64 nowMSecs) const;
     // A ruled row whose date passed moves to its rule's next moment after now.
-    void advanceRuled(qsizetype row, qint64 nowMSecs);
+    void advanceRuled(qsizetype row, qint64 nowMSecs, const QTimeZone &systemZone);
 
     Preferences &m_preferences;
     WallClock &m_clock;

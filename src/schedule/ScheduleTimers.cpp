@@ -10,6 +10,7 @@
 #include "TimerQueue.h"
 #include "WallClock.h"
 
+#include <QTimeZone>
 #include <QTimer>
 
 #include <QtNumeric>
@@ -77,8 +78,9 @@ bool Schedule::isArmable(qsizetype row, qint64 nowMSecs) const
 bool Schedule::hasItemAhead() const
 {
     const qint64 nowMSecs = m_clock.nowMSecs();
+    const QTimeZone systemZone = QTimeZone::systemTimeZone();
     for (qsizetype i = 0; i < m_paths.size(); ++i) {
-        if (isArmable(i, nowMSecs) || (repeatAt(int(i)).hasRule() && repeatAt(int(i)).nextAfter(now())))
+        if (isArmable(i, nowMSecs) || (repeatAt(int(i)).hasRule() && repeatAt(int(i)).nextAfter(now(), systemZone)))
             return true;
     }
     return false;
@@ -109,13 +111,13 @@ QList<QDateTime> Schedule::upcoming(int row, int count) const
     return moments;
 }
 
-void Schedule::advanceRuled(qsizetype row, qint64 nowMSecs)
+void Schedule::advanceRuled(qsizetype row, qint64 nowMSecs, const QTimeZone &systemZone)
 {
     const Repeat &repeat = repeatAt(int(row));
     if (!repeat.hasRule() || row >= m_dates.size() || m_dates.at(row).toMSecsSinceEpoch() > nowMSecs)
         return;
     // A rule that has ended leaves the date where it fired last.
-    if (const std::optional<QDateTime> next = repeat.nextAfter(QDateTime::fromMSecsSinceEpoch(nowMSecs, Qt::UTC)))
+    if (const std::optional<QDateTime> next = repeat.nextAfter(QDateTime::fromMSecsSinceEpoch(nowMSecs, Qt::UTC), systemZone))
         m_dates[row] = *next;
 }
 
@@ -126,10 +128,11 @@ void Schedule::startTimers(bool quiet)
     m_timersRemaining = 0;
     m_slotIndexStale = true;
     const qint64 nowMSecs = m_clock.nowMSecs();
+    const QTimeZone systemZone = QTimeZone::systemTimeZone();
     for (qsizetype i = 0; i < m_timers.size(); ++i) {
         // Started by the user: a rule goes on from today, whatever it missed while stopped.
         if (!quiet)
-            advanceRuled(i, nowMSecs);
+            advanceRuled(i, nowMSecs, systemZone);
         if (isArmable(i, nowMSecs)) {
             m_timers[i] = armTimer(m_paths.at(i), m_dates.at(i).toMSecsSinceEpoch());
             ++m_timersRemaining;
@@ -334,6 +337,7 @@ void Schedule::settleMissed(QList<int> rows, MissedWhile when)
     const qint64 nowMSecs = m_clock.nowMSecs();
     const qint64 period = repeatMSecs();
     const bool byDefault = m_preferences.boolValue(Keys::OpenMissedItems);
+    const QTimeZone systemZone = QTimeZone::systemTimeZone();
     for (int row : std::as_const(rows)) {
         const QDateTime date = m_dates.at(row);
         const MissedPolicy &policy = repeatAt(row).missed;
@@ -344,7 +348,7 @@ void Schedule::settleMissed(QList<int> rows, MissedWhile when)
             m_lastFired.insert(idAt(row), date.toMSecsSinceEpoch());
         }
         if (repeatAt(row).hasRule()) {
-            advanceRuled(row, nowMSecs);
+            advanceRuled(row, nowMSecs, systemZone);
         } else if (opens && period > 0) {
             // Once, not once per period missed: the series goes on from its next time after now.
             const qint64 dueMSecs = date.toMSecsSinceEpoch();
@@ -363,12 +367,13 @@ void Schedule::settleMissed(QList<int> rows, MissedWhile when)
 void Schedule::followSystemZone()
 {
     const QDateTime now = this->now();
+    const QTimeZone systemZone = QTimeZone::systemTimeZone();
     bool moved = false;
     for (qsizetype row = 0; row < m_dates.size() && row < m_ids.size(); ++row) {
         const Repeat &repeat = repeatAt(int(row));
         if (!repeat.hasRule() || !repeat.zoneId().isEmpty() || m_dates.at(row) <= now)
             continue;
-        if (const std::optional<QDateTime> next = repeat.nextAfter(now); next && *next != m_dates.at(row)) {
+        if (const std::optional<QDateTime> next = repeat.nextAfter(now, systemZone); next && *next != m_dates.at(row)) {
             m_dates[row] = *next;
             moved = true;
         }

@@ -20,6 +20,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTimeEdit>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -232,6 +233,7 @@ void MainWindow::chooseCalendar(QFileDialog::AcceptMode mode)
     dialog->setAcceptMode(mode);
     dialog->setNameFilters({ tr("iCalendar files (*.ics)"), tr("All files (*)") });
     dialog->setDefaultSuffix(QStringLiteral("ics"));
+    dialog->setDirectory(QDir::homePath());
     if (mode == QFileDialog::AcceptSave)
         dialog->selectFile(QStringLiteral("Quillon.ics"));
     connect(dialog, &QFileDialog::fileSelected, this, [this, mode](const QString &path) {
