@@ -641,27 +641,27 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::ItemTableModel</name>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Name</source>
         <translation>Name</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Launch Time</source>
         <translation>Startzeit</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="36"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="35"/>
         <source>Repeat</source>
         <translation>Wiederholung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="173"/>
         <source>Opens %1</source>
         <translation>Öffnet %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/ItemTableModel.cpp" line="174"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="173"/>
         <source>Opens %1 (in %n day(s))</source>
         <translation>
             <numerusform>Öffnet %1 (in %n Tag)</numerusform>
@@ -669,59 +669,59 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="182"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="181"/>
         <source>Could not open: %1</source>
         <translation>Konnte nicht geöffnet werden: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="184"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="183"/>
         <source>Not started: %1</source>
         <translation>Nicht gestartet: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="186"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="185"/>
         <source>Opened late (%1)</source>
         <translation>Verspätet geöffnet (%1)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="194"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="193"/>
         <source>Opened at %1</source>
         <translation>Geöffnet um %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="223"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="222"/>
         <source>Could not be opened</source>
         <translation>Konnte nicht geöffnet werden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="225"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="224"/>
         <source>Not started</source>
         <translation>Nicht gestartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="227"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="226"/>
         <source>Opened late</source>
         <translation>Verspätet geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="229"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="228"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="233"/>
         <source>Opened</source>
         <translation>Geöffnet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="196"/>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="234"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="195"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="233"/>
         <source>Waiting</source>
         <translation>Wartet</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="252"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="251"/>
         <source>Icon</source>
         <translation>Symbol</translation>
     </message>
     <message>
-        <location filename="../../src/ui/ItemTableModel.cpp" line="254"/>
+        <location filename="../../src/ui/ItemTableModel.cpp" line="253"/>
         <source>Status</source>
         <translation>Status</translation>
     </message>
@@ -742,12 +742,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::MainWindow</name>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="82"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="83"/>
         <source>Open the history.</source>
         <translation>Den Verlauf öffnen.</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="98"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="99"/>
         <source>Launch All Now opened %n item(s).</source>
         <translation>
             <numerusform>„Alle jetzt öffnen“ hat %n Eintrag geöffnet.</numerusform>
@@ -783,240 +783,240 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>Nicht mehr fragen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="55"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="56"/>
         <source>select the items first</source>
         <translation>wählen Sie zuerst die Objekte aus</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="127"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>&amp;Add…</source>
         <translation>H&amp;inzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="127"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
         <source>Add files and folders to the schedule.</source>
         <translation>Dateien und Ordner zum Zeitplan hinzufügen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="129"/>
         <source>&amp;Clear</source>
         <translation>&amp;Leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="128"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="129"/>
         <source>Remove the selected items, or every item when none is selected.</source>
         <translation>Die ausgewählten Einträge entfernen, oder alle, wenn keiner ausgewählt ist.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="131"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
         <source>Select All</source>
         <translation>Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="131"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
         <source>Select every item.</source>
         <translation>Jeden Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="133"/>
         <source>Deselect All</source>
         <translation>Auswahl aufheben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="132"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="133"/>
         <source>Select no item.</source>
         <translation>Keinen Eintrag auswählen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="134"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="135"/>
         <source>Invert Selection</source>
         <translation>Auswahl umkehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="134"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="135"/>
         <source>Not available.</source>
         <translation>Nicht verfügbar.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="165"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="138"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="166"/>
         <source>&amp;Launch All Now</source>
         <translation>Alle &amp;jetzt öffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="137"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="138"/>
         <source>Open every item now, top to bottom.</source>
         <translation>Jeden Eintrag jetzt öffnen, von oben nach unten.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="139"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="391"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="140"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="393"/>
         <source>&amp;Date &amp;&amp; Time…</source>
         <translation>Datum &amp;&amp; &amp;Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="139"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="140"/>
         <source>Set the launch date of the selected items.</source>
         <translation>Das Startdatum der ausgewählten Einträge festlegen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="142"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="143"/>
         <source>Schedule running</source>
         <translation>Zeitplan läuft</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="162"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="163"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="164"/>
         <source>&amp;Add Files and Folders…</source>
         <translation>Dateien und Ordner &amp;hinzufügen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="167"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="168"/>
         <source>&amp;Import Calendar…</source>
         <translation>Kalender &amp;importieren …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="168"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="169"/>
         <source>&amp;Export Calendar…</source>
         <translation>Kalender e&amp;xportieren …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="170"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="171"/>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="174"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
         <source>&amp;Edit</source>
         <translation>&amp;Bearbeiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="175"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="176"/>
         <source>&amp;Undo</source>
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="178"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="179"/>
         <source>&amp;Redo</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="191"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="192"/>
         <source>Re&amp;move Selected Items</source>
         <translation>Ausgewählte Einträge ent&amp;fernen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="193"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="194"/>
         <source>Mo&amp;ve Up</source>
         <translation>Nach &amp;oben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="196"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="197"/>
         <source>Move Do&amp;wn</source>
         <translation>Nach &amp;unten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="199"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="200"/>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="201"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="202"/>
         <source>Select &amp;All</source>
         <translation>&amp;Alle auswählen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="203"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="204"/>
         <source>&amp;Deselect All</source>
         <translation>Auswahl auf&amp;heben</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="205"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="206"/>
         <source>&amp;Invert Selection</source>
         <translation>Auswahl um&amp;kehren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="207"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="208"/>
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="211"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="212"/>
         <source>&amp;Schedule</source>
         <translation>&amp;Zeitplan</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="212"/>
-        <location filename="../../src/ui/MainWindow.cpp" line="281"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="213"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="283"/>
         <source>&amp;Start</source>
         <translation>&amp;Starten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="214"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="215"/>
         <source>&amp;Date and Time…</source>
         <translation>&amp;Datum und Uhrzeit …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="216"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="217"/>
         <source>&amp;History</source>
         <translation>&amp;Verlauf</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="220"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="221"/>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="221"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="222"/>
         <source>Quillon &amp;Help</source>
         <translation>Quillon-&amp;Hilfe</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="223"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="224"/>
         <source>&amp;About Quillon</source>
         <translation>&amp;Über Quillon</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="229"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
         <source>Export Calendar</source>
         <translation>Kalender exportieren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="229"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="230"/>
         <source>Import Calendar</source>
         <translation>Kalender importieren</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="234"/>
         <source>iCalendar files (*.ics)</source>
         <translation>iCalendar-Dateien (*.ics)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="233"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="234"/>
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="241"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="243"/>
         <source>Exported to %1.</source>
         <translation>Nach %1 exportiert.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="241"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="243"/>
         <source>Could not export to %1: %2</source>
         <translation>Export nach %1 fehlgeschlagen: %2</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="246"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="248"/>
         <source>Could not read %1: %2</source>
         <translation>%1 konnte nicht gelesen werden: %2</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="251"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="253"/>
         <source>%n item(s) imported.</source>
         <translation>
             <numerusform>%n Objekt importiert.</numerusform>
@@ -1024,32 +1024,32 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="253"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="255"/>
         <source>Not used: %1</source>
         <translation>Nicht übernommen: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="281"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="283"/>
         <source>&amp;Stop</source>
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="382"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="384"/>
         <source>&amp;Open Now</source>
         <translation>Jetzt ö&amp;ffnen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="390"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="392"/>
         <source>Show in &amp;File Manager</source>
         <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/MainWindow.cpp" line="393"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="395"/>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/ui/MainWindow.cpp" line="454"/>
+        <location filename="../../src/ui/MainWindow.cpp" line="456"/>
         <source>%n problem(s) since you last looked</source>
         <translation>
             <numerusform>%n Problem seit Ihrem letzten Blick</numerusform>
@@ -1355,202 +1355,212 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
 <context>
     <name>Quillon::RepeatEditor</name>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="34"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="35"/>
         <source>Repeat</source>
         <translation>Wiederholung</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
         <source>Never (the period in Preferences)</source>
         <translation>Nie (der Zeitraum in den Einstellungen)</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
         <source>Every day</source>
         <translation>Jeden Tag</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
         <source>Weekdays</source>
         <translation>Werktags</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
         <source>Every week on…</source>
         <translation>Jede Woche am …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="42"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
         <source>Every month on day…</source>
         <translation>Jeden Monat am Tag …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
         <source>Every month on the last day</source>
         <translation>Jeden Monat am letzten Tag</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
         <source>Every month on the…</source>
         <translation>Jeden Monat am …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
         <source>Every few hours between…</source>
         <translation>Alle paar Stunden zwischen …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="43"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
         <source>Custom rule…</source>
         <translation>Eigene Regel …</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="44"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="45"/>
         <source>Re&amp;peat:</source>
         <translation>&amp;Wiederholen:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="64"/>
         <source>first</source>
         <translation>ersten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="64"/>
         <source>second</source>
         <translation>zweiten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="64"/>
         <source>third</source>
         <translation>dritten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="64"/>
         <source>fourth</source>
         <translation>vierten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="63"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="64"/>
         <source>last</source>
         <translation>letzten</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="72"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="73"/>
         <source>every </source>
         <translation>alle </translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="73"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="74"/>
         <source> h</source>
         <translation> Std.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="78"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="79"/>
         <source>from</source>
         <translation>von</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="78"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="79"/>
         <source>to</source>
         <translation>bis</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="82"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="83"/>
         <source>Custom rule</source>
         <translation>Eigene Regel</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="89"/>
         <source>Never</source>
         <translation>Nie</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="89"/>
         <source>After</source>
         <translation>Nach</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="88"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="89"/>
         <source>On</source>
         <translation>Am</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="92"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="93"/>
         <source> times</source>
         <translation> Mal</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="95"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="96"/>
         <source>&amp;Ends:</source>
         <translation>E&amp;nde:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="102"/>
+        <source>The computer&apos;s</source>
+        <translation>Die des Computers</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="105"/>
+        <source>Time &amp;zone:</source>
+        <translation>&amp;Zeitzone:</translation>
+    </message>
+    <message>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="109"/>
         <source>As in Preferences</source>
         <translation>Wie in den Einstellungen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="109"/>
         <source>Skip it</source>
         <translation>Auslassen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="109"/>
         <source>Run it once</source>
         <translation>Einmal nachholen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="99"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="109"/>
         <source>Run it if less late than</source>
         <translation>Nachholen, wenn weniger verspätet als</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="103"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="113"/>
         <source> min</source>
         <translation> Min.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="104"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="114"/>
         <source>If m&amp;issed:</source>
         <translation>Wenn &amp;verpasst:</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="112"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="122"/>
         <source>Appl&amp;y Repeat</source>
         <translation>Wiederholung &amp;übernehmen</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="159"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="170"/>
         <source>Not applied: %1</source>
         <translation>Nicht übernommen: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="218"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="229"/>
         <source>choose at least one day</source>
         <translation>wählen Sie mindestens einen Tag</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="222"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="233"/>
         <source>write a rule, such as FREQ=MONTHLY;BYDAY=2MO</source>
         <translation>schreiben Sie eine Regel, etwa FREQ=MONTHLY;BYDAY=2MO</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="251"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="272"/>
         <source>Refused: %1</source>
         <translation>Abgelehnt: %1</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="257"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="278"/>
         <source>The item opens at its launch time, and again by the period in Preferences if one is set.</source>
         <translation>Das Objekt öffnet zu seiner Startzeit und, wenn einer eingestellt ist, wieder nach dem Zeitraum in den Einstellungen.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="263"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="285"/>
         <source>The rule has no time after now.</source>
         <translation>Die Regel hat keine Zeit nach jetzt.</translation>
     </message>
     <message>
-        <location filename="../../src/ui/RepeatEditor.cpp" line="263"/>
+        <location filename="../../src/ui/RepeatEditor.cpp" line="285"/>
         <source>Next: %1</source>
         <translation>Nächste: %1</translation>
     </message>
@@ -1821,7 +1831,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         <translation>die Regel trifft nie zu</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="364"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="375"/>
         <source>Every %n hour(s) from %1 to %2</source>
         <translation>
             <numerusform>Jede Stunde von %1 bis %2</numerusform>
@@ -1829,7 +1839,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="369"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="380"/>
         <source>Every %n minute(s)</source>
         <translation>
             <numerusform>Jede Minute</numerusform>
@@ -1837,7 +1847,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="373"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="384"/>
         <source>Every %n hour(s)</source>
         <translation>
             <numerusform>Jede Stunde</numerusform>
@@ -1845,12 +1855,12 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="381"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="392"/>
         <source>Every day at %1</source>
         <translation>Jeden Tag um %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="381"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="392"/>
         <source>Every %n day(s) at %1</source>
         <translation>
             <numerusform>Jeden Tag um %1</numerusform>
@@ -1858,17 +1868,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="401"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="412"/>
         <source>Weekdays at %1</source>
         <translation>Werktags um %1</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="404"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="415"/>
         <source>Weekends at %1</source>
         <translation>Am Wochenende um %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="406"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="417"/>
         <source>Every %n week(s) on %1 at %2</source>
         <translation>
             <numerusform>Jede Woche am %1 um %2</numerusform>
@@ -1876,7 +1886,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="414"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="425"/>
         <source>Every %n month(s) on the last day at %1</source>
         <translation>
             <numerusform>Jeden Monat am letzten Tag um %1</numerusform>
@@ -1884,7 +1894,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="416"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="427"/>
         <source>Every %n month(s) on the %1 %2 at %3</source>
         <translation>
             <numerusform>Jeden Monat am %1 %2 um %3</numerusform>
@@ -1892,7 +1902,7 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="419"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="430"/>
         <source>Every %n month(s) on day %1 at %2</source>
         <translation>
             <numerusform>Jeden Monat am %1. um %2</numerusform>
@@ -1900,17 +1910,17 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="425"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="436"/>
         <source>Every year on %1 at %2</source>
         <translation>Jedes Jahr am %1 um %2</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="431"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="442"/>
         <source>Custom: %1</source>
         <translation>Eigene Regel: %1</translation>
     </message>
     <message numerus="yes">
-        <location filename="../../src/schedule/Repeat.cpp" line="433"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="444"/>
         <source>, %n time(s)</source>
         <translation>
             <numerusform>, einmal</numerusform>
@@ -1918,22 +1928,22 @@ Exitstatus: 0 erledigt, 1 abgelehnt (der Grund steht auf der Standardfehlerausga
         </translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="435"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="446"/>
         <source>, until %1</source>
         <translation>, bis %1</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="483"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="494"/>
         <source>the text is not iCalendar</source>
         <translation>der Text ist kein iCalendar</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="487"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="498"/>
         <source>the text holds no event</source>
         <translation>der Text enthält keinen Termin</translation>
     </message>
     <message>
-        <location filename="../../src/schedule/Repeat.cpp" line="511"/>
+        <location filename="../../src/schedule/Repeat.cpp" line="522"/>
         <source>“%1” is not a time zone this computer knows</source>
         <translation>„%1“ ist keine Zeitzone, die dieser Computer kennt</translation>
     </message>

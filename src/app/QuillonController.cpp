@@ -216,6 +216,7 @@ void QuillonController::applicationWillTerminate()
 void QuillonController::timeZoneChanged()
 {
     forgetMediumDateFormats();
+    m_schedule.followSystemZone();
     m_window->model()->reloadAll();
     if (m_schedule.timersRunning())
         m_schedule.restartTimers();

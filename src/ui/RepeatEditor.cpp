@@ -13,6 +13,7 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QTimeEdit>
+#include <QTimeZone>
 
 namespace Quillon {
 namespace {
@@ -94,6 +95,15 @@ RepeatEditor::RepeatEditor(std::function<QDateTime()> now, QWidget *parent)
     m_until->setCalendarPopup(true);
     form->addRow(tr("&Ends:"), row(this, { m_ends, m_times, m_until }));
 
+    // By default a rule follows the computer's zone; a zone of its own keeps "07:00 in Berlin"
+    // wherever the laptop is.
+    m_zone = new QComboBox(this);
+    m_zone->setObjectName(QStringLiteral("repeatZone"));
+    m_zone->addItem(tr("The computer's"));
+    for (const QByteArray &id : QTimeZone::availableTimeZoneIds())
+        m_zone->addItem(QString::fromUtf8(id), id);
+    form->addRow(tr("Time &zone:"), m_zone);
+
     m_missed = new QComboBox(this);
     m_missed->setObjectName(QStringLiteral("missedPolicy"));
     m_missed->addItems({ tr("As in Preferences"), tr("Skip it"), tr("Run it once"), tr("Run it if less late than") });
@@ -113,7 +123,7 @@ RepeatEditor::RepeatEditor(std::function<QDateTime()> now, QWidget *parent)
     m_apply->setObjectName(QStringLiteral("applyRepeat"));
     form->addRow(QString(), row(this, { m_apply }));
 
-    for (QComboBox *box : { m_kind, m_ordinal, m_weekday, m_ends, m_missed })
+    for (QComboBox *box : { m_kind, m_ordinal, m_weekday, m_ends, m_zone, m_missed })
         connect(box, &QComboBox::currentIndexChanged, this, &RepeatEditor::refresh);
     for (QCheckBox *box : std::as_const(m_days))
         connect(box, &QCheckBox::toggled, this, &RepeatEditor::refresh);
@@ -147,6 +157,7 @@ void RepeatEditor::showRepeat(const Repeat &repeat)
     if (kind == Custom)
         m_custom->setText(repeat.rule());
     m_ends->setCurrentIndex(0);
+    m_zone->setCurrentIndex(std::max(0, m_zone->findData(repeat.zoneId())));
     const MissedPolicy policy = repeat.missed;
     m_missed->setCurrentIndex(int(policy.kind));
     if (policy.kind == MissedPolicy::Kind::Within)
@@ -223,8 +234,17 @@ std::optional<Repeat> RepeatEditor::rule(QString *why) const
         return std::nullopt;
     }
     std::optional<Repeat> repeat = Repeat::fromRule(text, why);
-    if (repeat && !repeat->hasStart())
-        repeat->anchorAt(m_start.isValid() ? m_start : m_now());
+    if (!repeat || repeat->hasStart())
+        return repeat;
+    const QDateTime start = m_start.isValid() ? m_start : m_now();
+    const QByteArray zone = m_zone->currentData().toByteArray();
+    if (zone.isEmpty() || !repeat->setZoneId(zone)) {
+        repeat->anchorAt(start);
+        return repeat;
+    }
+    // The time the picker shows, on the clocks of that zone.
+    const QDateTime local = start.toLocalTime();
+    repeat->anchorAt(wallClockInstant(QDateTime(local.date(), local.time(), Qt::UTC), QTimeZone(zone)));
     return repeat;
 }
 
@@ -241,6 +261,7 @@ void RepeatEditor::refresh()
     m_parts->setCurrentIndex(pages[kind]);
     m_parts->setVisible(pages[kind] != 0);
     const bool ends = kind != Never && kind != Custom;
+    m_zone->setEnabled(kind != Never);
     m_ends->setEnabled(ends);
     m_times->setVisible(ends && m_ends->currentIndex() == 1);
     m_until->setVisible(ends && m_ends->currentIndex() == 2);

@@ -61,6 +61,7 @@ private:
     QComboBox *m_ends = nullptr;
     QSpinBox *m_times = nullptr;
     QDateEdit *m_until = nullptr;
+    QComboBox *m_zone = nullptr;
     QComboBox *m_missed = nullptr;
     QSpinBox *m_lateMinutes = nullptr;
     QLabel *m_preview = nullptr;

@@ -59,6 +59,14 @@ private Q_SLOTS:
         ScheduleEditor &editor = controller.editor();
         editor.add({ home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }, Test::at(30));
         editor.setDate({ 1 }, Test::at(50));
+        // 07:00 every day: one item in whatever zone the system has, one pinned to Berlin.
+        const QDateTime sevenInBerlin(QDate(2027, 1, 16), QTime(7, 0), QTimeZone("Europe/Berlin"));
+        editor.add({ home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }, sevenInBerlin);
+        Repeat daily = *Repeat::fromRule(QStringLiteral("daily"));
+        QCOMPARE(editor.setRepeat({ 2 }, daily), QString());
+        QVERIFY(daily.setZoneId("Europe/Berlin"));
+        QCOMPARE(editor.setRepeat({ 3 }, daily), QString());
+        QCOMPARE(controller.schedule().dates().at(2), sevenInBerlin.toUTC());
         controller.schedule().startStopButtonClicked();
         const auto shown
             = [&controller](int row) { return controller.fileListWindow()->model()->index(row, ItemTableModel::LaunchTimeColumn).data().toString(); };
@@ -71,6 +79,8 @@ private Q_SLOTS:
         QVERIFY(linkZone("Asia/Tokyo"));
         QTRY_VERIFY2(shown(0).contains(wallTime(30, "Asia/Tokyo")), qPrintable(shown(0)));
         QCOMPARE(controller.schedule().dates().at(0), Test::at(30));
+        QCOMPARE(controller.schedule().dates().at(2), QDateTime(QDate(2027, 1, 16), QTime(7, 0), QTimeZone("Asia/Tokyo")).toUTC());
+        QCOMPARE(controller.schedule().dates().at(3), sevenInBerlin.toUTC());
         clock.advance(60'000);
         QCOMPARE(workspace.opened, (QStringList { home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }));
     }
