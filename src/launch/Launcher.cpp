@@ -1,5 +1,7 @@
 #include "Launcher.h"
 
+#include "FileTrust.h"
+
 #include "Log.h"
 #include "MailSettings.h"
 #include "Preferences.h"
@@ -142,6 +144,10 @@ void Launcher::drain()
         const Launch launch = m_waiting.dequeue().launch;
         const QString &path = launch.path;
         if (isScriptPath(path)) {
+            if (const QString why = FileTrust::whyNotRun(path, FileTrust::Kind::Script); !why.isEmpty()) {
+                Q_EMIT scriptEnded(launch, ScriptEnd::Failed, why);
+                continue;
+            }
             m_scriptRunning = true;
             m_runningScript = launch;
             m_preferences.synchronize();

@@ -16,7 +16,8 @@ public:
     virtual ~Workspace() = default;
     // What an opening turned out to be, and how it ended.
     enum class OpenedAs { Document, Program, Application, Folder };
-    enum class OpenFailure { None, Vanished, CannotOpen };
+    // NotTrusted: a desktop entry that is not the user's own is not run.
+    enum class OpenFailure { None, Vanished, CannotOpen, NotTrusted };
     struct Opening
     {
         OpenedAs as = OpenedAs::Document;

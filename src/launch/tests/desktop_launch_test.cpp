@@ -229,7 +229,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected"); // %1 the item, %2 its folder
         QTest::newRow("document in its default application") << "docs/My Notes.txt" << QByteArray("hello") << false << "handler %1\n";
         QTest::newRow("desktop file runs its Exec line")
-            << "apps/tool.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> MARKER\"\n") << false
+            << "apps/tool.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Tool\nExec=/bin/sh -c \"echo desktop-ran >> MARKER\"\n") << true
             << "desktop-ran\n";
         QTest::newRow("document with the run bit opens in its application")
             << "notes.txt" << QByteArray("echo ran-as-shell >> MARKER\n") << true << "handler %1\n";
@@ -257,6 +257,29 @@ private Q_SLOTS:
             readFile(m_marker), expected.replace(QLatin1String("%1"), FileName::display(item)).replace(QLatin1String("%2"), QFileInfo(file).absolutePath()));
         // A script is reaped from the event loop: the next test holds the loop up and counts zombies.
         waitForScript();
+    }
+
+    // Another user's desktop entry and script, readable by all, do not run as this user; each
+    // failure says why. (A folder the user added may hold them: a shared one, ~/Downloads.)
+    void anotherUsersFilesDoNotRun()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Giving a file to another user needs root.");
+        const QString entry = m_home.filePath(QStringLiteral("shared/evil.desktop")), script = m_home.filePath(QStringLiteral("shared/run.scpt"));
+        QVERIFY(Test::writeFile(entry, "[Desktop Entry]\nType=Application\nName=Evil\nExec=/bin/sh -c \"echo ran >> '" + m_marker.toUtf8() + "'\"\n", true));
+        QVERIFY(Test::writeFile(script, "echo ran >> '" + m_marker.toUtf8() + "'\n"));
+        for (const QString &file : { entry, script })
+            QVERIFY(::chown(FileName::encode(file).constData(), 65534, 65534) == 0);
+        QStringList why;
+        const QObject watch;
+        connect(m_launcher.get(), &Launcher::failed, &watch, [&why](const Launch &, Workspace::OpenFailure, const QString &detail) { why << detail; });
+        connect(m_launcher.get(), &Launcher::scriptEnded, &watch, [&why](const Launch &, Launcher::ScriptEnd, const QString &detail) { why << detail; });
+        m_launcher->launchAllNow({ entry, script });
+        QTRY_COMPARE(why.size(), 2);
+        for (const QString &detail : std::as_const(why))
+            QVERIFY2(detail.contains(QLatin1String("another user")), qPrintable(detail));
+        QTest::qWait(200);
+        QVERIFY(!QFile::exists(m_marker));
     }
 
     // Reaped off the event loop: a loop held up must not leave children holding descriptors until spawning fails.
@@ -295,9 +318,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("reason");
         QTest::newRow("missing file") << "gone.txt" << QByteArray() << false << false << "the file no longer exists";
         QTest::newRow("desktop file naming no program")
-            << "broken.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Broken\nExec=/no/such/program\n") << false << true
+            << "broken.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=Broken\nExec=/no/such/program\n") << true << true
             << "the program it names is not installed";
-        QTest::newRow("not a desktop entry") << "junk.desktop" << QByteArray("just text\n") << false << true << "not a valid desktop entry";
+        QTest::newRow("not a desktop entry") << "junk.desktop" << QByteArray("just text\n") << true << true << "not a valid desktop entry";
+        QTest::newRow("desktop file not marked executable")
+            << "plain.desktop" << QByteArray("[Desktop Entry]\nType=Application\nName=P\nExec=true\n") << false << false << "marked executable";
         QTest::newRow("executable with a missing interpreter") << "job" << QByteArray("#!/no/such/interpreter\n") << true << true << "No such file";
     }
     void failureToStartIsLogged()

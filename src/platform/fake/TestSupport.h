@@ -13,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTranslator>
 
+#include <ctime>
+
 #include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -35,6 +37,22 @@ inline QDateTime at(double offsetSecs)
 {
     return QDateTime::fromMSecsSinceEpoch(Now + qint64(offsetSecs * 1000));
 }
+
+// The system's zone for as long as it lives, as a change of /etc/localtime would set it for the
+// program; an empty zone leaves the machine's.
+struct SystemZone
+{
+    explicit SystemZone(const QByteArray &zone) { set(zone); }
+    ~SystemZone() { set({}); }
+    static void set(const QByteArray &zone)
+    {
+        if (zone.isEmpty())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", zone);
+        ::tzset();
+    }
+};
 
 inline bool writeFile(const QString &path, const QByteArray &text = {}, bool executable = false)
 {

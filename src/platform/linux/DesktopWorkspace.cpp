@@ -1,6 +1,7 @@
 #include "DesktopWorkspace.h"
 
 #include "FileName.h"
+#include "FileTrust.h"
 #include "Log.h"
 
 #include <QDBusConnection>
@@ -350,6 +351,17 @@ bool DesktopWorkspace::openFile(const QString &path, OpenDone done)
     const QByteArray folder = file.left(qMax(1, int(file.lastIndexOf('/'))));
     const QByteArray appRun = file + "/AppRun";
     if (isFile && file.endsWith(".desktop")) {
+        if (const QString why = FileTrust::whyNotRun(path, FileTrust::Kind::DesktopEntry); !why.isEmpty()) {
+            systemLog(failureLine(path, why));
+            if (done)
+                QMetaObject::invokeMethod(
+                    &m_logContext,
+                    [done, why] {
+                        done({ OpenedAs::Application, OpenFailure::NotTrusted, why });
+                    },
+                    Qt::QueuedConnection);
+            return false;
+        }
         inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, OpenedAs::Application, std::move(done));
     } else if (isFile && ::access(file.constData(), X_OK) == 0 && isProgramByContent(file)) {
         inBackground([this, file, folder] { return startProgram(file, folder, m_reaper); }, path, OpenedAs::Program, std::move(done));

@@ -53,15 +53,7 @@ private Q_SLOTS:
         QFETCH(QList<int>, rows);
         QFETCH(int, armed);
         QFETCH(QByteArray, restoredIn);
-        const auto zone = [](const QByteArray &name) {
-            qputenv("TZ", name);
-            ::tzset();
-        };
-        zone("Europe/Berlin");
-        auto noZone = qScopeGuard([] {
-            qunsetenv("TZ");
-            ::tzset();
-        });
+        Test::SystemZone zone("Europe/Berlin");
         const QStringList paths = { file("a.txt"), file("b.txt"), file("c.txt") };
         // Moments: a local date of the test itself would move with the zone.
         const QList<QDateTime> dates { at(100).toUTC(), at(200).toUTC(), at(-300).toUTC() };
@@ -79,7 +71,7 @@ private Q_SLOTS:
             QCOMPARE(s->saveItems(), deleteMiddle ? QStringList { paths[1] } : QStringList {});
         }
         m_clock.advance(qint64(hoursLater) * 3600'000);
-        zone(restoredIn);
+        Test::SystemZone::set(restoredIn);
         auto resetClock = qScopeGuard([this] { m_clock.setClock(Now); });
         auto s = makeSchedule();
         QSignalSpy alerts(s.get(), &Schedule::alertRequested);

@@ -3,8 +3,6 @@
 
 #include <QTest>
 
-#include <time.h>
-
 using namespace Quillon;
 
 namespace {
@@ -13,20 +11,6 @@ QDateTime utc(const char *text)
     return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODate).toUTC();
 }
 
-// Sets the system zone for the test, as a change of /etc/localtime would for the program.
-struct SystemZone
-{
-    explicit SystemZone(const QByteArray &zone)
-    {
-        qputenv("TZ", zone);
-        tzset();
-    }
-    ~SystemZone()
-    {
-        qunsetenv("TZ");
-        tzset();
-    }
-};
 } // namespace
 
 class RepeatTest : public QObject
@@ -91,7 +75,7 @@ private Q_SLOTS:
         QFETCH(QStringList, exceptions);
         QFETCH(QDateTime, after);
         QFETCH(QStringList, expected);
-        const SystemZone zone(system.isEmpty() ? QByteArray("America/New_York") : system);
+        const Test::SystemZone zone(system.isEmpty() ? QByteArray("America/New_York") : system);
 
         std::optional<Repeat> repeat = Repeat::fromRule(rule);
         QVERIFY(repeat);
@@ -166,30 +150,6 @@ private Q_SLOTS:
         QVERIFY(repeat);
         repeat->anchorAt(QDateTime(QDate(2027, 6, 1), QTime(7, 0)));
         QCOMPARE(repeat->describe(), words);
-    }
-
-    void missedPolicies_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<qint64>("lateSecs");
-        QTest::addColumn<bool>("opensByDefault");
-        QTest::addColumn<bool>("opens");
-        QTest::newRow("default follows the preference") << "default" << qint64(99'999) << true << true;
-        QTest::newRow("skip") << "skip" << qint64(1) << true << false;
-        QTest::newRow("once, however late") << "once" << qint64(99'999) << false << true;
-        QTest::newRow("within, in time") << "within 1h" << qint64(3599) << false << true;
-        QTest::newRow("within, too late") << "within 90m" << qint64(5400) << true << false;
-    }
-    void missedPolicies()
-    {
-        QFETCH(QString, text);
-        QFETCH(qint64, lateSecs);
-        QFETCH(bool, opensByDefault);
-        QFETCH(bool, opens);
-        const std::optional<MissedPolicy> policy = MissedPolicy::parse(text);
-        QVERIFY(policy);
-        QCOMPARE(policy->opens(lateSecs, opensByDefault), opens);
-        QCOMPARE(MissedPolicy::parse(policy->toString()), policy);
     }
 };
 

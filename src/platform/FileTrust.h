@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+namespace Quillon::FileTrust {
+
+// What Quillon runs as the user itself (a desktop entry, a script) must be the user's own: owned
+// by the user or by root, writable by nobody else, in a folder nobody else can change (a sticky
+// one such as /tmp is fine), and, for a desktop entry outside the system's application folders,
+// marked executable as the desktop's file managers ask. Another user's file in a shared folder
+// would otherwise run as whoever added the folder. Returns why not, or nothing when it may run
+// (or is not there at all: that is for whoever opens it to say).
+enum class Kind { DesktopEntry, Script };
+QString whyNotRun(const QString &path, Kind kind);
+
+} // namespace Quillon::FileTrust
