@@ -128,8 +128,35 @@ bool SettingsFile::lockIsFree() const
     return false;
 }
 
+QString SettingsFile::refusalOfFolder()
+{
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    for (const QString &folder : { config, config + QStringLiteral("/Quillon") }) {
+        struct stat st
+        {
+        };
+        if (::stat(QFile::encodeName(folder).constData(), &st) != 0)
+            continue;
+        QString why;
+        if (st.st_uid != ::geteuid())
+            why = QStringLiteral("another user owns it");
+        else if (st.st_mode & (S_IWGRP | S_IWOTH))
+            why = QStringLiteral("others can write in it");
+        if (why.isEmpty())
+            continue;
+        systemLog(QStringLiteral("The settings folder %1 is not yours alone (%2): Quillon neither reads nor writes settings there, and starts with "
+                                 "its defaults. Give it to yourself alone (chmod go-w) or set XDG_CONFIG_HOME to a folder of your own.")
+                      .arg(folder, why));
+        return why;
+    }
+    return {};
+}
+
 SettingsFile::SettingsFile()
-    : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Quillon"), QStringLiteral("Quillon"))
+    // With a refused folder, a store with no file: what is set lives until the process ends.
+    : m_settings(
+        m_refusal.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Quillon/Quillon.conf") : QString(),
+        QSettings::IniFormat)
 {
     // One file only: a Quillon.conf beside the folder or under /etc/xdg must not act as defaults.
     m_settings.setFallbacksEnabled(false);
@@ -159,6 +186,10 @@ void SettingsFile::inspectExistingFile()
 
 void SettingsFile::setValue(QAnyStringView key, const QVariant &value)
 {
+    if (!m_refusal.isEmpty()) {
+        m_settings.setValue(key, value);
+        return;
+    }
     // Nothing may even be pending for a file that cannot be kept: QSettings writes pending changes
     // on its own when it is destroyed.
     if (!keepProblemFileAside() || !lockIsFree())
@@ -169,6 +200,11 @@ void SettingsFile::setValue(QAnyStringView key, const QVariant &value)
 
 void SettingsFile::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
 {
+    if (!m_refusal.isEmpty()) {
+        for (const auto &[key, value] : values)
+            m_settings.setValue(key, value);
+        return;
+    }
     if (!keepProblemFileAside() || !lockIsFree())
         return;
     for (const auto &[key, value] : values)
@@ -178,6 +214,10 @@ void SettingsFile::setValues(const QList<std::pair<QAnyStringView, QVariant>> &v
 
 void SettingsFile::remove(QAnyStringView key)
 {
+    if (!m_refusal.isEmpty()) {
+        m_settings.remove(key);
+        return;
+    }
     if (!keepProblemFileAside() || !lockIsFree())
         return;
     m_settings.remove(key);
@@ -209,6 +249,8 @@ void SettingsFile::synchronize()
 
 void SettingsFile::makeFolder() const
 {
+    if (!m_refusal.isEmpty())
+        return;
     const QString dir = QFileInfo(m_settings.fileName()).absolutePath();
     if (QFileInfo::exists(dir))
         return;
@@ -218,6 +260,8 @@ void SettingsFile::makeFolder() const
 
 QString SettingsFile::windowStateFileName(bool forWriting) const
 {
+    if (!m_refusal.isEmpty())
+        return {};
     QString name = QFileInfo(m_settings.fileName()).absolutePath() + QStringLiteral("/window.conf");
     if (!forWriting)
         return name;

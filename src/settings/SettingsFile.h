@@ -38,6 +38,7 @@ public:
 
 private:
     static bool setAsideOddFiles();
+    static QString refusalOfFolder();
     // Waits a bounded time for the lock QSettings takes; false (and logged) when another process
     // holds it, so that nothing is left pending for QSettings to wait on for ever.
     bool lockIsFree() const;
@@ -56,8 +57,11 @@ private:
     };
     FileStamp currentStamp() const;
 
+    // Why the settings folder is not used: another user owns it, or others can write in it (a
+    // shared folder as XDG_CONFIG_HOME). Then the settings live in memory only, as defaults.
+    QString m_refusal = refusalOfFolder();
     // Before m_settings: QSettings would block for ever opening a FIFO put in the file's place.
-    bool m_oddFilesSetAside = setAsideOddFiles();
+    bool m_oddFilesSetAside = m_refusal.isEmpty() && setAsideOddFiles();
     mutable QSettings m_settings;
     FileStamp m_readStamp;
     // Why the file found at start could not be read whole; empty when it could.

@@ -91,6 +91,42 @@ private Q_SLOTS:
         QCOMPARE(Test::modeOf(home.path()), 0700u);
     }
 
+    // A settings folder that is not the user's alone (XDG_CONFIG_HOME pointing at a shared folder)
+    // is neither read nor written: its list is not loaded, its file keeps its bytes and mode.
+    void aFolderNotOurOwnIsRefused_data()
+    {
+        QTest::addColumn<QString>("folder"); // the one given away, under XDG_CONFIG_HOME
+        QTest::addColumn<uint>("mode");
+        QTest::addColumn<bool>("others"); // owned by another user (root only)
+        QTest::newRow("config home anyone can write") << "" << 0777u << false;
+        QTest::newRow("our folder anyone can write") << "Quillon" << 0777u << false;
+        QTest::newRow("our folder, another user's") << "Quillon" << 0700u << true;
+    }
+    void aFolderNotOurOwnIsRefused()
+    {
+        QFETCH(QString, folder);
+        QFETCH(uint, mode);
+        QFETCH(bool, others);
+        if (others && ::geteuid() != 0)
+            QSKIP("Giving a folder to another user needs root.");
+        QTemporaryDir home;
+        const QString file = home.filePath(QStringLiteral("Quillon/Quillon.conf"));
+        const QByteArray planted = "[General]\nItems=/etc/passwd\nTimersRunning=true\n";
+        QVERIFY(Test::writeFile(file, planted));
+        ::chmod(QFile::encodeName(file).constData(), 0666);
+        const QByteArray given = QFile::encodeName(home.filePath(folder));
+        QCOMPARE(::chmod(given.constData(), mode), 0);
+        if (others)
+            QCOMPARE(::chown(given.constData(), Nobody, Nobody), 0);
+        QProcess probe;
+        QCOMPARE(runProbe(probe, home.path()), 0);
+        const QString log = QString::fromUtf8(probe.readAllStandardError());
+        QVERIFY2(log.contains(QLatin1String("is not yours alone")), qPrintable(log));
+        QCOMPARE(Test::readFile(file).toUtf8(), planted);
+        QCOMPARE(Test::modeOf(file), 0666u);
+        QCOMPARE(QDir(home.filePath(QStringLiteral("Quillon"))).entryList(QDir::Files | QDir::Hidden), QStringList { QStringLiteral("Quillon.conf") });
+    }
+
     // A FIFO would block open for ever, a folder as lock every save: set aside with a log line, and the list is saved.
     void oddFilesInTheSettingsFolder_data()
     {
@@ -181,7 +217,7 @@ sys.stdout.buffer.write(seen)
             QSKIP("Needs root to mount a small tmpfs.");
         // One place for every row: QSettings learns where its files live once per process.
         QTemporaryDir &mountPoint = m_mountPoint;
-        QVERIFY(::mount("quillon-test", QFile::encodeName(mountPoint.path()).constData(), "tmpfs", 0, "size=64k") == 0);
+        QVERIFY(::mount("quillon-test", QFile::encodeName(mountPoint.path()).constData(), "tmpfs", 0, "size=64k,mode=0700") == 0);
         auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(mountPoint.path()).constData(), MNT_DETACH); });
         const QString real = mountPoint.filePath(QStringLiteral("dotfiles/Quillon.conf"));
         if (throughLink) {
