@@ -280,13 +280,34 @@ bool SettingsFile::keepProblemFileAside()
         return true;
     const QString original = m_settings.fileName();
     const QString copy = original + QStringLiteral(".unreadable-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    // A hard link needs no read permission and keeps the file exactly as it was, mode included.
-    if (::link(QFile::encodeName(original).constData(), QFile::encodeName(copy).constData()) != 0 && !QFile::copy(original, copy)) {
+    // The copy is the file's bytes but for the mail password, which must not outlive its move to
+    // the keyring in a file nobody looks at. A file that cannot be read cannot be copied so: it is
+    // left as it is, and nothing is written over it.
+    QFile in(original);
+    if (!in.open(QIODevice::ReadOnly)) {
+        systemLog(
+            QStringLiteral("Could not keep a copy of the settings file %1 (%2); nothing is saved, so it is not written over.").arg(original, in.errorString()));
+        return false;
+    }
+    QList<QByteArray> lines = in.readAll().split('\n');
+    const qsizetype all = lines.size();
+    lines.removeIf([](const QByteArray &line) {
+        const QByteArray key = line.trimmed();
+        return key.startsWith(QByteArrayView(Keys::LoginPassword)) && key.mid(Keys::LoginPassword.size()).trimmed().startsWith('=');
+    });
+    const QByteArray kept = lines.join('\n');
+    const int fd = ::open(QFile::encodeName(copy).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const bool written = fd >= 0 && ::write(fd, kept.constData(), size_t(kept.size())) == kept.size() && ::fsync(fd) == 0;
+    if (fd >= 0)
+        ::close(fd);
+    if (!written) {
+        ::unlink(QFile::encodeName(copy).constData());
         systemLog(
             QStringLiteral("Could not keep a copy of the settings file %1 (%2); nothing is saved, so it is not written over.").arg(original, errnoText()));
         return false;
     }
-    systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2.").arg(original, copy));
+    systemLog(QStringLiteral("The settings file %1 could not be read whole; it was kept as %2%3.")
+                  .arg(original, copy, lines.size() < all ? QStringLiteral(", without the mail password") : QString()));
     // QSettings writes into a fresh file only what is set again after it parsed the old one, so
     // every key of ours that could be read is set again. Anything else parsed out of a damaged
     // file is most likely its damage (100 MB of junk reads as 100,000 keys): the copy keeps it.
