@@ -9,7 +9,8 @@ endif()
 foreach(path usr/bin/quillon usr/libexec/quillon/quillon-wake usr/share/applications/org.quillon.Quillon.desktop
              usr/share/metainfo/org.quillon.Quillon.metainfo.xml usr/share/icons/hicolor/scalable/apps/org.quillon.Quillon.svg
              usr/share/icons/hicolor/48x48/apps/org.quillon.Quillon.png usr/share/quillon/translations/quillon_de.qm
-             usr/share/quillon/help/index.html)
+             usr/share/quillon/help/index.html usr/share/man/man1/quillon.1.gz usr/share/bash-completion/completions/quillon
+             usr/share/zsh/vendor-completions/_quillon usr/share/fish/vendor_completions.d/quillon.fish)
     if(NOT EXISTS ${stage}/${path})
         message(FATAL_ERROR "not installed: /${path}")
     endif()
@@ -21,5 +22,18 @@ endif()
 execute_process(COMMAND appstreamcli validate --no-net ${stage}/usr/share/metainfo/org.quillon.Quillon.metainfo.xml RESULT_VARIABLE rc)
 if(NOT rc EQUAL 0)
     message(FATAL_ERROR "appstreamcli validate failed")
+endif()
+# The man page has the verbs of --help, and the shell completes them.
+execute_process(COMMAND gzip -dc ${stage}/usr/share/man/man1/quillon.1.gz OUTPUT_VARIABLE man)
+foreach(verb "upcoming" "export FILE.ics" "FILES" "Quillon.conf")
+    string(FIND "${man}" "${verb}" at)
+    if(at LESS 0)
+        message(FATAL_ERROR "the man page does not say ${verb}")
+    endif()
+endforeach()
+execute_process(COMMAND bash -c "source '${stage}/usr/share/bash-completion/completions/quillon'; COMP_WORDS=(quillon re); COMP_CWORD=1; _quillon; echo \${COMPREPLY[*]}; COMP_WORDS=(quillon add x --repeat we); COMP_CWORD=4; _quillon; echo \${COMPREPLY[*]}"
+                OUTPUT_VARIABLE completed)
+if(NOT completed STREQUAL "remove repeat\nweekdays weekends weekly\n")
+    message(FATAL_ERROR "bash completes '${completed}'")
 endif()
 message(STATUS "installed files: 1 passed, 0 failed")
