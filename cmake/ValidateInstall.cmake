@@ -10,7 +10,8 @@ foreach(path usr/bin/quillon usr/libexec/quillon/quillon-wake usr/share/applicat
              usr/share/metainfo/org.quillon.Quillon.metainfo.xml usr/share/icons/hicolor/scalable/apps/org.quillon.Quillon.svg
              usr/share/icons/hicolor/48x48/apps/org.quillon.Quillon.png usr/share/quillon/translations/quillon_de.qm
              usr/share/quillon/help/index.html usr/share/man/man1/quillon.1.gz usr/share/bash-completion/completions/quillon
-             usr/share/zsh/vendor-completions/_quillon usr/share/fish/vendor_completions.d/quillon.fish)
+             usr/share/zsh/vendor-completions/_quillon usr/share/fish/vendor_completions.d/quillon.fish
+             usr/share/dbus-1/services/org.quillon.Quillon.service)
     if(NOT EXISTS ${stage}/${path})
         message(FATAL_ERROR "not installed: /${path}")
     endif()

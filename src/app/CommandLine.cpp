@@ -14,6 +14,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusReply>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
@@ -54,14 +55,20 @@ bool instanceRuns(const QDBusConnection &bus)
     return bus.isConnected() && bus.interface()->isServiceRegistered(QLatin1String(ScriptingService::ServiceName));
 }
 
-// As a start at login does: the schedule as saved, the window out of the way. This process is a
-// command, not the app: waiting here holds up nobody's window.
+// As a start at login does: the schedule as saved, the window out of the way. The session bus
+// starts it from its service file, with the session's environment, working folder and umask: a
+// command's own (a secret in its environment, umask 000, a folder on a stick) are not passed on.
 bool startInstance(const QDBusConnection &bus)
 {
-    // Its output must not go to ours: a pipe that closes when this command ends would take it down.
+    const QDBusReply<uint> activated = bus.interface()->call(QStringLiteral("StartServiceByName"), QLatin1String(ScriptingService::ServiceName), 0u);
+    if (activated.isValid() || instanceRuns(bus))
+        return true;
+    // Not installed (a build run from its folder): started directly, from the home folder.
+    systemLog(QStringLiteral("The session bus could not start Quillon (%1); starting it directly.").arg(activated.error().message()));
     QProcess instance;
     instance.setProgram(QCoreApplication::applicationFilePath());
     instance.setArguments({ QStringLiteral("--autostart") });
+    instance.setWorkingDirectory(QDir::homePath());
     instance.setStandardInputFile(QProcess::nullDevice());
     instance.setStandardOutputFile(QProcess::nullDevice());
     instance.setStandardErrorFile(QProcess::nullDevice());

@@ -22,12 +22,15 @@
 #include <QCommandLineParser>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDir>
+#include <QFile>
 #include <QIcon>
 #include <QStandardPaths>
 
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace Quillon;
 
@@ -79,6 +82,10 @@ int main(int argc, char *argv[])
         installTranslations(app);
         return CommandLine::run(arguments);
     }
+    // The folder it was started from is no business of a program that runs for weeks: kept as the
+    // working folder, it would hold a removable disk busy. Done before any thread exists.
+    if (::chdir(QFile::encodeName(QDir::homePath()).constData()) != 0)
+        std::fprintf(stderr, "quillon: could not change to the home folder\n");
     QCommandLineParser parser;
     QCommandLineOption autostart(QStringLiteral("autostart"));
     describeOptions(parser, autostart);

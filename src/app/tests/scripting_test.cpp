@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <csignal>
+#include <sys/stat.h>
 
 using namespace Quillon;
 using Test::readFile;
@@ -34,7 +35,10 @@ private Q_SLOTS:
         // building leaks what it made.
         qDBusRegisterMetaType<ListedOutcome>();
         qDBusRegisterMetaType<ListedOutcomes>();
-        QVERIFY(m_daemon.start());
+        // The session's bus, which starts Quillon from its service file with its own environment.
+        QProcessEnvironment session = Test::sessionEnvironment(m_home);
+        session.insert(QStringLiteral("XDG_DATA_DIRS"), QStringLiteral(QUILLON_SERVICE_DATA ":/usr/share"));
+        QVERIFY(m_daemon.start(session));
         m_bus = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(m_daemon.address(), QStringLiteral("test")));
         QVERIFY(m_bus->isConnected());
         for (const char *name : { "a.txt", "Grüße/c.txt", "forged\n2  row.txt" })
@@ -72,6 +76,32 @@ private Q_SLOTS:
         QCOMPARE(json.at(0).toObject().value(QStringLiteral("row")).toInt(), 1);
         QCOMPARE(json.at(0).toObject().value(QStringLiteral("date")).toInteger(), items.at(0).date);
         QVERIFY(!json.at(0).toObject().value(QStringLiteral("opened")).toBool());
+    }
+
+    // Started for a command, Quillon has the session's environment, umask and home folder, not the
+    // command's: no secret of its environment, no umask 000, no folder kept busy.
+    void aBackgroundStartIsTheSessions()
+    {
+        stopInstance();
+        QTemporaryDir elsewhere;
+        QProcess add;
+        QProcessEnvironment env = Test::sessionEnvironment(m_home);
+        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_daemon.address());
+        env.insert(QStringLiteral("SECRET_TOKEN"), QStringLiteral("s3cr3t"));
+        add.setProcessEnvironment(env);
+        add.setWorkingDirectory(elsewhere.path());
+        add.setChildProcessModifier([] { ::umask(0); });
+        add.start(QStringLiteral(QUILLON_BINARY), { QStringLiteral("add"), file("a.txt"), QStringLiteral("--at"), QStringLiteral("+1h") });
+        QVERIFY(add.waitForFinished(30'000));
+        QCOMPARE(add.exitCode(), 0);
+        const QDBusReply<uint> pid = m_bus->interface()->servicePid(QLatin1String(ScriptingService::ServiceName));
+        QVERIFY(pid.isValid());
+        const QString proc = QStringLiteral("/proc/%1/").arg(pid.value());
+        QCOMPARE(QFileInfo(proc + QStringLiteral("cwd")).symLinkTarget(), QDir::homePath());
+        QVERIFY(!Test::readFile(proc + QStringLiteral("environ")).contains(QLatin1String("SECRET_TOKEN")));
+        const mode_t ours = ::umask(022);
+        ::umask(ours);
+        QVERIFY(Test::readFile(proc + QStringLiteral("status")).contains(QStringLiteral("Umask:\t%1\n").arg(uint(ours), 4, 8, QLatin1Char('0'))));
     }
 
     // Each verb's refusals and wrong uses, with the instance running.

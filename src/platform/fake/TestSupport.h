@@ -153,8 +153,10 @@ private:
 class PrivateBus
 {
 public:
-    bool start()
+    // env: what the bus starts services with (its own, as a session's bus passes on its own).
+    bool start(const QProcessEnvironment &env = QProcessEnvironment::systemEnvironment())
     {
+        m_daemon.setProcessEnvironment(env);
         m_daemon.start(QStringLiteral("dbus-daemon"), { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1") });
         if (!m_daemon.waitForReadyRead(10'000))
             return false;
