@@ -61,6 +61,23 @@ private Q_SLOTS:
     void cleanup() { QVERIFY2(m_log.filter(Old).isEmpty() && m_log.filter(New).isEmpty(), qPrintable(m_log.join(QLatin1Char('\n')))); }
 
     // Into the keyring from the settings file; without a keyring the file keeps it and the log says why, once.
+    // A Secret Service that takes the call and never answers (an unlock prompt left open): each
+    // call is answered as without a keyring once its time is up, and the log says so once.
+    void aKeyringThatNeverAnswersIsLeft()
+    {
+        if (!qEnvironmentVariableIsSet("QUILLON_SILENT_KEYRING"))
+            QSKIP("Runs on a bus whose Secret Service never answers (with_silent_keyring.sh).");
+        KeychainSecretStore silent(QStringLiteral("org.quillon.Quillon.test"), std::chrono::milliseconds(500));
+        QStringList answers;
+        for (int i = 0; i < 2; ++i)
+            silent.read(QString::fromLatin1(Keys::LoginPassword), [&answers](SecretStore::Result result, const QString &secret, const QString &error) {
+                answers << QStringLiteral("%1 %2 %3").arg(int(result)).arg(secret, error);
+            });
+        QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 2, 5'000);
+        QCOMPARE(answers.at(0), QStringLiteral("%1  the keyring did not answer in time").arg(int(SecretStore::Result::Unavailable)));
+        QCOMPARE(m_log.filter(QStringLiteral("did not answer within")).size(), 1);
+    }
+
     void passwordMovesIntoTheKeyringOrStaysInTheFile()
     {
         m_settings.writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");

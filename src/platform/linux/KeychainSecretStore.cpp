@@ -1,9 +1,15 @@
 #include "KeychainSecretStore.h"
 
+#include "Log.h"
+
+#include <QTimer>
+
 #include <qt6keychain/keychain.h>
 
 namespace Quillon {
 namespace {
+const QString Timeout = QStringLiteral("the keyring did not answer in time");
+
 SecretStore::Result resultOf(const QKeychain::Job *job)
 {
     switch (job->error()) {
@@ -28,18 +34,35 @@ template<typename JobType> JobType *makeJob(const QString &service, const QStrin
 }
 } // namespace
 
-KeychainSecretStore::KeychainSecretStore(QString service, QObject *parent)
+KeychainSecretStore::KeychainSecretStore(QString service, std::chrono::milliseconds timeout, QObject *parent)
     : QObject(parent)
     , m_service(std::move(service))
+    , m_timeout(timeout)
 { }
+
+void KeychainSecretStore::answerInTime(QKeychain::Job *job, std::function<void(bool inTime)> done)
+{
+    auto answered = std::make_shared<bool>(false);
+    connect(job, &QKeychain::Job::finished, this, [answered, done] {
+        if (!std::exchange(*answered, true))
+            done(true);
+    });
+    QTimer::singleShot(m_timeout, this, [this, answered, done] {
+        if (std::exchange(*answered, true))
+            return;
+        if (!std::exchange(m_saidSlow, true))
+            systemLog(QStringLiteral("The keyring did not answer within %1 s (an unlock prompt left open?); Quillon carries on as without one.")
+                          .arg(m_timeout.count() / 1000.0));
+        done(false);
+    });
+}
 
 void KeychainSecretStore::read(const QString &key, ReadDone done)
 {
     auto *job = makeJob<QKeychain::ReadPasswordJob>(m_service, key, this);
-    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) {
-        const auto *read = static_cast<QKeychain::ReadPasswordJob *>(finished);
-        const Result result = resultOf(read);
-        done(result, result == Result::Ok ? read->textData() : QString(), read->errorString());
+    answerInTime(job, [job, done = std::move(done)](bool inTime) {
+        const Result result = inTime ? resultOf(job) : Result::Unavailable;
+        done(result, result == Result::Ok ? job->textData() : QString(), inTime ? job->errorString() : Timeout);
     });
     job->start();
 }
@@ -48,14 +71,16 @@ void KeychainSecretStore::write(const QString &key, const QString &secret, Done 
 {
     auto *job = makeJob<QKeychain::WritePasswordJob>(m_service, key, this);
     job->setTextData(secret);
-    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) { done(resultOf(finished), finished->errorString()); });
+    answerInTime(
+        job, [job, done = std::move(done)](bool inTime) { done(inTime ? resultOf(job) : Result::Unavailable, inTime ? job->errorString() : Timeout); });
     job->start();
 }
 
 void KeychainSecretStore::remove(const QString &key, Done done)
 {
     auto *job = makeJob<QKeychain::DeletePasswordJob>(m_service, key, this);
-    connect(job, &QKeychain::Job::finished, this, [done = std::move(done)](QKeychain::Job *finished) { done(resultOf(finished), finished->errorString()); });
+    answerInTime(
+        job, [job, done = std::move(done)](bool inTime) { done(inTime ? resultOf(job) : Result::Unavailable, inTime ? job->errorString() : Timeout); });
     job->start();
 }
 
