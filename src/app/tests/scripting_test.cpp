@@ -35,6 +35,8 @@ private Q_SLOTS:
         // building leaks what it made.
         qDBusRegisterMetaType<ListedOutcome>();
         qDBusRegisterMetaType<ListedOutcomes>();
+        qDBusRegisterMetaType<UpcomingMoment>();
+        qDBusRegisterMetaType<UpcomingMoments>();
         // The session's bus, which starts Quillon from its service file with its own environment.
         QProcessEnvironment session = Test::sessionEnvironment(m_home);
         session.insert(QStringLiteral("XDG_DATA_DIRS"), QStringLiteral(QUILLON_SERVICE_DATA ":/usr/share"));
