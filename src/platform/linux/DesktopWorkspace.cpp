@@ -334,34 +334,23 @@ bool DesktopWorkspace::openFile(const QString &path, OpenDone done)
     {
     };
     const bool exists = ::stat(file.constData(), &st) == 0;
-    if (!exists && ::lstat(file.constData(), &st) != 0) {
-        const QString why = QStringLiteral("the file no longer exists");
-        systemLog(failureLine(path, why));
+    // Refused before anything starts: logged now, told from the event loop as every answer is.
+    const auto refuse = [&](const Opening &opening) {
+        systemLog(failureLine(path, opening.detail));
         if (done)
             QMetaObject::invokeMethod(
-                &m_logContext,
-                [done, why] {
-                    done({ OpenedAs::Document, OpenFailure::Vanished, why });
-                },
-                Qt::QueuedConnection);
+                &m_logContext, [done, opening] { done(opening); }, Qt::QueuedConnection);
         return false;
-    }
+    };
+    if (!exists && ::lstat(file.constData(), &st) != 0)
+        return refuse({ OpenedAs::Document, OpenFailure::Vanished, QStringLiteral("the file no longer exists") });
     const bool isFile = exists && S_ISREG(st.st_mode);
     const bool isDir = exists && S_ISDIR(st.st_mode);
     const QByteArray folder = file.left(qMax(1, int(file.lastIndexOf('/'))));
     const QByteArray appRun = file + "/AppRun";
     if (isFile && file.endsWith(".desktop")) {
-        if (const QString why = FileTrust::whyNotRun(path, FileTrust::Kind::DesktopEntry); !why.isEmpty()) {
-            systemLog(failureLine(path, why));
-            if (done)
-                QMetaObject::invokeMethod(
-                    &m_logContext,
-                    [done, why] {
-                        done({ OpenedAs::Application, OpenFailure::NotTrusted, why });
-                    },
-                    Qt::QueuedConnection);
-            return false;
-        }
+        if (const QString why = FileTrust::whyNotRun(path, FileTrust::Kind::DesktopEntry); !why.isEmpty())
+            return refuse({ OpenedAs::Application, OpenFailure::NotTrusted, why });
         inBackground([this, path] { return launchDesktopFile(path, m_reaper); }, path, OpenedAs::Application, std::move(done));
     } else if (isFile && ::access(file.constData(), X_OK) == 0 && isProgramByContent(file)) {
         inBackground([this, file, folder] { return startProgram(file, folder, m_reaper); }, path, OpenedAs::Program, std::move(done));
