@@ -6,7 +6,9 @@ execute_process(COMMAND ${CMAKE_COMMAND} --install ${BINARY_DIR} --prefix /usr R
 if(NOT rc EQUAL 0)
     message(FATAL_ERROR "install failed")
 endif()
-foreach(path usr/bin/quillon usr/libexec/quillon/quillon-wake usr/share/applications/org.quillon.Quillon.desktop
+foreach(path usr/bin/quillon usr/libexec/quillon/quillon-wake-service usr/lib/systemd/system/quillon-wake.service
+             usr/share/dbus-1/system-services/org.quillon.Wake1.service usr/share/dbus-1/system.d/org.quillon.Wake1.conf
+             usr/share/polkit-1/actions/org.quillon.wake.policy usr/share/applications/org.quillon.Quillon.desktop
              usr/share/metainfo/org.quillon.Quillon.metainfo.xml usr/share/icons/hicolor/scalable/apps/org.quillon.Quillon.svg
              usr/share/icons/hicolor/48x48/apps/org.quillon.Quillon.png usr/share/quillon/translations/quillon_de.qm
              usr/share/quillon/help/index.html usr/share/man/man1/quillon.1.gz usr/share/bash-completion/completions/quillon

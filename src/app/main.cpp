@@ -161,7 +161,8 @@ int main(int argc, char *argv[])
 
     TimerFdClock clock;
     // Ways of waking the machine, best first.
-    LogindPowerService power({ new HelperWakeAlarm(HelperWakeAlarm::installedHelper()), new KdeWakeAlarm, new SystemdWakeAlarm });
+    // The desktop's own ways first; Quillon's system service where neither is there.
+    LogindPowerService power({ new KdeWakeAlarm, new SystemdWakeAlarm, new ServiceWakeAlarm });
     DesktopWorkspace workspace;
     ShebangScriptRunner scripts;
     // What a script leaves running when its parent ends comes back to us, to be ended at quit and

@@ -140,7 +140,7 @@ std::optional<MissedPolicy> MissedPolicy::parse(const QString &text, QString *wh
         static const QHash<QString, qint64> units { { {}, 60 }, { QStringLiteral("s"), 1 }, { QStringLiteral("m"), 60 }, { QStringLiteral("h"), 3600 },
             { QStringLiteral("d"), 86'400 } };
         const qint64 secs = m.captured(1).toLongLong() * units.value(m.captured(2));
-        if (secs > 0 && secs <= 366 * 86'400)
+        if (secs > 0 && secs <= qint64(366) * 86'400)
             return MissedPolicy { Kind::Within, secs };
     }
     if (why)

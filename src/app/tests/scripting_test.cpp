@@ -279,7 +279,7 @@ private Q_SLOTS:
         QCOMPARE(moments.size(), 12);
         qint64 last = 0;
         int weekdays = 0;
-        for (const QJsonValue &moment : moments) {
+        for (const auto &moment : moments) {
             const qint64 secs = moment.toObject().value(QStringLiteral("date")).toInteger();
             QVERIFY(secs >= last);
             last = secs;

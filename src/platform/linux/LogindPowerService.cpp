@@ -160,7 +160,7 @@ void LogindPowerService::send(qint64 epochSecs)
             for (qsizetype i = 0; i < m_alarms.size(); ++i)
                 why << QStringLiteral("%1: %2").arg(m_alarms.at(i)->name(), m_reasons.at(i));
             systemLog(QStringLiteral("No wake-up can be arranged, so items due while the machine sleeps are skipped: they are not opened when it wakes. "
-                                     "Installing Quillon's package (which gives quillon-wake cap_wake_alarm+ep), KDE Plasma's power daemon "
+                                     "Installing Quillon's package (with its wake service), KDE Plasma's power daemon "
                                      "or systemd 254 would make it work. (%1)")
                           .arg(why.join(QStringLiteral("; "))));
         }

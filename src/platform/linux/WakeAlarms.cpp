@@ -8,6 +8,7 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QDateTime>
 #include <QFileInfo>
@@ -24,6 +25,7 @@ const QString SystemdService = QStringLiteral("org.freedesktop.systemd1");
 const QString SystemdPath = QStringLiteral("/org/freedesktop/systemd1");
 const QString SystemdManager = QStringLiteral("org.freedesktop.systemd1.Manager");
 constexpr int FirstWakingSystemd = 254;
+constexpr const char *WakeServiceName = "org.quillon.Wake1";
 
 // Calls and hands the reply to done, on the event loop; never waits.
 template<typename Done> void callAsync(QObject *context, const QDBusMessage &call, Done done)
@@ -127,76 +129,33 @@ Q_DECLARE_METATYPE(Quillon::CalendarTimer)
 
 namespace Quillon {
 
-HelperWakeAlarm::HelperWakeAlarm(QString helperPath, QObject *parent)
-    : WakeAlarm(parent)
-    , m_path(std::move(helperPath))
+void ServiceWakeAlarm::probe()
 {
-    m_helper.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    connect(&m_helper, &QProcess::readyReadStandardOutput, this, &HelperWakeAlarm::readAnswers);
-    connect(&m_helper, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            Q_EMIT probed(false, QStringLiteral("%1 could not be started").arg(m_path));
+    // Running, or started by the bus when first called.
+    const QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListActivatableNames"));
+    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *done) {
+        done->deleteLater();
+        const QDBusPendingReply<QStringList> names = *done;
+        const bool there = !names.isError()
+            && (names.value().contains(QLatin1String(WakeServiceName))
+                || QDBusConnection::systemBus().interface()->isServiceRegistered(QLatin1String(WakeServiceName)).value());
+        Q_EMIT probed(there, there ? QString() : QStringLiteral("Quillon's wake service is not installed"));
     });
 }
 
-HelperWakeAlarm::~HelperWakeAlarm()
+void ServiceWakeAlarm::request(qint64 epochSecs)
 {
-    // Normally gone already (release()); QProcess ends and reaps whatever is left.
-    m_helper.disconnect(this);
-}
-
-void HelperWakeAlarm::release(std::function<void()> done)
-{
-    if (m_helper.state() == QProcess::NotRunning) {
-        done();
-        return;
-    }
-    // Its input closes and it ends, taking its alarms with it; one that does not is killed.
-    connect(
-        &m_helper, &QProcess::finished, this, [done] { done(); }, Qt::SingleShotConnection);
-    QTimer::singleShot(2000, &m_helper, [this] { m_helper.kill(); });
-    m_helper.closeWriteChannel();
-}
-
-QString HelperWakeAlarm::installedHelper()
-{
-    const QString dir = QCoreApplication::applicationDirPath();
-    for (const QString &candidate : { dir + QStringLiteral("/quillon-wake"), dir + QStringLiteral("/../libexec/quillon/quillon-wake") }) {
-        if (QFileInfo(candidate).isExecutable())
-            return QFileInfo(candidate).canonicalFilePath();
-    }
-    return {};
-}
-
-void HelperWakeAlarm::probe()
-{
-    if (m_path.isEmpty()) {
-        Q_EMIT probed(false, QStringLiteral("the quillon-wake helper is not installed"));
-        return;
-    }
-    m_helper.start(m_path, {});
-}
-
-void HelperWakeAlarm::request(qint64 epochSecs)
-{
-    m_helper.write(QByteArray::number(epochSecs) + '\n');
-}
-
-void HelperWakeAlarm::readAnswers()
-{
-    while (m_helper.canReadLine()) {
-        const QString line = QString::fromUtf8(m_helper.readLine()).trimmed();
-        if (!m_ready && line == QLatin1String("ready")) {
-            m_ready = true;
-            Q_EMIT probed(true, {});
-        } else if (!m_ready && line.startsWith(QLatin1String("unavailable"))) {
-            Q_EMIT probed(false, QStringLiteral("quillon-wake cannot arm an alarm (%1); it needs cap_wake_alarm+ep").arg(line.mid(12)));
-        } else if (line.startsWith(QLatin1String("armed"))) {
-            Q_EMIT requestDone(true, {});
-        } else if (line.startsWith(QLatin1String("failed"))) {
-            Q_EMIT requestDone(false, line);
-        }
-    }
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QLatin1String(WakeServiceName), QStringLiteral("/org/quillon/Wake1"), QLatin1String(WakeServiceName), QStringLiteral("Arm"));
+    call << epochSecs;
+    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *done) {
+        done->deleteLater();
+        const QDBusPendingReply<> reply = *done;
+        Q_EMIT requestDone(!reply.isError(), reply.isError() ? reply.error().message() : QString());
+    });
 }
 
 void KdeWakeAlarm::probe()

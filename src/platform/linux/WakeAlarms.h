@@ -2,31 +2,18 @@
 
 #include "WakeAlarm.h"
 
-#include <QProcess>
-
 namespace Quillon {
 
-// A kernel wake alarm held by the quillon-wake helper, which alone carries CAP_WAKE_ALARM.
-class HelperWakeAlarm final : public WakeAlarm
+// A kernel wake alarm armed by Quillon's system service (org.quillon.Wake1), which polkit lets
+// the active session use; the alarms last as long as this process stays on the system bus.
+class ServiceWakeAlarm final : public WakeAlarm
 {
     Q_OBJECT
 public:
-    explicit HelperWakeAlarm(QString helperPath, QObject *parent = nullptr);
-    ~HelperWakeAlarm() override;
-    QString name() const override { return QStringLiteral("kernel wake alarm"); }
+    using WakeAlarm::WakeAlarm;
+    QString name() const override { return QStringLiteral("Quillon's wake service"); }
     void probe() override;
     void request(qint64 epochSecs) override;
-    void release(std::function<void()> done) override;
-    qint64 helperPid() const { return m_helper.processId(); }
-
-    // The helper next to the program, or where the package puts it.
-    static QString installedHelper();
-
-private:
-    void readAnswers();
-    QString m_path;
-    QProcess m_helper;
-    bool m_ready = false;
 };
 
 // KDE Plasma's power daemon, on the session bus.

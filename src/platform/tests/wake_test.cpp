@@ -14,6 +14,8 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDir>
+#include <QProcess>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -299,41 +301,80 @@ private Q_SLOTS:
         QTRY_COMPARE(changed.count(), 1);
         QCOMPARE(expired.count(), 0);
     }
-    // The real helper, as root (which holds CAP_WAKE_ALARM): an alarm timer armed for the time asked.
-    void helperArmsAKernelWakeAlarm()
+    // The system service on a private bus with a mocked polkit: an alarm timer armed for the time
+    // asked (as root, which holds CAP_WAKE_ALARM) for a caller polkit allows, none for one it
+    // refuses or for a time that is not ahead within a year; gone when the caller leaves the bus.
+    void serviceArmsOnlyForWhomPolkitAllows_data()
     {
-        if (::geteuid() != 0)
+        QTest::addColumn<QStringList>("allowed");
+        QTest::addColumn<qint64>("inSecs");
+        QTest::addColumn<QString>("error"); // empty: armed
+        const QStringList wake { QStringLiteral("org.quillon.wake") };
+        QTest::newRow("allowed") << wake << qint64(3600) << "";
+        QTest::newRow("refused by polkit") << QStringList() << qint64(3600) << "AccessDenied";
+        QTest::newRow("a moment past") << wake << qint64(-5) << "InvalidArgs";
+        QTest::newRow("more than a year ahead") << wake << qint64(400) * 86'400 << "InvalidArgs";
+    }
+    void serviceArmsOnlyForWhomPolkitAllows()
+    {
+        QFETCH(QStringList, allowed);
+        QFETCH(qint64, inSecs);
+        QFETCH(QString, error);
+        if (error.isEmpty() && ::geteuid() != 0)
             QSKIP("Arming a wake alarm needs CAP_WAKE_ALARM, which root holds.");
-        auto alarm = std::make_unique<HelperWakeAlarm>(QStringLiteral(WAKE_HELPER));
-        QSignalSpy probed(alarm.get(), &WakeAlarm::probed);
-        QSignalSpy done(alarm.get(), &WakeAlarm::requestDone);
-        alarm->probe();
-        QTRY_COMPARE(probed.count(), 1);
-        QVERIFY2(probed.first().first().toBool(), qPrintable(probed.first().last().toString()));
-        const qint64 when = QDateTime::currentSecsSinceEpoch() + 3600;
-        alarm->request(when);
-        QTRY_COMPARE(done.count(), 1);
-        QVERIFY(done.first().first().toBool());
+        Test::DBusMock polkit;
+        QVERIFY(polkit.start(
+            { QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("polkitd") }, QStringLiteral("org.freedesktop.PolicyKit1")));
+        QCOMPARE(polkit.control(QStringLiteral("/org/freedesktop/PolicyKit1/Authority"), QStringLiteral("SetAllowed"), { allowed }).type(),
+            QDBusMessage::ReplyMessage);
+        QProcess service;
+        service.setProcessChannelMode(QProcess::ForwardedChannels);
+        service.start(QStringLiteral(WAKE_SERVICE), {});
+        QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
+        QVERIFY(QTest::qWaitFor([bus] { return bus->isServiceRegistered(QStringLiteral("org.quillon.Wake1")).value(); }, 10'000));
+        const auto stop = qScopeGuard([&service] {
+            service.terminate();
+            service.waitForFinished(3000);
+        });
 
-        const qint64 pid = alarm->helperPid();
-        bool found = false;
-        const QString fdDir = QStringLiteral("/proc/%1/fd").arg(pid);
-        for (const QString &fd : QDir(fdDir).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)) {
-            // Only a timer's fdinfo has a clock, and 8 is CLOCK_REALTIME_ALARM.
-            const QString info = readFile(QStringLiteral("/proc/%1/fdinfo/%2").arg(pid).arg(fd));
-            if (!info.contains(QLatin1String("clockid: 8")))
-                continue;
-            // it_value: (seconds, nanoseconds) left.
-            const qint64 left = info.section(QLatin1String("it_value: ("), 1).section(QLatin1Char(','), 0, 0).toLongLong();
-            found = qAbs(left - 3600) <= 5;
+        {
+            QDBusConnection caller = QDBusConnection::connectToBus(m_bus.address(), QStringLiteral("caller"));
+            QDBusMessage arm = QDBusMessage::createMethodCall(
+                QStringLiteral("org.quillon.Wake1"), QStringLiteral("/org/quillon/Wake1"), QStringLiteral("org.quillon.Wake1"), QStringLiteral("Arm"));
+            arm << QDateTime::currentSecsSinceEpoch() + inSecs;
+            const QDBusMessage reply = caller.call(arm);
+            QVERIFY2(error.isEmpty() ? reply.type() == QDBusMessage::ReplyMessage : reply.errorName().endsWith(error), qPrintable(reply.errorMessage()));
+            QCOMPARE(wakeAlarmsOf(service.processId()), error.isEmpty() ? QList<qint64> { inSecs } : QList<qint64> {});
         }
-        QVERIFY(found);
-        alarm.reset(); // Quillon quits: the helper's input closes and it ends
-        QTRY_VERIFY(
-            !QFileInfo::exists(QStringLiteral("/proc/%1").arg(pid)) || readFile(QStringLiteral("/proc/%1/stat").arg(pid)).contains(QLatin1String(") Z ")));
+        QDBusConnection::disconnectFromBus(QStringLiteral("caller"));
+        QTRY_COMPARE(wakeAlarmsOf(service.processId()), QList<qint64> {});
+        if (error.isEmpty()) {
+            // Quillon's side finds the service and has it arm one.
+            ServiceWakeAlarm ours;
+            QSignalSpy probed(&ours, &WakeAlarm::probed);
+            QSignalSpy done(&ours, &WakeAlarm::requestDone);
+            ours.probe();
+            QTRY_COMPARE(probed.count(), 1);
+            QVERIFY(probed.first().first().toBool());
+            ours.request(QDateTime::currentSecsSinceEpoch() + 600);
+            QTRY_COMPARE(done.count(), 1);
+            QVERIFY2(done.first().first().toBool(), qPrintable(done.first().last().toString()));
+        }
     }
 
 private:
+    // The wake alarm timers (clock 8, CLOCK_REALTIME_ALARM) a process holds: seconds left, rounded
+    // to the minute the tests ask in.
+    static QList<qint64> wakeAlarmsOf(qint64 pid)
+    {
+        QList<qint64> left;
+        for (const QString &fd : QDir(QStringLiteral("/proc/%1/fd").arg(pid)).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)) {
+            const QString info = readFile(QStringLiteral("/proc/%1/fdinfo/%2").arg(pid).arg(fd));
+            if (info.contains(QLatin1String("clockid: 8")))
+                left << (info.section(QLatin1String("it_value: ("), 1).section(QLatin1Char(','), 0, 0).toLongLong() + 30) / 60 * 60;
+        }
+        return left;
+    }
     bool startLogind(Test::DBusMock &logind, const QString &canSuspend = QStringLiteral("yes"))
     {
         return logind.start({ QStringLiteral("--system"), QStringLiteral("--template"), QStringLiteral("logind"), QStringLiteral("-p"),
