@@ -44,7 +44,7 @@ build: configure test-deps
 
 # The program, its wake helper and what they install beside them (translations, changelog); no tests.
 build-app: configure
-	cmake --build $(BUILD) -j$(JOBS) --target quillon quillon-wake changelog dbus-interface
+	cmake --build $(BUILD) -j$(JOBS) --target quillon quillon-wake-service quillon_man changelog dbus-interface
 
 run: build-app
 	$(BUILD)/bin/quillon
