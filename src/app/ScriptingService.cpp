@@ -106,8 +106,10 @@ bool ScriptingService::registerOn(QDBusConnection bus)
 
 bool ScriptingService::exportOn(QDBusConnection bus)
 {
+    // With its adaptors: org.freedesktop.Application shares the path.
     return bus.registerObject(QLatin1String(ObjectPath), this,
-        QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties);
+        QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals | QDBusConnection::ExportAllProperties
+            | QDBusConnection::ExportAdaptors);
 }
 
 bool ScriptingService::running() const

@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "DesktopActivation.h"
 #include "DesktopNotifications.h"
 #include "DesktopWorkspace.h"
 #include "FocusRingStyle.h"
@@ -182,6 +183,9 @@ int main(int argc, char *argv[])
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &controller, &QuillonController::applicationWillTerminate);
     // Scripts in the session reach the list through the bus; without one Quillon works on alone.
     ScriptingService scripting(controller.editor(), controller.launcher());
+    // A launcher that starts Quillon through the bus then asks for the window this way.
+    auto *desktop = new DesktopActivation(&scripting);
+    QObject::connect(desktop, &DesktopActivation::windowRequested, &controller, [&controller](const QByteArray &token) { controller.showMainWindow(token); });
     // The lock above already keeps a second Quillon of these settings out: whoever holds the name is
     // another program or a Quillon of other settings, and scripts would drive the wrong list.
     if (!scripting.registerOn(QDBusConnection::sessionBus()) && QDBusConnection::sessionBus().isConnected()

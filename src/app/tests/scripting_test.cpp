@@ -100,6 +100,12 @@ private Q_SLOTS:
         QVERIFY(pid.isValid());
         const QString proc = QStringLiteral("/proc/%1/").arg(pid.value());
         QCOMPARE(QFileInfo(proc + QStringLiteral("cwd")).symLinkTarget(), QDir::homePath());
+        // A launcher then asks it for its window, as for a D-Bus activatable desktop entry.
+        QDBusMessage activate = QDBusMessage::createMethodCall(QLatin1String(ScriptingService::ServiceName), QLatin1String(ScriptingService::ObjectPath),
+            QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"));
+        activate << QVariantMap { { QStringLiteral("activation-token"), QStringLiteral("t-1") } };
+        const QDBusMessage activated = m_bus->call(activate);
+        QVERIFY2(activated.type() == QDBusMessage::ReplyMessage, qPrintable(activated.errorMessage()));
         QVERIFY(!Test::readFile(proc + QStringLiteral("environ")).contains(QLatin1String("SECRET_TOKEN")));
         const mode_t ours = ::umask(022);
         ::umask(ours);
