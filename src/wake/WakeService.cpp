@@ -16,7 +16,7 @@
 
 namespace Quillon {
 namespace {
-constexpr qint64 YearSecs = 366 * 86'400;
+constexpr qint64 YearSecs = qint64(366) * 86'400;
 
 // polkit's subject: ("system-bus-name", {"name": <caller>}).
 struct Subject
