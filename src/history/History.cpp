@@ -1,5 +1,7 @@
 #include "History.h"
 
+#include "FileTrust.h"
+
 #include "FileName.h"
 #include "Log.h"
 #include "WallClock.h"
@@ -10,6 +12,7 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QStandardPaths>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -37,6 +40,16 @@ QString History::defaultFileName()
     QString state = qEnvironmentVariable("XDG_STATE_HOME");
     if (state.isEmpty() || QDir::isRelativePath(state))
         state = QDir::homePath() + QStringLiteral("/.local/state");
+    // Another user's history (or heartbeat) planted in a shared folder would be read as ours: such
+    // a folder is passed over for the session's private runtime folder, and the log says so.
+    for (const QString &folder : { state, state + QStringLiteral("/Quillon") }) {
+        if (const QString why = FileTrust::whyNotOwnFolder(folder); !why.isEmpty()) {
+            const QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + QStringLiteral("/Quillon");
+            systemLog(
+                QStringLiteral("The state folder %1 is not yours alone (%2): the history is kept in %3 until the session ends.").arg(folder, why, runtime));
+            return runtime + QStringLiteral("/history.sqlite");
+        }
+    }
     return state + QStringLiteral("/Quillon/history.sqlite");
 }
 

@@ -51,4 +51,18 @@ QString whyNotRun(const QString &path, Kind kind)
     return {};
 }
 
+QString whyNotOwnFolder(const QString &folder)
+{
+    struct stat st
+    {
+    };
+    if (::stat(FileName::encode(folder).constData(), &st) != 0)
+        return {};
+    if (st.st_uid != ::geteuid())
+        return QStringLiteral("another user owns it");
+    if (st.st_mode & (S_IWGRP | S_IWOTH))
+        return QStringLiteral("others can write in it");
+    return {};
+}
+
 } // namespace Quillon::FileTrust

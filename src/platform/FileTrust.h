@@ -13,4 +13,8 @@ namespace Quillon::FileTrust {
 enum class Kind { DesktopEntry, Script };
 QString whyNotRun(const QString &path, Kind kind);
 
+// Why a folder Quillon keeps its own files in is not the user's alone: another user owns it, or
+// others can write in it. Empty when it is, or when it does not exist yet.
+QString whyNotOwnFolder(const QString &folder);
+
 } // namespace Quillon::FileTrust

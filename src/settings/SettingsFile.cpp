@@ -1,5 +1,7 @@
 #include "SettingsFile.h"
 
+#include "FileTrust.h"
+
 #include "Log.h"
 #include "SettingsKeys.h"
 
@@ -132,16 +134,7 @@ QString SettingsFile::refusalOfFolder()
 {
     const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     for (const QString &folder : { config, config + QStringLiteral("/Quillon") }) {
-        struct stat st
-        {
-        };
-        if (::stat(QFile::encodeName(folder).constData(), &st) != 0)
-            continue;
-        QString why;
-        if (st.st_uid != ::geteuid())
-            why = QStringLiteral("another user owns it");
-        else if (st.st_mode & (S_IWGRP | S_IWOTH))
-            why = QStringLiteral("others can write in it");
+        const QString why = FileTrust::whyNotOwnFolder(folder);
         if (why.isEmpty())
             continue;
         systemLog(QStringLiteral("The settings folder %1 is not yours alone (%2): Quillon neither reads nor writes settings there, and starts with "

@@ -22,6 +22,35 @@ class HistoryTest : public QObject
 private Q_SLOTS:
     void init() { m_log.clear(); }
 
+    // A state folder others can write in, or another user's, is not where the history goes.
+    void aStateFolderNotOurOwnIsPassedOver_data()
+    {
+        QTest::addColumn<QString>("folder"); // under XDG_STATE_HOME
+        QTest::addColumn<uint>("mode");
+        QTest::addColumn<bool>("others");
+        QTest::newRow("ours") << "Quillon" << 0700u << false;
+        QTest::newRow("state home anyone can write") << "" << 0777u << false;
+        QTest::newRow("our folder, another user's") << "Quillon" << 0700u << true;
+    }
+    void aStateFolderNotOurOwnIsPassedOver()
+    {
+        QFETCH(QString, folder);
+        QFETCH(uint, mode);
+        QFETCH(bool, others);
+        if (others && ::geteuid() != 0)
+            QSKIP("Giving a folder to another user needs root.");
+        QTemporaryDir state;
+        QVERIFY(QDir().mkpath(state.filePath(QStringLiteral("Quillon"))));
+        const QByteArray given = QFile::encodeName(state.filePath(folder));
+        QCOMPARE(::chmod(given.constData(), mode), 0);
+        if (others)
+            QCOMPARE(::chown(given.constData(), 65534, 65534), 0);
+        const Test::ScopedEnv home("XDG_STATE_HOME", state.path().toUtf8());
+        const bool ours = mode == 0700u && !others;
+        QCOMPARE(History::defaultFileName().startsWith(state.path()), ours);
+        QCOMPARE(m_log.filter(QStringLiteral("is not yours alone")).size(), ours ? 0 : 1);
+    }
+
     void recordsOneTurnInOneGo()
     {
         QTemporaryDir home;
