@@ -134,7 +134,7 @@ QString SettingsFile::refusalOfFolder()
 {
     const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     for (const QString &folder : { config, config + QStringLiteral("/Quillon") }) {
-        const QString why = FileTrust::whyNotOwnFolder(folder);
+        QString why = FileTrust::whyNotOwnFolder(folder);
         if (why.isEmpty())
             continue;
         systemLog(QStringLiteral("The settings folder %1 is not yours alone (%2): Quillon neither reads nor writes settings there, and starts with "
