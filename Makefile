@@ -70,7 +70,7 @@ format-check: test-deps
 	@clang-format --dry-run -Werror --style=file $(CXX_FILES) 2>&1 | grep -m 20 'error:' \
 	    && { echo "Unformatted C++ above: run make format."; exit 1; } || echo "format: the C++ files follow .clang-format"
 
-# Installs under PREFIX (default /usr/local); the wake helper gets its capability where setcap works.
+# Installs under PREFIX (default /usr/local), the wake service, its unit and its polkit action included.
 PREFIX ?= /usr/local
 install: build-app
 	$(SUDO) cmake --install $(BUILD) --prefix $(PREFIX)
