@@ -207,6 +207,7 @@ void QuillonController::applicationWillTerminate()
             m_history->record(
                 History::Kind::DatesMoved, path, {}, tr("it could not be saved; the items after it will show the dates before theirs at the next start"));
     }
+    m_preferences.flush();
     m_heartbeat.quit(m_platform.clock.now(), m_schedule.timersRunning());
     m_schedule.freeze();
     m_history->flush();

@@ -13,8 +13,8 @@ class Preferences final
 public:
     Preferences() = default;
 
-    bool contains(QAnyStringView key) const { return m_file.settings().contains(key); }
-    QVariant value(QAnyStringView key) const { return m_file.settings().value(key); }
+    bool contains(QAnyStringView key) const { return m_file.contains(key); }
+    QVariant value(QAnyStringView key) const { return m_file.value(key); }
     bool boolValue(QAnyStringView key) const { return contains(key) ? toBool(value(key)) : Keys::defaultBool(key); }
     int intValue(QAnyStringView key) const { return value(key).toInt(); }
     QString stringValue(QAnyStringView key) const;
@@ -22,6 +22,7 @@ public:
     void setValue(QAnyStringView key, const QVariant &value) { m_file.setValue(key, value); }
     void setValues(const QList<std::pair<QAnyStringView, QVariant>> &values) { m_file.setValues(values); }
     void remove(QAnyStringView key) { m_file.remove(key); }
+    void flush() { m_file.flush(); }
     void synchronize() { m_file.synchronize(); }
     QString fileName() const { return m_file.fileName(); }
     QString windowStateFileName(bool forWriting = true) const { return m_file.windowStateFileName(forWriting); }

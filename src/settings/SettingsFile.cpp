@@ -154,6 +154,9 @@ SettingsFile::SettingsFile()
     // One file only: a Quillon.conf beside the folder or under /etc/xdg must not act as defaults.
     m_settings.setFallbacksEnabled(false);
     inspectExistingFile();
+    m_writeSoon.setSingleShot(true);
+    m_writeSoon.setInterval(std::chrono::milliseconds(300));
+    QObject::connect(&m_writeSoon, &QTimer::timeout, [this] { flush(); });
 }
 
 void SettingsFile::inspectExistingFile()
@@ -177,43 +180,70 @@ void SettingsFile::inspectExistingFile()
         systemLog(QStringLiteral("Could not read the settings file %1: %2").arg(file.fileName(), m_fileProblem));
 }
 
+SettingsFile::~SettingsFile()
+{
+    flush();
+}
+
+QVariant SettingsFile::value(QAnyStringView key) const
+{
+    if (const auto pending = m_pending.constFind(key.toString()); pending != m_pending.cend())
+        return pending->value_or(QVariant());
+    return m_settings.value(key);
+}
+
+bool SettingsFile::contains(QAnyStringView key) const
+{
+    if (const auto pending = m_pending.constFind(key.toString()); pending != m_pending.cend())
+        return pending->has_value();
+    return m_settings.contains(key);
+}
+
 void SettingsFile::setValue(QAnyStringView key, const QVariant &value)
 {
-    if (!m_refusal.isEmpty()) {
-        m_settings.setValue(key, value);
-        return;
-    }
-    // Nothing may even be pending for a file that cannot be kept: QSettings writes pending changes
-    // on its own when it is destroyed.
-    if (!keepProblemFileAside() || !lockIsFree())
-        return;
-    m_settings.setValue(key, value);
-    writeOut();
+    setValues({ { key, value } });
 }
 
 void SettingsFile::setValues(const QList<std::pair<QAnyStringView, QVariant>> &values)
 {
-    if (!m_refusal.isEmpty()) {
-        for (const auto &[key, value] : values)
-            m_settings.setValue(key, value);
-        return;
-    }
-    if (!keepProblemFileAside() || !lockIsFree())
-        return;
     for (const auto &[key, value] : values)
-        m_settings.setValue(key, value);
-    writeOut();
+        m_pending.insert(key.toString(), value);
+    // Not restarted by each change: a steady stream of them is still written every moment.
+    if (!m_writeSoon.isActive())
+        m_writeSoon.start();
 }
 
 void SettingsFile::remove(QAnyStringView key)
 {
+    m_pending.insert(key.toString(), std::nullopt);
+    if (!m_writeSoon.isActive())
+        m_writeSoon.start();
+}
+
+void SettingsFile::flush()
+{
+    m_writeSoon.stop();
+    if (m_pending.isEmpty())
+        return;
+    const auto apply = [this] {
+        for (auto change = m_pending.cbegin(); change != m_pending.cend(); ++change) {
+            if (change->has_value())
+                m_settings.setValue(change.key(), **change);
+            else
+                m_settings.remove(change.key());
+        }
+        m_pending.clear();
+    };
     if (!m_refusal.isEmpty()) {
-        m_settings.remove(key);
+        apply();
         return;
     }
-    if (!keepProblemFileAside() || !lockIsFree())
+    // Nothing may even be pending in QSettings for a file that cannot be kept.
+    if (!keepProblemFileAside() || !lockIsFree()) {
+        m_pending.clear();
         return;
-    m_settings.remove(key);
+    }
+    apply();
     writeOut();
 }
 
@@ -229,6 +259,9 @@ SettingsFile::FileStamp SettingsFile::currentStamp() const
 
 void SettingsFile::synchronize()
 {
+    // Ours first, as each change was once written at once: a change made since by another
+    // writer then wins, as it would have.
+    flush();
     // QSettings parses the whole file again on every sync; the mail getters ask for it at each
     // call, so a long saved list would be parsed many times per mail. Only a changed file is read.
     const FileStamp stamp = currentStamp();

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <QHash>
 #include <QSettings>
+#include <QTimer>
 #include <QVariant>
+
+#include <optional>
 
 namespace Quillon {
 
@@ -13,12 +17,18 @@ class SettingsFile final
     Q_DISABLE_COPY_MOVE(SettingsFile)
 public:
     SettingsFile();
+    ~SettingsFile();
 
-    const QSettings &settings() const { return m_settings; }
-    // Writes go to disk at once, readable by the user alone: the file holds the mail password.
+    // What was set here reads back at once, before it is written.
+    QVariant value(QAnyStringView key) const;
+    bool contains(QAnyStringView key) const;
+    // Changes made together go to disk in one write (one lock, one read-back) a moment later, or at
+    // flush(), readable by the user alone: the file holds the mail password.
     void setValue(QAnyStringView key, const QVariant &value);
     void setValues(const QList<std::pair<QAnyStringView, QVariant>> &values);
     void remove(QAnyStringView key);
+    // Writes what is waiting now; the destructor does too.
+    void flush();
     // Re-read the file, so that a change made by another window or process is seen.
     void synchronize();
     QString fileName() const { return m_settings.fileName(); }
@@ -68,6 +78,10 @@ private:
     QString m_fileProblem;
     bool m_problemFileKept = false;
     QStringList m_unreadableKeys;
+    // Kept apart from QSettings until they are written: what QSettings holds pending it writes on
+    // its own when destroyed, waiting for ever on a lock another process holds.
+    QHash<QString, std::optional<QVariant>> m_pending; // nullopt: removed
+    QTimer m_writeSoon;
 };
 
 } // namespace Quillon

@@ -87,6 +87,7 @@ private Q_SLOTS:
         QCOMPARE(read(password), Old);
         password.set(New);
         QTRY_COMPARE(read(password), New);
+        m_prefs.flush();
         const QString inFile = m_settings.read(QStringLiteral("loginPassword")).toString();
         if (noKeyring()) {
             QCOMPARE(inFile, New);
@@ -136,6 +137,7 @@ private Q_SLOTS:
         second.migrate();
         QCOMPARE(read(second), New); // answered after the move was tried, if it was
         QCOMPARE(store.calls, 1 + askedAfterRestart);
+        m_prefs.flush();
         QCOMPARE(m_settings.read(QStringLiteral("loginPassword")).toString(), New);
     }
 

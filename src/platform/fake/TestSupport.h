@@ -186,6 +186,7 @@ public:
     // Back to no file at all, and the preferences told so.
     void clear(auto &preferences) const
     {
+        preferences.flush();
         QFile::remove(file());
         preferences.synchronize();
     }

@@ -47,6 +47,7 @@ private Q_SLOTS:
         QDir(m_settings.configDir()).removeRecursively();
         const mode_t old = ::umask(022);
         m_p.setValue(Keys::LoginPassword, QStringLiteral("secret"));
+        m_p.flush();
         QCOMPARE(Test::modeOf(m_settings.file()), 0600u);
         QCOMPARE(Test::modeOf(m_settings.configDir()), 0700u);
 
@@ -54,6 +55,7 @@ private Q_SLOTS:
         ::chmod(QFile::encodeName(m_settings.file()).constData(), 0640);
         ::chmod(QFile::encodeName(m_settings.configDir()).constData(), 0750);
         m_p.setValue(Keys::ServerPort, 25);
+        m_p.flush();
         ::umask(old);
         QCOMPARE(Test::modeOf(m_settings.file()), 0640u);
         QCOMPARE(Test::modeOf(m_settings.configDir()), 0750u);
@@ -77,12 +79,42 @@ private Q_SLOTS:
                 }
             }
         });
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 300; ++i) {
             m_p.setValue(Keys::RepeatSeconds, i);
+            m_p.flush();
+        }
         done = true;
         watcher.join();
         ::umask(old);
         QCOMPARE(seen, QSet<QByteArray> { "0022" });
+    }
+
+    // A burst of changes reads back at once and reaches the file in one write, a moment later or
+    // when the settings object goes; the last change of a key wins.
+    void changesMadeTogetherAreWrittenOnce_data()
+    {
+        QTest::addColumn<bool>("byTheEventLoop");
+        QTest::newRow("a moment later") << true;
+        QTest::newRow("when the object goes") << false;
+    }
+    void changesMadeTogetherAreWrittenOnce()
+    {
+        QFETCH(bool, byTheEventLoop);
+        auto prefs = std::make_unique<Preferences>();
+        prefs->setValues({ { Keys::ServerPort, 1 }, { Keys::RecipientEmail, QStringLiteral("ann@example.org") } });
+        prefs->flush();
+        for (int i = 2; i <= 100; ++i)
+            prefs->setValue(Keys::ServerPort, i);
+        prefs->remove(Keys::RecipientEmail);
+        QCOMPARE(prefs->intValue(Keys::ServerPort), 100);
+        QVERIFY(!prefs->contains(Keys::RecipientEmail));
+        QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 1);
+        if (byTheEventLoop)
+            QTRY_COMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 100);
+        else
+            prefs.reset();
+        QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 100);
+        QVERIFY(m_settings.read(QStringLiteral("recipientEmail")).isNull());
     }
 
     void fallbackFilesAreNotRead()
@@ -120,7 +152,9 @@ private Q_SLOTS:
         const Test::CapturedLog log;
         Preferences fresh;
         fresh.setValue(Keys::RepeatSeconds, 5);
+        fresh.flush();
         fresh.setValue(Keys::RepeatSeconds, 6);
+        fresh.flush();
         QVERIFY2(log.filter(QStringLiteral("Could not write")).isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
         QCOMPARE(m_settings.read(QStringLiteral("repeatSeconds")).toInt(), 6);
         QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 25);

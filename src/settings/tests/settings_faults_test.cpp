@@ -233,6 +233,7 @@ sys.stdout.buffer.write(seen)
         const Test::CapturedLog log;
         Preferences prefs;
         prefs.setValues({ { Keys::LoginPassword, QStringLiteral("secret") }, { Keys::Items, QVariantList { QByteArray(200, 'a') } } });
+        prefs.flush();
         const QString before = Test::readFile(prefs.fileName());
         QVERIFY(before.contains(QLatin1String("secret")));
 
@@ -249,6 +250,7 @@ sys.stdout.buffer.write(seen)
         for (int i = 0; i < 180; ++i)
             many << QByteArray(100, char('a' + i % 26));
         prefs.setValue(Keys::Items, many);
+        prefs.flush();
         QCOMPARE(Test::readFile(prefs.fileName()), before);
         const QString said = log.join(QLatin1Char('\n'));
         QVERIFY2(said.contains(QLatin1String("Could not write the settings file %1").arg(throughLink ? real : prefs.fileName())), qPrintable(said));

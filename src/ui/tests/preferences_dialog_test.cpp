@@ -75,6 +75,7 @@ private Q_SLOTS:
         Q_EMIT password->editingFinished();
         QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("testEmailButton")), Qt::LeftButton);
         dialog.writePending();
+        m_prefs.flush();
 
         QSettings file(m_prefs.fileName(), QSettings::IniFormat);
         QCOMPARE(file.value(QStringLiteral("rememberItems")).toString(), QStringLiteral("false"));
