@@ -177,11 +177,23 @@ int listedCount(QuillonProxy &quillon)
     return listed.isError() ? 0 : int(listed.value().size());
 }
 
+// The instance alone decides whether the rows exist; its refusal is said here in the rows the user
+// gave, counted from 1. The largest is the one beyond the list.
+template<typename Reply> bool answeredForRows(Reply &reply, int &status, QuillonProxy &quillon, const QList<int> &rows)
+{
+    reply.waitForFinished();
+    if (!reply.isError() || reply.error().name() != QLatin1String(ScriptingService::NoSuchRowError))
+        return answered(reply, status);
+    const int count = listedCount(quillon);
+    status = refused(CommandLine::tr("there is no row %1; the list has %n row(s)", nullptr, count).arg(*std::max_element(rows.begin(), rows.end()) + 1));
+    return false;
+}
+
 int printUpcoming(QuillonProxy &quillon, const QList<int> &rows, int count, bool json)
 {
     QDBusPendingReply<UpcomingMoments> reply = quillon.Upcoming(rows, count);
     int status = CommandLine::Done;
-    if (!answered(reply, status))
+    if (!answeredForRows(reply, status, quillon, rows))
         return status;
     const UpcomingMoments moments = reply.value();
     if (json) {
@@ -370,21 +382,13 @@ int CommandLine::run(const QStringList &arguments)
         return printList(items.value(), parser.isSet(json), quillon->running(), outcomes.isError() ? ListedOutcomes() : outcomes.value());
     }
     if (verb == QLatin1String("remove")) {
-        // Said in the rows the user sees, counted from 1.
-        QDBusPendingReply<ListedItems> listed = quillon->List();
-        listed.waitForFinished();
-        const qsizetype count = listed.isError() ? 0 : listed.value().size();
-        for (int row : std::as_const(rows)) {
-            if (!listed.isError() && row >= count)
-                return refused(tr("there is no row %1; the list has %n row(s)", nullptr, int(count)).arg(row + 1));
-        }
         QDBusPendingReply<> removed = quillon->Remove(rows);
-        answered(removed, status);
+        answeredForRows(removed, status, *quillon, rows);
         return status;
     }
     if (verb == QLatin1String("repeat")) {
         QDBusPendingReply<> set = quillon->SetRepeat(rows, rule);
-        answered(set, status);
+        answeredForRows(set, status, *quillon, rows);
         return status;
     }
     if (verb == QLatin1String("upcoming"))

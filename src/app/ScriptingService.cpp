@@ -152,8 +152,11 @@ bool ScriptingService::checkRows(const QList<int> &rows, const QString &method)
         return refuse(tr("%1 needs at least one row.").arg(method));
     const int count = m_editor.schedule().count();
     for (int row : rows) {
-        if (row < 0 || row >= count)
-            return refuse(tr("Row %1 is out of range: the list has %n row(s), counted from 0.", nullptr, count).arg(row));
+        if (row >= 0 && row < count)
+            continue;
+        if (calledFromDBus())
+            sendErrorReply(QLatin1String(NoSuchRowError), tr("Row %1 is out of range: the list has %n row(s), counted from 0.", nullptr, count).arg(row));
+        return false;
     }
     return true;
 }

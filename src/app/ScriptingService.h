@@ -63,6 +63,8 @@ public:
     static constexpr qint64 LatestDate = 253402300799;
     // The error a change gets once the quit has saved the list.
     static constexpr const char *QuittingError = "org.quillon.Quillon1.Error.Quitting";
+    // A row the list does not have: the command line words it in its own rows, counted from 1.
+    static constexpr const char *NoSuchRowError = "org.quillon.Quillon1.Error.NoSuchRow";
 
     ScriptingService(ScheduleEditor &editor, Launcher &launcher, QObject *parent = nullptr);
     // Exports the object and takes the name; false (and a log line) when the bus or the name is

@@ -129,6 +129,8 @@ private Q_SLOTS:
                                            << "C";
         QTest::newRow("remove, no such row") << QStringList { QStringLiteral("remove"), QStringLiteral("9") } << 1 << "no row 9"
                                              << "C";
+        QTest::newRow("upcoming, no such row") << QStringList { QStringLiteral("upcoming"), QStringLiteral("1"), QStringLiteral("7") } << 1 << "no row 7"
+                                               << "C";
         QTest::newRow("remove, not a row") << QStringList { QStringLiteral("remove"), QStringLiteral("0") } << 2 << "from 1"
                                            << "C";
         QTest::newRow("add, non-ASCII folder") << QStringList { QStringLiteral("add"), file("Grüße/c.txt"), QStringLiteral("--at"),
