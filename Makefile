@@ -9,7 +9,7 @@ endif
 # What building and running the program needs; the test suite, packaging and fuzzing add theirs.
 RUN_DEPS := cmake g++ make pkg-config qt6-base-dev qt6-qpa-plugins libqt6sql6-sqlite libgsasl-dev libgmime-3.0-dev libical-dev help2man \
         libglib2.0-dev libicu-dev util-linux shared-mime-info xdg-utils desktop-file-utils hicolor-icon-theme \
-        adwaita-icon-theme qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n qt6-wayland libwayland-dev libcap2-bin qtkeychain-qt6-dev libsecret-1-0
+        adwaita-icon-theme qt6-l10n-tools qt6-tools-dev qt6-tools-dev-tools qt6-translations-l10n qt6-wayland libwayland-dev libcap2-bin libsecret-1-dev libsecret-tools
 TEST_DEPS := xvfb xauth dbus python3-dbusmock python3-aiosmtpd openssl msmtp clang libclang-rt-14-dev \
         appstream dpkg-dev file gnome-keyring e2fsprogs weston python3-pyatspi at-spi2-core xdotool \
         clang-format clang-tidy

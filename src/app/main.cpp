@@ -3,12 +3,12 @@
 #include "DesktopNotifications.h"
 #include "DesktopWorkspace.h"
 #include "FocusRingStyle.h"
-#include "KeychainSecretStore.h"
 #include "Log.h"
 #include "LogindPowerService.h"
 #include "ProcessFamily.h"
 #include "QuillonController.h"
 #include "ScriptingService.h"
+#include "SecretServiceStore.h"
 #include "ShebangScriptRunner.h"
 #include "SingleInstance.h"
 #include "TimeZoneWatcher.h"
@@ -171,7 +171,7 @@ int main(int argc, char *argv[])
     if (!ProcessFamily::becomeSubreaper())
         systemLog(QStringLiteral("Quillon could not become the reaper of what its scripts start; a script's orphans go to the system."));
     OrphanReaper orphans;
-    KeychainSecretStore secrets(QStringLiteral(QUILLON_APP_ID));
+    SecretServiceStore secrets(QStringLiteral(QUILLON_APP_ID));
 
     // Every way of ending the app runs the one quit path, which saves the list. The handlers come
     // before the settings are even read: a signal during a slow start is kept for the loop.

@@ -1,9 +1,10 @@
-#include "KeychainSecretStore.h"
 #include "MailPassword.h"
 #include "MailTestSupport.h"
+#include "SecretServiceStore.h"
 #include "SettingsKeys.h"
 #include "TestSupport.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -45,11 +46,7 @@ class KeyringTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        // One store for the whole run: QtKeychain's jobs must outlive the calls under way.
-        m_store = std::make_unique<KeychainSecretStore>(QStringLiteral("org.quillon.Quillon.test"));
-    }
+    void initTestCase() { m_store = std::make_unique<SecretServiceStore>(QStringLiteral("org.quillon.Quillon.test")); }
     void init()
     {
         // A login session of its own for each test: what one remembers must not reach the next.
@@ -67,7 +64,7 @@ private Q_SLOTS:
     {
         if (!qEnvironmentVariableIsSet("QUILLON_SILENT_KEYRING"))
             QSKIP("Runs on a bus whose Secret Service never answers (with_silent_keyring.sh).");
-        KeychainSecretStore silent(QStringLiteral("org.quillon.Quillon.test"), std::chrono::milliseconds(500));
+        SecretServiceStore silent(QStringLiteral("org.quillon.Quillon.test"), std::chrono::milliseconds(500));
         QStringList answers;
         for (int i = 0; i < 2; ++i)
             silent.read(QString::fromLatin1(Keys::LoginPassword), [&answers](SecretStore::Result result, const QString &secret, const QString &error) {
@@ -141,6 +138,56 @@ private Q_SLOTS:
         QCOMPARE(m_settings.read(QStringLiteral("loginPassword")).toString(), New);
     }
 
+    // Only an item stored under Quillon's schema is ours, or one an earlier version stored through
+    // QtKeychain, which then moves under it. Another application's item is never read, even with
+    // the same attributes.
+    void onlyOurOwnItemIsRead_data()
+    {
+        QTest::addColumn<QString>("schema");
+        QTest::addColumn<QStringList>("attributes");
+        QTest::addColumn<bool>("ours");
+        const QString key = MailPassword::Key, service = QStringLiteral("org.quillon.Quillon.test");
+        QTest::newRow("an earlier version's") << "org.qt.keychain" << QStringList { "user", key, "server", service, "type", "plaintext" } << true;
+        QTest::newRow("another's, with our attributes") << "org.example.Mail" << QStringList { "service", service, "key", key } << false;
+        QTest::newRow("another's, with the earlier attributes")
+            << "org.example.Mail" << QStringList { "user", key, "server", service, "type", "plaintext" } << false;
+    }
+    void onlyOurOwnItemIsRead()
+    {
+        QFETCH(QString, schema);
+        QFETCH(QStringList, attributes);
+        QFETCH(bool, ours);
+        if (noKeyring())
+            QSKIP("Needs a keyring.");
+        const auto secretTool = [](const QStringList &arguments, const QByteArray &input = {}) {
+            QProcess tool;
+            tool.start(QStringLiteral("secret-tool"), arguments);
+            tool.write(input);
+            tool.closeWriteChannel();
+            tool.waitForFinished();
+            return tool.readAllStandardOutput();
+        };
+        const QStringList item = QStringList { QStringLiteral("xdg:schema"), schema } + attributes;
+        secretTool(QStringList { QStringLiteral("store"), QStringLiteral("--label=test") } + item, Old.toUtf8());
+        QCOMPARE(secretTool(QStringList { QStringLiteral("lookup") } + item), Old.toUtf8());
+
+        auto answer = std::make_shared<std::optional<std::pair<SecretStore::Result, QString>>>();
+        m_store->read(MailPassword::Key, [answer](SecretStore::Result result, const QString &secret, const QString &) { *answer = { result, secret }; });
+        QTRY_VERIFY(answer->has_value());
+        QCOMPARE(**answer, std::pair(ours ? SecretStore::Result::Ok : SecretStore::Result::NotFound, ours ? Old : QString()));
+        // An earlier version's item is moved; another's is left where it is.
+        QTRY_COMPARE(secretTool(QStringList { QStringLiteral("lookup") } + item), ours ? QByteArray() : Old.toUtf8());
+        if (!ours)
+            secretTool(QStringList { QStringLiteral("clear") } + item);
+        auto again = std::make_shared<std::optional<QString>>();
+        m_store->read(MailPassword::Key, [again](SecretStore::Result, const QString &secret, const QString &) { *again = secret; });
+        QTRY_VERIFY(again->has_value());
+        QCOMPARE(**again, ours ? Old : QString());
+        auto removed = std::make_shared<bool>(false);
+        m_store->remove(MailPassword::Key, [removed](SecretStore::Result, const QString &) { *removed = true; });
+        QTRY_VERIFY(*removed);
+    }
+
     // A delivery that needs the password waits for the keyring's answer and logs in with it.
     void deliveryLogsInWithTheKeyringsPassword()
     {
@@ -175,7 +222,7 @@ private:
 
     TestSettings m_settings; // first: it points the preferences at their folder
     Preferences m_prefs;
-    std::unique_ptr<KeychainSecretStore> m_store;
+    std::unique_ptr<SecretServiceStore> m_store;
     std::unique_ptr<QTemporaryDir> m_runtime;
     Test::CapturedLog m_log;
 };
