@@ -287,12 +287,7 @@ int CommandLine::run(const QStringList &arguments)
         return usage(verb, tr("unexpected argument '%1'").arg(words.first()));
 
     qRegisterMetaType<ListedItem>();
-    qDBusRegisterMetaType<ListedItem>();
-    qDBusRegisterMetaType<ListedItems>();
-    qDBusRegisterMetaType<ListedOutcome>();
-    qDBusRegisterMetaType<ListedOutcomes>();
-    qDBusRegisterMetaType<UpcomingMoment>();
-    qDBusRegisterMetaType<UpcomingMoments>();
+    ScriptingService::registerTypes();
     const QDBusConnection bus = QDBusConnection::sessionBus();
 
     std::optional<QDateTime> when;

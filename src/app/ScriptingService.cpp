@@ -70,16 +70,21 @@ ScriptingService::ScriptingService(ScheduleEditor &editor, Launcher &launcher, Q
     , m_editor(editor)
     , m_launcher(launcher)
 {
+    registerTypes();
+    Schedule &schedule = editor.schedule();
+    connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
+    connect(
+        &schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) { Q_EMIT Launched(path, date.toSecsSinceEpoch()); });
+}
+
+void ScriptingService::registerTypes()
+{
     qDBusRegisterMetaType<ListedItem>();
     qDBusRegisterMetaType<ListedItems>();
     qDBusRegisterMetaType<ListedOutcome>();
     qDBusRegisterMetaType<ListedOutcomes>();
     qDBusRegisterMetaType<UpcomingMoment>();
     qDBusRegisterMetaType<UpcomingMoments>();
-    Schedule &schedule = editor.schedule();
-    connect(&schedule, &Schedule::runningStateChanged, this, &ScriptingService::announceRunning);
-    connect(
-        &schedule, &Schedule::launched, this, [this](const QString &path, const QDateTime &date, quint64) { Q_EMIT Launched(path, date.toSecsSinceEpoch()); });
 }
 
 bool ScriptingService::registerOn(QDBusConnection bus)

@@ -70,6 +70,9 @@ public:
     // Exports the object and takes the name; false (and a log line) when the bus or the name is
     // not to be had. Quillon works on without it.
     bool registerOn(QDBusConnection bus);
+    // Every type the interface names, for callers too: for one it does not know, QDBusInterface's
+    // meta-object building leaks what it made.
+    static void registerTypes();
     // Only exports the object, as registerOn does: for a private connection.
     bool exportOn(QDBusConnection bus);
     bool running() const;

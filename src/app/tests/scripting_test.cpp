@@ -29,14 +29,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         qputenv("TZ", "Europe/Berlin"); // for the launch times, whose "now" is local
-        qDBusRegisterMetaType<ListedItem>();
-        qDBusRegisterMetaType<ListedItems>();
-        // Every type the interface names: for one it does not know, QDBusInterface's meta-object
-        // building leaks what it made.
-        qDBusRegisterMetaType<ListedOutcome>();
-        qDBusRegisterMetaType<ListedOutcomes>();
-        qDBusRegisterMetaType<UpcomingMoment>();
-        qDBusRegisterMetaType<UpcomingMoments>();
+        ScriptingService::registerTypes();
         // The session's bus, which starts Quillon from its service file with its own environment.
         QProcessEnvironment session = Test::sessionEnvironment(m_home);
         session.insert(QStringLiteral("XDG_DATA_DIRS"), QStringLiteral(QUILLON_SERVICE_DATA ":/usr/share"));
