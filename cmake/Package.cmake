@@ -13,9 +13,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://quillon.org/")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, libsecret-1-0, qt6-qpa-plugins, qt6-wayland, shared-mime-info, xdg-utils")
-# The keyring library is loaded at run time; a keyring daemon is what it talks to.
-# polkit lets the active session use the wake service.
+# libsecret comes with the shared libraries dpkg-shlibdeps finds; these are loaded or run by name.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, qt6-qpa-plugins, qt6-wayland, shared-mime-info, xdg-utils")
+# A keyring daemon is what libsecret talks to; polkit lets the active session use the wake service.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gnome-keyring | kwalletmanager | keepassxc, polkitd")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
