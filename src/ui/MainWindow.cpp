@@ -170,6 +170,8 @@ void MainWindow::buildMenus()
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), this, [this] { Q_EMIT quitRequested(); });
     quit->setShortcut(QKeySequence::Quit);
+    // From Preferences, History or Date & Time too, as elsewhere on the desktop.
+    quit->setShortcutContext(Qt::ApplicationShortcut);
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
