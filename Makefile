@@ -35,8 +35,10 @@ deps:
 test-deps: deps
 	$(call install_missing,$(TEST_DEPS))
 
+# Installs under PREFIX; the program and the service files it installs name their paths under it.
+PREFIX ?= /usr/local
 configure: deps
-	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_EXPORT_COMPILE_COMMANDS=ON $(CMAKE_EXTRA)
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DCMAKE_INSTALL_PREFIX=$(PREFIX) $(CMAKE_EXTRA)
 
 # Everything: the program, the tests and the benchmarks.
 build: configure test-deps
@@ -71,13 +73,17 @@ format-check: test-deps
 	    && { echo "Unformatted C++ above: run make format."; exit 1; } || echo "format: the C++ files follow .clang-format"
 
 # Installs under PREFIX (default /usr/local), the wake service, its unit and its polkit action included.
-PREFIX ?= /usr/local
 install: build-app
-	$(SUDO) cmake --install $(BUILD) --prefix $(PREFIX)
+	$(SUDO) cmake --install $(BUILD)
 
-# A Debian package in $(BUILD): quillon_<version>_<arch>.deb.
-package: build-app test-deps
-	cd $(BUILD) && cpack -G DEB
+# A Debian package in build-package/: quillon_<version>_<arch>.deb. A build of its own, for /usr:
+# the program and the service files name the paths they are installed at.
+PACKAGE_BUILD := build-package
+package: test-deps
+	cmake -S . -B $(PACKAGE_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr
+	cmake --build $(PACKAGE_BUILD) -j$(JOBS) --target quillon quillon-wake-service quillon_man changelog dbus-interface
+	cd $(PACKAGE_BUILD) && cpack -G DEB
+	cmake/check-package.sh $(PACKAGE_BUILD)/quillon_*.deb
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b; done
