@@ -40,7 +40,7 @@ SecretStore::Result takeError(GError *error, QString *why)
 
 QString takeSecret(gchar *secret)
 {
-    const QString text = QString::fromUtf8(secret);
+    QString text = QString::fromUtf8(secret);
     secret_password_free(secret);
     return text;
 }
@@ -49,10 +49,15 @@ QString takeSecret(gchar *secret)
 // Shared by libsecret's callback and the timer: whichever comes first answers.
 struct SecretServiceStore::Call
 {
+    explicit Call(std::function<void(GAsyncResult *)> finish)
+        : finish(std::move(finish))
+    { }
+    Q_DISABLE_COPY_MOVE(Call)
+    ~Call() { g_object_unref(cancellable); }
+
     std::function<void(GAsyncResult *)> finish;
     GCancellable *cancellable = g_cancellable_new();
     bool answered = false;
-    ~Call() { g_object_unref(cancellable); }
 
     static void ready(GObject *, GAsyncResult *result, gpointer data)
     {
@@ -79,11 +84,8 @@ SecretServiceStore::~SecretServiceStore()
     }
 }
 
-void *SecretServiceStore::startCall(std::function<void(GAsyncResult *)> finish, void *&cancellable)
+void *SecretServiceStore::watch(const std::shared_ptr<Call> &call)
 {
-    auto call = std::make_shared<Call>();
-    call->finish = std::move(finish);
-    cancellable = call->cancellable;
     m_calls.removeIf([](const std::weak_ptr<Call> &weak) { return weak.expired(); });
     m_calls.append(call);
     QTimer::singleShot(m_timeout, this, [this, call] {
@@ -95,103 +97,93 @@ void *SecretServiceStore::startCall(std::function<void(GAsyncResult *)> finish, 
         call->finish(nullptr);
         g_cancellable_cancel(call->cancellable);
     });
-    return new std::shared_ptr<Call>(std::move(call));
+    return new std::shared_ptr<Call>(call);
 }
 
 void SecretServiceStore::read(const QString &key, ReadDone done)
 {
-    void *cancellable = nullptr;
-    void *call = startCall(
-        [this, key, done](GAsyncResult *result) {
-            if (!result) {
-                done(Result::Unavailable, {}, Timeout);
-                return;
-            }
-            GError *error = nullptr;
-            gchar *secret = secret_password_lookup_finish(result, &error);
-            QString why;
-            if (takeError(error, &why) != Result::Ok)
-                done(Result::Unavailable, {}, why);
-            else if (secret)
-                done(Result::Ok, takeSecret(secret), {});
-            else
-                readLegacy(key, done);
-        },
-        cancellable);
+    const auto call = std::make_shared<Call>([this, key, done](GAsyncResult *result) {
+        if (!result) {
+            done(Result::Unavailable, {}, Timeout);
+            return;
+        }
+        GError *error = nullptr;
+        gchar *secret = secret_password_lookup_finish(result, &error);
+        QString why;
+        if (takeError(error, &why) != Result::Ok)
+            done(Result::Unavailable, {}, why);
+        else if (secret)
+            done(Result::Ok, takeSecret(secret), {});
+        else
+            readLegacy(key, done);
+    });
     secret_password_lookup(
-        ownSchema(), G_CANCELLABLE(cancellable), &Call::ready, call, "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
+        ownSchema(), call->cancellable, &Call::ready, watch(call), "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
 }
 
 void SecretServiceStore::readLegacy(const QString &key, ReadDone done)
 {
-    void *cancellable = nullptr;
-    void *call = startCall(
-        [this, key, done](GAsyncResult *result) {
-            GError *error = nullptr;
-            gchar *secret = result ? secret_password_lookup_finish(result, &error) : nullptr;
-            QString why;
-            if (takeError(error, &why) != Result::Ok || !secret) {
-                done(Result::NotFound, {}, why);
-                return;
+    const auto call = std::make_shared<Call>([this, key, done](GAsyncResult *result) {
+        GError *error = nullptr;
+        gchar *secret = result ? secret_password_lookup_finish(result, &error) : nullptr;
+        QString why;
+        if (takeError(error, &why) != Result::Ok || !secret) {
+            done(Result::NotFound, {}, why);
+            return;
+        }
+        const QString text = takeSecret(secret);
+        // Ours from now on: stored under our schema first, and only then taken from where it was.
+        write(key, text, [this, key, text, done](Result stored, const QString &why) {
+            if (stored != Result::Ok) {
+                systemLog(QStringLiteral("The keyring item of an earlier version could not be moved (%1); it is used where it is.").arg(why));
+            } else {
+                const auto clear = std::make_shared<Call>([](GAsyncResult *result) {
+                    if (result)
+                        secret_password_clear_finish(result, nullptr);
+                });
+                secret_password_clear(legacySchema(), clear->cancellable, &Call::ready, watch(clear), "user", key.toUtf8().constData(), "server",
+                    m_service.toUtf8().constData(), "type", "plaintext", nullptr);
+                systemLog(QStringLiteral("The keyring item of an earlier version was moved under Quillon's own schema."));
             }
-            const QString text = takeSecret(secret);
-            // Ours from now on: stored under our schema first, and only then taken from where it was.
-            write(key, text, [this, key, text, done](Result stored, const QString &why) {
-                if (stored != Result::Ok) {
-                    systemLog(QStringLiteral("The keyring item of an earlier version could not be moved (%1); it is used where it is.").arg(why));
-                } else {
-                    void *cleared = nullptr;
-                    void *clear = startCall([](GAsyncResult *result) { secret_password_clear_finish(result, nullptr); }, cleared);
-                    secret_password_clear(legacySchema(), G_CANCELLABLE(cleared), &Call::ready, clear, "user", key.toUtf8().constData(), "server",
-                        m_service.toUtf8().constData(), "type", "plaintext", nullptr);
-                    systemLog(QStringLiteral("The keyring item of an earlier version was moved under Quillon's own schema."));
-                }
-                done(Result::Ok, text, {});
-            });
-        },
-        cancellable);
-    secret_password_lookup(legacySchema(), G_CANCELLABLE(cancellable), &Call::ready, call, "user", key.toUtf8().constData(), "server",
+            done(Result::Ok, text, {});
+        });
+    });
+    secret_password_lookup(legacySchema(), call->cancellable, &Call::ready, watch(call), "user", key.toUtf8().constData(), "server",
         m_service.toUtf8().constData(), "type", "plaintext", nullptr);
 }
 
 void SecretServiceStore::write(const QString &key, const QString &secret, Done done)
 {
-    void *cancellable = nullptr;
-    void *call = startCall(
-        [done](GAsyncResult *result) {
-            if (!result) {
-                done(Result::Unavailable, Timeout);
-                return;
-            }
-            GError *error = nullptr;
-            secret_password_store_finish(result, &error);
-            QString why;
-            done(takeError(error, &why), why);
-        },
-        cancellable);
+    const auto call = std::make_shared<Call>([done](GAsyncResult *result) {
+        if (!result) {
+            done(Result::Unavailable, Timeout);
+            return;
+        }
+        GError *error = nullptr;
+        secret_password_store_finish(result, &error);
+        QString why;
+        done(takeError(error, &why), why);
+    });
     const QByteArray label = QStringLiteral("Quillon: %1").arg(key).toUtf8();
-    secret_password_store(ownSchema(), SECRET_COLLECTION_DEFAULT, label.constData(), secret.toUtf8().constData(), G_CANCELLABLE(cancellable), &Call::ready,
-        call, "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
+    secret_password_store(ownSchema(), SECRET_COLLECTION_DEFAULT, label.constData(), secret.toUtf8().constData(), call->cancellable, &Call::ready, watch(call),
+        "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
 }
 
 void SecretServiceStore::remove(const QString &key, Done done)
 {
-    void *cancellable = nullptr;
-    void *call = startCall(
-        [done](GAsyncResult *result) {
-            if (!result) {
-                done(Result::Unavailable, Timeout);
-                return;
-            }
-            GError *error = nullptr;
-            const bool removed = secret_password_clear_finish(result, &error);
-            QString why;
-            const Result answer = takeError(error, &why);
-            done(answer == Result::Ok && !removed ? Result::NotFound : answer, why);
-        },
-        cancellable);
+    const auto call = std::make_shared<Call>([done](GAsyncResult *result) {
+        if (!result) {
+            done(Result::Unavailable, Timeout);
+            return;
+        }
+        GError *error = nullptr;
+        const bool removed = secret_password_clear_finish(result, &error);
+        QString why;
+        const Result answer = takeError(error, &why);
+        done(answer == Result::Ok && !removed ? Result::NotFound : answer, why);
+    });
     secret_password_clear(
-        ownSchema(), G_CANCELLABLE(cancellable), &Call::ready, call, "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
+        ownSchema(), call->cancellable, &Call::ready, watch(call), "service", m_service.toUtf8().constData(), "key", key.toUtf8().constData(), nullptr);
 }
 
 } // namespace Quillon

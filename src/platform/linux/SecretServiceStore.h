@@ -8,8 +8,6 @@
 #include <functional>
 #include <memory>
 
-struct _GAsyncResult;
-
 namespace Quillon {
 
 // The Secret Service through libsecret, under a schema of our own: a lookup matches only items
@@ -34,9 +32,9 @@ public:
 
 private:
     struct Call;
-    // A call answered once: finish gets libsecret's result, or null when its time is up. Its
-    // user_data for libsecret; never answered once the store is gone.
-    void *startCall(std::function<void(_GAsyncResult *)> finish, void *&cancellable);
+    // Answered once: with libsecret's result, or with none when its time is up; never once the
+    // store is gone. Gives the user_data for libsecret's callback.
+    void *watch(const std::shared_ptr<Call> &call);
     void readLegacy(const QString &key, ReadDone done);
 
     QString m_service;
