@@ -64,9 +64,6 @@ PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, 
     , m_password(password)
 {
     setObjectName(QStringLiteral("preferencesWindow"));
-    m_writeTimer.setSingleShot(true);
-    m_writeTimer.setInterval(400);
-    connect(&m_writeTimer, &QTimer::timeout, this, &PreferencesDialog::writePending);
     setWindowTitle(tr("Quillon Preferences"));
     auto *tabs = new QTabWidget(this);
     tabs->addTab(buildGeneralPage(), tr("&General"));
@@ -78,31 +75,6 @@ PreferencesDialog::PreferencesDialog(Preferences &preferences, QWidget *parent, 
     layout->addWidget(buttons);
 }
 
-PreferencesDialog::~PreferencesDialog()
-{
-    writePending();
-}
-
-// Each write of the settings file costs two syncs to the disk; holding an arrow on a spin box
-// would make hundreds. Steps are written together once they stop, and always when the window goes.
-void PreferencesDialog::writeSoon(QLatin1StringView key, const QVariant &value)
-{
-    m_pending.insert(QString(key), value);
-    m_writeTimer.start();
-}
-
-void PreferencesDialog::writePending()
-{
-    m_writeTimer.stop();
-    if (m_pending.isEmpty())
-        return;
-    QList<std::pair<QAnyStringView, QVariant>> values;
-    for (auto it = m_pending.cbegin(); it != m_pending.cend(); ++it)
-        values.append({ it.key(), it.value() });
-    m_preferences.setValues(values);
-    m_pending.clear();
-}
-
 void PreferencesDialog::showTestOutcome(const QString &text)
 {
     m_testOutcome->setText(text);
@@ -112,12 +84,6 @@ void PreferencesDialog::showTestOutcome(const QString &text)
     QAccessible::updateAccessibility(&named);
     QAccessibleEvent alert(m_testOutcome, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
-}
-
-void PreferencesDialog::hideEvent(QHideEvent *event)
-{
-    writePending();
-    QDialog::hideEvent(event);
 }
 
 QWidget *PreferencesDialog::buildGeneralPage()
@@ -140,7 +106,7 @@ QWidget *PreferencesDialog::buildGeneralPage()
     count->setSpecialValueText(tr("Never"));
     count->setValue(p.intValue(Keys::RepeatSeconds));
     count->setAccessibleName(tr("Repeat every"));
-    connect(count, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::RepeatSeconds, v); });
+    connect(count, &QSpinBox::valueChanged, page, [this](int v) { m_preferences.setValue(Keys::RepeatSeconds, v); });
     repeatRow->addWidget(count);
     QComboBox *unit = choiceControl(p, Keys::TimeUnit, { tr("seconds"), tr("minutes"), tr("hours"), tr("days") }, page);
     unit->setAccessibleName(tr("Repeat unit"));
@@ -239,7 +205,7 @@ QWidget *PreferencesDialog::buildMailPage()
     port->setRange(0, MailSettings::HighestPort);
     port->setSpecialValueText(tr("Not set"));
     port->setValue(p.intValue(Keys::ServerPort));
-    connect(port, &QSpinBox::valueChanged, page, [this](int v) { writeSoon(Keys::ServerPort, v); });
+    connect(port, &QSpinBox::valueChanged, page, [this](int v) { m_preferences.setValue(Keys::ServerPort, v); });
     server->addRow(tr("&Port:"), port);
     QCheckBox *secure = boolControl(p, Keys::UseSSL, tr("Use a secure &connection (TLS)"), p.boolValue(Keys::UseSSL), group);
     server->addRow(secure);
@@ -286,11 +252,7 @@ QWidget *PreferencesDialog::buildMailPage()
     test->setObjectName(QStringLiteral("testEmailButton"));
     // Enter in a mail field must not send a mail.
     test->setAutoDefault(false);
-    // With what was just typed: the message goes to the settings the window shows.
-    connect(test, &QPushButton::clicked, this, [this] {
-        writePending();
-        Q_EMIT testEmailRequested();
-    });
+    connect(test, &QPushButton::clicked, this, &PreferencesDialog::testEmailRequested);
     m_testOutcome = new QLabel(page);
     m_testOutcome->setObjectName(QStringLiteral("testOutcome"));
     m_testOutcome->setWordWrap(true);

@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QHash>
-#include <QTimer>
-#include <QVariant>
 
 class QLabel;
 class QLineEdit;
@@ -20,20 +17,13 @@ class PreferencesDialog final : public QDialog
 public:
     // password: where the mail password is kept; none: the settings file.
     explicit PreferencesDialog(Preferences &preferences, QWidget *parent = nullptr, MailPassword *password = nullptr);
-    ~PreferencesDialog() override;
-    // Writes the steps of a spin box not written yet.
-    void writePending();
     // What became of "Send Test Message", shown next to the button.
     void showTestOutcome(const QString &text);
 
 Q_SIGNALS:
     void testEmailRequested();
 
-protected:
-    void hideEvent(QHideEvent *event) override;
-
 private:
-    void writeSoon(QLatin1StringView key, const QVariant &value);
     QWidget *buildGeneralPage();
     QWidget *buildMailPage();
     QLineEdit *recipientControl(QWidget *page);
@@ -41,8 +31,6 @@ private:
     MailPassword *m_password;
     QLabel *m_addressProblem = nullptr;
     QLabel *m_testOutcome = nullptr;
-    QTimer m_writeTimer;
-    QHash<QString, QVariant> m_pending;
 };
 
 } // namespace Quillon
