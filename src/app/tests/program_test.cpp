@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 // The real program as a session runs it: started twice (one Quillon, always), given a command line,
 // and ended the ways Linux ends programs, each of which must save the list.
@@ -27,12 +28,9 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("said");
         const QByteArray plain = "Another start asked for the window.";
         const QByteArray withToken = "Another start asked for the window, with an activation token.";
-        QTest::newRow("private runtime folder") << "runtime"
-                                                << "runtime" << QByteArray("kwin-8c1e_4f:20") << withToken;
-        QTest::newRow("runtime folder open to all") << "shared"
-                                                    << "config/Quillon" << QByteArray() << plain;
-        QTest::newRow("runtime folder unset") << ""
-                                              << "config/Quillon" << QByteArray("two words") << plain;
+        QTest::newRow("private runtime folder") << u"runtime"_s << u"runtime"_s << QByteArray("kwin-8c1e_4f:20") << withToken;
+        QTest::newRow("runtime folder open to all") << u"shared"_s << u"config/Quillon"_s << QByteArray() << plain;
+        QTest::newRow("runtime folder unset") << u""_s << u"config/Quillon"_s << QByteArray("two words") << plain;
     }
     void secondStartHandsOverAndLeavesTheSettingsAlone()
     {
@@ -41,23 +39,23 @@ private Q_SLOTS:
         QFETCH(QByteArray, token);
         QFETCH(QByteArray, said);
         QTemporaryDir session;
-        QDir().mkpath(session.filePath(QStringLiteral("shared")));
-        QFile::setPermissions(session.filePath(QStringLiteral("shared")), QFileDevice::Permissions(0x7777));
+        QDir().mkpath(session.filePath(u"shared"_s));
+        QFile::setPermissions(session.filePath(u"shared"_s), QFileDevice::Permissions(0x7777));
         QProcess first;
-        start(first, session, runtime, QStringLiteral("wayland-1"));
+        start(first, session, runtime, { { u"WAYLAND_DISPLAY"_s, u"wayland-1"_s } });
         const QString lock = session.filePath(lockFolder);
-        QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({ QStringLiteral("quillon-*.socket") }, QDir::System).isEmpty(), 10'000);
+        QTRY_VERIFY_WITH_TIMEOUT(!QDir(lock).entryList({ u"quillon-*.socket"_s }, QDir::System).isEmpty(), 10'000);
         // The first start may still be writing its files on a busy machine: wait until they settle.
-        const auto settings = [&] { return QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files); };
+        const auto settings = [&] { return QDir(session.filePath(u"config/Quillon"_s)).entryList(QDir::Files); };
         QStringList settingsBefore;
         for (int i = 0; i < 20 && (i < 2 || settings() != settingsBefore); ++i) {
             settingsBefore = settings();
             QTest::qWait(300);
         }
         QProcess second;
-        start(second, session, runtime, QStringLiteral("wayland-2"), token);
+        start(second, session, runtime, { { u"WAYLAND_DISPLAY"_s, u"wayland-2"_s }, { u"XDG_ACTIVATION_TOKEN"_s, QString::fromLatin1(token) } });
         QVERIFY(Test::endsCleanly(second));
-        QCOMPARE(QDir(session.filePath(QStringLiteral("config/Quillon"))).entryList(QDir::Files), settingsBefore);
+        QCOMPARE(QDir(session.filePath(u"config/Quillon"_s)).entryList(QDir::Files), settingsBefore);
         QByteArray log;
         QTRY_VERIFY((log += first.readAllStandardError()).contains(said));
         QCOMPARE(log.contains("the instance lock is kept in"), lockFolder != runtime);
@@ -70,34 +68,24 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("config"); // the second start's XDG_CONFIG_HOME
         QTest::addColumn<QString>("runtime"); // and its XDG_RUNTIME_DIR; empty: unset
-        QTest::newRow("settings through a link, another runtime folder") << "link"
-                                                                         << "runtime2";
-        QTest::newRow("another private runtime folder") << "config"
-                                                        << "runtime2";
-        QTest::newRow("no runtime folder") << "config"
-                                           << "";
+        QTest::newRow("settings through a link, another runtime folder") << u"link"_s << u"runtime2"_s;
+        QTest::newRow("another private runtime folder") << u"config"_s << u"runtime2"_s;
+        QTest::newRow("no runtime folder") << u"config"_s << u""_s;
     }
     void oneInstancePerSettingsFile()
     {
         QFETCH(QString, config);
         QFETCH(QString, runtime);
         QTemporaryDir session;
-        QVERIFY(QDir().mkpath(session.filePath(QStringLiteral("config/Quillon"))) && QDir().mkpath(session.filePath(QStringLiteral("runtime2"))));
-        QFile::setPermissions(session.filePath(QStringLiteral("runtime2")), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        QVERIFY(QFile::link(session.filePath(QStringLiteral("config")), session.filePath(QStringLiteral("link"))));
+        QVERIFY(QDir().mkpath(session.filePath(u"config/Quillon"_s)) && QDir().mkpath(session.filePath(u"runtime2"_s)));
+        QFile::setPermissions(session.filePath(u"runtime2"_s), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QVERIFY(QFile::link(session.filePath(u"config"_s), session.filePath(u"link"_s)));
         QProcess first;
         start(first, session);
         // Up and running: its heartbeat comes once the list is read, after the signal handlers.
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(session.filePath(QStringLiteral("state/Quillon/running"))), 10'000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(session.filePath(u"state/Quillon/running"_s)), 10'000);
         QProcess second;
-        QProcessEnvironment env = Test::sessionEnvironment(session);
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), session.filePath(config));
-        if (runtime.isEmpty())
-            env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
-        else
-            env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
-        second.setProcessEnvironment(env);
-        second.start(QStringLiteral(QUILLON_BINARY), {});
+        start(second, session, runtime, { { u"XDG_CONFIG_HOME"_s, session.filePath(config) } });
         QVERIFY(second.waitForFinished(15'000));
         QVERIFY2(second.readAllStandardError().contains("another Quillon runs on these settings"), "the second start says why it ends");
         QCOMPARE(second.exitCode(), 1);
@@ -109,7 +97,7 @@ private Q_SLOTS:
         QTemporaryDir session;
         QProcess killed;
         start(killed, session);
-        const auto locks = [&session] { return QDir(session.filePath(QStringLiteral("runtime"))).entryList({ QStringLiteral("quillon-*.lock") }); };
+        const auto locks = [&session] { return QDir(session.filePath(u"runtime"_s)).entryList({ u"quillon-*.lock"_s }); };
         QTRY_VERIFY_WITH_TIMEOUT(!locks().isEmpty(), 10'000);
         killed.kill();
         QVERIFY(killed.waitForFinished(5000));
@@ -127,10 +115,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("fifo");
         QTest::addColumn<QByteArray>("said");
-        const QString lock = QStringLiteral("runtime/quillon-KEY.lock");
+        const QString lock = u"runtime/quillon-KEY.lock"_s;
         QTest::newRow("lock is a FIFO") << lock << true << QByteArray("is a FIFO, not a lock file");
         QTest::newRow("lock is a folder") << lock << false << QByteArray("is a folder, not a lock file");
-        QTest::newRow("history is a FIFO") << QStringLiteral("state/Quillon/history.sqlite") << true << QByteArray("(it is a FIFO)");
+        QTest::newRow("history is a FIFO") << u"state/Quillon/history.sqlite"_s << true << QByteArray("(it is a FIFO)");
     }
     void oddFilesDoNotHoldTheStart()
     {
@@ -140,7 +128,7 @@ private Q_SLOTS:
         QTemporaryDir session;
         const QString odd = session.filePath(QString(path).replace(QLatin1String("KEY"), lockKey(session)));
         QVERIFY(QDir().mkpath(fifo ? QFileInfo(odd).absolutePath() : odd));
-        QFile::setPermissions(session.filePath(QStringLiteral("runtime")), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QFile::setPermissions(session.filePath(u"runtime"_s), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         if (fifo)
             QCOMPARE(::mkfifo(QFile::encodeName(odd).constData(), 0600), 0);
         QProcess first;
@@ -163,22 +151,17 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("output");
         QTest::addColumn<QString>("language");
-        QTest::newRow("--version") << QStringList { "--version" } << false << 0 << "quillon " QUILLON_VERSION "\n"
-                                   << "C";
-        QTest::newRow("--help") << QStringList { "--help" } << false << 0 << "Usage: quillon [options]\nQuillon opens files"
-                                << "C";
+        QTest::newRow("--version") << QStringList { "--version" } << false << 0 << u"quillon " QUILLON_VERSION "\n"_s << u"C"_s;
+        QTest::newRow("--help") << QStringList { "--help" } << false << 0 << u"Usage: quillon [options]\nQuillon opens files"_s << u"C"_s;
         QTest::newRow("--help in German, Qt's own lines too")
             << QStringList { "--help" } << false << 0
-            << "Aufruf: quillon [Optionen]\nQuillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.\n\n"
-               "Optionen:\n  -h, --help     Zeigt"
-            << "de_DE.UTF-8";
-        QTest::newRow("unknown option") << QStringList { "--frobnicate" } << true << 2 << "quillon: Unknown option 'frobnicate'. (try --help)\n"
-                                        << "C";
-        QTest::newRow("stray argument") << QStringList { "file.txt" } << true << 2 << "quillon: unexpected argument 'file.txt' (try --help)\n"
-                                        << "C";
+            << u"Aufruf: quillon [Optionen]\nQuillon öffnet Dateien, Anwendungen und Skripte zu den Zeiten, die Sie wählen.\n\n"
+               "Optionen:\n  -h, --help     Zeigt"_s
+            << u"de_DE.UTF-8"_s;
+        QTest::newRow("unknown option") << QStringList { "--frobnicate" } << true << 2 << u"quillon: Unknown option 'frobnicate'. (try --help)\n"_s << u"C"_s;
+        QTest::newRow("stray argument") << QStringList { "file.txt" } << true << 2 << u"quillon: unexpected argument 'file.txt' (try --help)\n"_s << u"C"_s;
         QTest::newRow("no display") << QStringList {} << false << 1
-                                    << "quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n"
-                                    << "C";
+                                    << u"quillon: no display to show the window on (neither DISPLAY nor WAYLAND_DISPLAY is set)\n"_s << u"C"_s;
     }
     void commandLine()
     {
@@ -189,9 +172,9 @@ private Q_SLOTS:
         QFETCH(QString, language);
         QTemporaryDir session;
         QProcessEnvironment env = Test::sessionEnvironment(session);
-        env.insert(QStringLiteral("LC_ALL"), language);
+        env.insert(u"LC_ALL"_s, language);
         if (!display)
-            env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+            env.remove(u"QT_QPA_PLATFORM"_s);
         QProcess p;
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), arguments);
@@ -200,8 +183,8 @@ private Q_SLOTS:
         const QString printed = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
         QVERIFY2(printed.startsWith(output), qPrintable(printed));
         // Nothing written: no settings, no lock.
-        QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList { QStringLiteral("runtime") });
-        QVERIFY(QDir(session.filePath(QStringLiteral("runtime"))).isEmpty());
+        QCOMPARE(QDir(session.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList { u"runtime"_s });
+        QVERIFY(QDir(session.filePath(u"runtime"_s)).isEmpty());
     }
 
     // Also a signal while the saved list is still being read: kept until the program can quit properly.
@@ -219,9 +202,9 @@ private Q_SLOTS:
         QFETCH(int, signal);
         QFETCH(bool, duringStartUp);
         QTemporaryDir home;
-        const QString item = home.filePath(QStringLiteral("report.txt"));
+        const QString item = home.filePath(u"report.txt"_s);
         QVERIFY(Test::writeFile(item));
-        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        const QString conf = home.filePath(u"config/Quillon/Quillon.conf"_s);
         QVERIFY(Test::writeFile(conf, "[General]\nItems=" + item.toUtf8() + ", " + item.toUtf8() + "\nTimersRunning=false\n"));
         const int watch = ::inotify_init1(IN_CLOEXEC);
         QVERIFY(watch >= 0 && ::inotify_add_watch(watch, QFile::encodeName(conf).constData(), IN_OPEN) >= 0);
@@ -236,10 +219,10 @@ private Q_SLOTS:
         QVERIFY(Test::endsCleanly(app, signal));
 
         QSettings saved(conf, QSettings::IniFormat);
-        const QVariantList items = saved.value(QStringLiteral("Items")).toList();
+        const QVariantList items = saved.value(u"Items"_s).toList();
         QCOMPARE(items.size(), 2);
         QVERIFY(items.first().toByteArray().startsWith("QUILLON-REF"));
-        QCOMPARE(saved.value(QStringLiteral("Dates")).toList().size(), 2);
+        QCOMPARE(saved.value(u"Dates"_s).toList().size(), 2);
         // The user wrote this file; its mode is theirs to choose.
         QCOMPARE(Test::modeOf(conf), 0644u);
     }
@@ -257,14 +240,14 @@ private Q_SLOTS:
         QFETCH(bool, refuse);
         QTemporaryDir home;
         MailTest::Server server;
-        QVERIFY(server.start(home, refuse ? QStringList { QStringLiteral("--refuse") } : QStringList {}));
-        const QString script = home.filePath(QStringLiteral("slow.scpt"));
+        QVERIFY(server.start(home, refuse ? QStringList { u"--refuse"_s } : QStringList {}));
+        const QString script = home.filePath(u"slow.scpt"_s);
         QVERIFY(Test::writeFile(script,
             "#!/bin/sh\nsleep 2\nprintf 'Gr\xc3\xbc\xc3\x9f"
             "e aus K\xc3\xb6ln\\000!'\n"));
-        const QString item = home.filePath(QStringLiteral("R\u00e9sum\u00e9 100%.txt"));
+        const QString item = home.filePath(u"R\u00e9sum\u00e9 100%.txt"_s);
         QVERIFY(Test::writeFile(item));
-        const QString conf = home.filePath(QStringLiteral("config/Quillon/Quillon.conf"));
+        const QString conf = home.filePath(u"config/Quillon/Quillon.conf"_s);
         const QDateTime now = QDateTime::currentDateTimeUtc();
         const QByteArray dates = now.addSecs(2).toString(Qt::ISODate).toUtf8() + ", " + now.addSecs(3).toString(Qt::ISODate).toUtf8();
         QVERIFY(Test::writeFile(conf,
@@ -287,36 +270,35 @@ private Q_SLOTS:
             QJsonObject result = server.messages().at(0), notice = server.messages().at(1);
             if (result.value(QLatin1String("subject")).toString() == QLatin1String("Quillon launched path..."))
                 std::swap(result, notice);
-            QCOMPARE(result.value(QLatin1String("charset")).toString(), QStringLiteral("utf-8"));
+            QCOMPARE(result.value(QLatin1String("charset")).toString(), u"utf-8"_s);
             // The NUL the script printed is kept visible, and nothing after it is lost.
-            QCOMPARE(result.value(QLatin1String("body")).toString(), QStringLiteral("Gr\u00fc\u00dfe aus K\u00f6ln\ufffd!"));
-            QCOMPARE(notice.value(QLatin1String("subject")).toString(), QStringLiteral("Quillon launched path..."));
+            QCOMPARE(result.value(QLatin1String("body")).toString(), u"Gr\u00fc\u00dfe aus K\u00f6ln\ufffd!"_s);
+            QCOMPARE(notice.value(QLatin1String("subject")).toString(), u"Quillon launched path..."_s);
             QCOMPARE(notice.value(QLatin1String("body")).toString(), item);
         }
         QSettings saved(conf, QSettings::IniFormat);
-        QCOMPARE(saved.value(QStringLiteral("TimersRunning")).toBool(), false);
-        QCOMPARE(saved.value(QStringLiteral("Items")).toList().size(), 2);
+        QCOMPARE(saved.value(u"TimersRunning"_s).toBool(), false);
+        QCOMPARE(saved.value(u"Items"_s).toList().size(), 2);
     }
 
 private:
     // The lock's name: a digest of the settings file's path, as the program computes it.
     static QString lockKey(const QTemporaryDir &session)
     {
-        const QByteArray settings = QFile::encodeName(session.filePath(QStringLiteral("config/Quillon/Quillon.conf")));
+        const QByteArray settings = QFile::encodeName(session.filePath(u"config/Quillon/Quillon.conf"_s));
         return QString::fromLatin1(QCryptographicHash::hash(settings, QCryptographicHash::Sha256).toHex().left(16));
     }
-    static void start(QProcess &p, const QTemporaryDir &session, const QString &runtime = QStringLiteral("runtime"), const QString &display = {},
-        const QByteArray &token = {})
+    // runtime: the session's folder for XDG_RUNTIME_DIR, empty for none; an empty variable is left unset.
+    static void start(QProcess &p, const QTemporaryDir &session, const QString &runtime = u"runtime"_s, const QMap<QString, QString> &variables = {})
     {
         QProcessEnvironment env = Test::sessionEnvironment(session);
-        if (runtime.isEmpty())
-            env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
-        else
-            env.insert(QStringLiteral("XDG_RUNTIME_DIR"), session.filePath(runtime));
-        if (!display.isEmpty())
-            env.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
-        if (!token.isEmpty())
-            env.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), QString::fromLatin1(token));
+        env.remove(u"XDG_RUNTIME_DIR"_s);
+        if (!runtime.isEmpty())
+            env.insert(u"XDG_RUNTIME_DIR"_s, session.filePath(runtime));
+        for (const auto &[name, value] : variables.asKeyValueRange()) {
+            if (!value.isEmpty())
+                env.insert(name, value);
+        }
         p.setProcessEnvironment(env);
         p.start(QStringLiteral(QUILLON_BINARY), {});
         QVERIFY(p.waitForStarted());

@@ -18,6 +18,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 namespace {
 // As timedated does it: a new link, renamed over the old one.
@@ -45,9 +46,9 @@ private Q_SLOTS:
         if (!m_isolated)
             QSKIP("Changing the zone under the program needs a mount namespace of its own: run as root.");
         QTemporaryDir home;
-        qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
-        qputenv("XDG_STATE_HOME", home.filePath(QStringLiteral("state")).toUtf8());
-        QVERIFY(Test::writeFile(home.filePath(QStringLiteral("a.txt"))) && Test::writeFile(home.filePath(QStringLiteral("b.txt"))));
+        qputenv("XDG_CONFIG_HOME", home.filePath(u"config"_s).toUtf8());
+        qputenv("XDG_STATE_HOME", home.filePath(u"state"_s).toUtf8());
+        QVERIFY(Test::writeFile(home.filePath(u"a.txt"_s)) && Test::writeFile(home.filePath(u"b.txt"_s)));
         FakeClock clock(Test::Now);
         FakePowerService power;
         FakeWorkspace workspace;
@@ -57,12 +58,12 @@ private Q_SLOTS:
         connect(&zones, &TimeZoneWatcher::zoneChanged, &controller, &QuillonController::timeZoneChanged);
         controller.awakeFromNib();
         ScheduleEditor &editor = controller.editor();
-        editor.add({ home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }, Test::at(30));
+        editor.add({ home.filePath(u"a.txt"_s), home.filePath(u"b.txt"_s) }, Test::at(30));
         editor.setDate({ 1 }, Test::at(50));
         // 07:00 every day: one item in whatever zone the system has, one pinned to Berlin.
         const QDateTime sevenInBerlin(QDate(2027, 1, 16), QTime(7, 0), QTimeZone("Europe/Berlin"));
-        editor.add({ home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }, sevenInBerlin);
-        Repeat daily = *Repeat::fromRule(QStringLiteral("daily"));
+        editor.add({ home.filePath(u"a.txt"_s), home.filePath(u"b.txt"_s) }, sevenInBerlin);
+        Repeat daily = *Repeat::fromRule(u"daily"_s);
         QCOMPARE(editor.setRepeat({ 2 }, daily), QString());
         QVERIFY(daily.setZoneId("Europe/Berlin"));
         QCOMPARE(editor.setRepeat({ 3 }, daily), QString());
@@ -72,7 +73,7 @@ private Q_SLOTS:
             = [&controller](int row) { return controller.fileListWindow()->model()->index(row, ItemTableModel::LaunchTimeColumn).data().toString(); };
         const auto wallTime = [](qint64 offset, const char *zone) {
             // The 12-hour clock of the test's locale, without its AM or PM.
-            return Test::at(offset).toTimeZone(QTimeZone(zone)).time().toString(QStringLiteral("h:mm:ss AP")).section(QLatin1Char(' '), 0, 0);
+            return Test::at(offset).toTimeZone(QTimeZone(zone)).time().toString(u"h:mm:ss AP"_s).section(QLatin1Char(' '), 0, 0);
         };
         QVERIFY2(shown(0).contains(wallTime(30, "Europe/Berlin")), qPrintable(shown(0)));
 
@@ -82,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(controller.schedule().dates().at(2), QDateTime(QDate(2027, 1, 16), QTime(7, 0), QTimeZone("Asia/Tokyo")).toUTC());
         QCOMPARE(controller.schedule().dates().at(3), sevenInBerlin.toUTC());
         clock.advance(60'000);
-        QCOMPARE(workspace.opened, (QStringList { home.filePath(QStringLiteral("a.txt")), home.filePath(QStringLiteral("b.txt")) }));
+        QCOMPARE(workspace.opened, (QStringList { home.filePath(u"a.txt"_s), home.filePath(u"b.txt"_s) }));
     }
 
 private:

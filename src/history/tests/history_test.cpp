@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 using Kind = History::Kind;
 
 // The history in a real SQLite file, and in files that cannot be used.
@@ -28,9 +29,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("folder"); // under XDG_STATE_HOME
         QTest::addColumn<uint>("mode");
         QTest::addColumn<bool>("others");
-        QTest::newRow("ours") << "Quillon" << 0700u << false;
-        QTest::newRow("state home anyone can write") << "" << 0777u << false;
-        QTest::newRow("our folder, another user's") << "Quillon" << 0700u << true;
+        QTest::newRow("ours") << u"Quillon"_s << 0700u << false;
+        QTest::newRow("state home anyone can write") << u""_s << 0777u << false;
+        QTest::newRow("our folder, another user's") << u"Quillon"_s << 0700u << true;
     }
     void aStateFolderNotOurOwnIsPassedOver()
     {
@@ -40,7 +41,7 @@ private Q_SLOTS:
         if (others && ::geteuid() != 0)
             QSKIP("Giving a folder to another user needs root.");
         QTemporaryDir state;
-        QVERIFY(QDir().mkpath(state.filePath(QStringLiteral("Quillon"))));
+        QVERIFY(QDir().mkpath(state.filePath(u"Quillon"_s)));
         const QByteArray given = QFile::encodeName(state.filePath(folder));
         QCOMPARE(::chmod(given.constData(), mode), 0);
         if (others)
@@ -48,38 +49,38 @@ private Q_SLOTS:
         const Test::ScopedEnv home("XDG_STATE_HOME", state.path().toUtf8());
         const bool ours = mode == 0700u && !others;
         QCOMPARE(History::defaultFileName().startsWith(state.path()), ours);
-        QCOMPARE(m_log.filter(QStringLiteral("is not yours alone")).size(), ours ? 0 : 1);
+        QCOMPARE(m_log.filter(u"is not yours alone"_s).size(), ours ? 0 : 1);
     }
 
     void recordsOneTurnInOneGo()
     {
         QTemporaryDir home;
-        const QString file = home.filePath(QStringLiteral("state/Quillon/history.sqlite"));
+        const QString file = home.filePath(u"state/Quillon/history.sqlite"_s);
         FakeClock clock(Test::Now);
         History history(file, clock);
-        history.record(Kind::Opened, QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-5), QStringLiteral("document"));
-        history.record(Kind::OpenFailed, QStringLiteral("/home/ann/gone.txt"), Test::at(-4), QStringLiteral("the file no longer exists"));
-        history.record(Kind::MailRefused, QString(), {}, QStringLiteral("550 no"));
+        history.record(Kind::Opened, u"/home/ann/Résumé 100%.txt"_s, Test::at(-5), u"document"_s);
+        history.record(Kind::OpenFailed, u"/home/ann/gone.txt"_s, Test::at(-4), u"the file no longer exists"_s);
+        history.record(Kind::MailRefused, QString(), {}, u"550 no"_s);
         QCOMPARE(rows(file), 0); // not yet: at the end of the turn
         QTRY_COMPARE(rows(file), 3);
-        QVERIFY(history.handled(QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-5)));
-        QVERIFY(!history.handled(QStringLiteral("/home/ann/Résumé 100%.txt"), Test::at(-6)));
+        QVERIFY(history.handled(u"/home/ann/Résumé 100%.txt"_s, Test::at(-5)));
+        QVERIFY(!history.handled(u"/home/ann/Résumé 100%.txt"_s, Test::at(-6)));
         // A name that is not UTF-8 comes back as the same bytes; rows of older versions hold text.
         const QString latin1 = FileName::decode("/home/ann/caf\xe9.txt");
         history.record(Kind::Opened, latin1, Test::at(-3));
         history.flush();
-        QCOMPARE(History::pathOf(query(file, QStringLiteral("SELECT path FROM events ORDER BY id DESC"))), latin1);
+        QCOMPARE(History::pathOf(query(file, u"SELECT path FROM events ORDER BY id DESC"_s)), latin1);
         QVERIFY(history.handled(latin1, Test::at(-3)));
-        query(file, QStringLiteral("INSERT INTO events (at, path, scheduled, kind, detail) VALUES (0, '/old/Grüße', 7, 0, '')"));
-        QVERIFY(history.handled(QStringLiteral("/old/Grüße"), QDateTime::fromMSecsSinceEpoch(7)));
+        query(file, u"INSERT INTO events (at, path, scheduled, kind, detail) VALUES (0, '/old/Grüße', 7, 0, '')"_s);
+        QVERIFY(history.handled(u"/old/Grüße"_s, QDateTime::fromMSecsSinceEpoch(7)));
         QCOMPARE(history.problemsAfter(0), 2);
         QCOMPARE(history.problemsAfter(history.lastId()), 0);
         QCOMPARE(Test::modeOf(file), 0600u);
-        QCOMPARE(Test::modeOf(home.filePath(QStringLiteral("state/Quillon"))), 0700u);
+        QCOMPARE(Test::modeOf(home.filePath(u"state/Quillon"_s)), 0700u);
         // Older than 90 days goes when the file is next opened.
         clock.advance(qint64(History::KeepDays + 1) * 86'400'000);
-        History later(home.filePath(QStringLiteral("state/Quillon/history.sqlite")), clock);
-        later.record(Kind::Opened, QStringLiteral("/x"));
+        History later(home.filePath(u"state/Quillon/history.sqlite"_s), clock);
+        later.record(Kind::Opened, u"/x"_s);
         later.flush();
         QTRY_COMPARE(rows(file), 1);
     }
@@ -93,11 +94,11 @@ private Q_SLOTS:
         QTest::addColumn<int>("rowsMeanwhile");
         QTest::addColumn<int>("rowsAfter"); // -1: no history is kept, the file is not touched
         QTest::addColumn<QString>("logged");
-        QTest::newRow("not a database") << "junk" << 1 << 1 << 1 << "was set aside";
-        QTest::newRow("locked before the open") << "locked" << 0 << 0 << 1 << "cannot be written now";
-        QTest::newRow("locked while it writes") << "locked later" << 0 << 0 << 1 << "cannot be written now";
-        QTest::newRow("a FIFO") << "fifo" << 0 << -1 << -1 << "it is a FIFO";
-        QTest::newRow("a folder") << "folder" << 0 << -1 << -1 << "it is a folder";
+        QTest::newRow("not a database") << u"junk"_s << 1 << 1 << 1 << u"was set aside"_s;
+        QTest::newRow("locked before the open") << u"locked"_s << 0 << 0 << 1 << u"cannot be written now"_s;
+        QTest::newRow("locked while it writes") << u"locked later"_s << 0 << 0 << 1 << u"cannot be written now"_s;
+        QTest::newRow("a FIFO") << u"fifo"_s << 0 << -1 << -1 << u"it is a FIFO"_s;
+        QTest::newRow("a folder") << u"folder"_s << 0 << -1 << -1 << u"it is a folder"_s;
     }
     void filesThatCannotBeUsedAsTheyAre()
     {
@@ -107,20 +108,20 @@ private Q_SLOTS:
         QFETCH(int, rowsAfter);
         QFETCH(QString, logged);
         QTemporaryDir home;
-        const QString file = home.filePath(QStringLiteral("history.sqlite"));
+        const QString file = home.filePath(u"history.sqlite"_s);
         const QByteArray name = QFile::encodeName(file);
-        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
         other.setDatabaseName(file);
         const auto removeOther = qScopeGuard([&other] {
             other.close();
             other = {};
-            QSqlDatabase::removeDatabase(QStringLiteral("other"));
+            QSqlDatabase::removeDatabase(u"other"_s);
         });
         const auto lock = [&other](const char *begin) {
             QVERIFY(other.open());
-            QSqlQuery(other).exec(QStringLiteral("CREATE TABLE IF NOT EXISTS t (x)"));
+            QSqlQuery(other).exec(u"CREATE TABLE IF NOT EXISTS t (x)"_s);
             QVERIFY(QSqlQuery(other).exec(QString::fromLatin1(begin)));
-            QVERIFY(QSqlQuery(other).exec(QStringLiteral("INSERT INTO t VALUES (1)")));
+            QVERIFY(QSqlQuery(other).exec(u"INSERT INTO t VALUES (1)"_s));
             // Held as a second program would hold it, for longer than anything waits.
             QTimer::singleShot(1500, [&other] { QVERIFY(other.commit()); });
         };
@@ -139,17 +140,17 @@ private Q_SLOTS:
                 QVERIFY(history.isOpen());
                 lock("BEGIN IMMEDIATE");
             }
-            history.record(Kind::Missed, QStringLiteral("/a"), Test::at(-60));
+            history.record(Kind::Missed, u"/a"_s, Test::at(-60));
             QTest::qWait(500);
             if (rowsAfter >= 0) {
                 QCOMPARE(rows(file), rowsMeanwhile);
                 QTRY_COMPARE_WITH_TIMEOUT(rows(file), rowsAfter, 5000);
             }
         }
-        QCOMPARE(QDir(home.path()).entryList({ QStringLiteral("history.sqlite.damaged-*") }, QDir::Files).size(), setAside);
+        QCOMPARE(QDir(home.path()).entryList({ u"history.sqlite.damaged-*"_s }, QDir::Files).size(), setAside);
         // Said once however often it is tried again, and once more when it works again.
         QVERIFY2(m_log.filter(logged).size() == 1, qPrintable(m_log.join(QLatin1Char('|'))));
-        QCOMPARE(m_log.filter(QStringLiteral("can be written again")).size(), int(logged.startsWith(QLatin1String("cannot be written"))));
+        QCOMPARE(m_log.filter(u"can be written again"_s).size(), int(logged.startsWith(QLatin1String("cannot be written"))));
         struct stat st
         {
         };
@@ -162,11 +163,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<qint64>("seconds");
         QTest::addColumn<QString>("text");
-        QTest::newRow("seconds") << qint64(35) << "35 s late";
-        QTest::newRow("just under two minutes") << qint64(119) << "119 s late";
-        QTest::newRow("minutes") << qint64(12 * 60 + 59) << "12 min late";
-        QTest::newRow("hours") << qint64(5 * 3600) << "5 h late";
-        QTest::newRow("days") << qint64(4 * 86400 + 7) << "4 days late";
+        QTest::newRow("seconds") << qint64(35) << u"35 s late"_s;
+        QTest::newRow("just under two minutes") << qint64(119) << u"119 s late"_s;
+        QTest::newRow("minutes") << qint64(12 * 60 + 59) << u"12 min late"_s;
+        QTest::newRow("hours") << qint64(5 * 3600) << u"5 h late"_s;
+        QTest::newRow("days") << qint64(4 * 86400 + 7) << u"4 days late"_s;
     }
     void latenessInTheUnitThatFits()
     {
@@ -179,13 +180,13 @@ private Q_SLOTS:
     void nowhereToWriteLeavesItOff()
     {
         FakeClock clock(Test::Now);
-        History history(QStringLiteral("/proc/quillon-test/history.sqlite"), clock);
+        History history(u"/proc/quillon-test/history.sqlite"_s, clock);
         QVERIFY(!history.isOpen());
         QSignalSpy recorded(&history, &History::recorded);
-        history.record(Kind::Opened, QStringLiteral("/a"));
+        history.record(Kind::Opened, u"/a"_s);
         QCOMPARE(recorded.size(), 1);
-        QVERIFY(!history.handled(QStringLiteral("/a"), {}));
-        QVERIFY(!m_log.filter(QStringLiteral("goes on without it")).isEmpty());
+        QVERIFY(!history.handled(u"/a"_s, {}));
+        QVERIFY(!m_log.filter(u"goes on without it"_s).isEmpty());
     }
 
 private:
@@ -194,21 +195,21 @@ private:
     {
         QVariant value;
         {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reader"));
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"reader"_s);
             db.setDatabaseName(file);
-            db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0")); // a locked file reads as empty, at once
+            db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=0"_s); // a locked file reads as empty, at once
             QSqlQuery q(db);
             if (db.open() && q.exec(sql) && q.next())
                 value = q.value(0);
             else if (db.isOpen())
                 value = 0;
         }
-        QSqlDatabase::removeDatabase(QStringLiteral("reader"));
+        QSqlDatabase::removeDatabase(u"reader"_s);
         return value;
     }
     static int rows(const QString &file)
     {
-        const QVariant n = query(file, QStringLiteral("SELECT COUNT(*) FROM events"));
+        const QVariant n = query(file, u"SELECT COUNT(*) FROM events"_s);
         return n.isValid() ? n.toInt() : -1;
     }
 

@@ -8,6 +8,7 @@
 #include <QTest>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 using Mail = QPair<QString, QString>; // body, subject
 Q_DECLARE_METATYPE(std::optional<Quillon::ScriptDescriptor>)
@@ -31,11 +32,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("script");
-        QTest::newRow("scpt") << "/s/report.scpt" << true;
-        QTest::newRow("applescript") << "/s/a.applescript" << true;
-        QTest::newRow("upper-case SCPT is a document") << "/s/report.SCPT" << false;
-        QTest::newRow("dot in a folder name only") << "/s/x.scpt/run" << false;
-        QTest::newRow("two extensions, last counts") << "/s/a.scpt.txt" << false;
+        QTest::newRow("scpt") << u"/s/report.scpt"_s << true;
+        QTest::newRow("applescript") << u"/s/a.applescript"_s << true;
+        QTest::newRow("upper-case SCPT is a document") << u"/s/report.SCPT"_s << false;
+        QTest::newRow("dot in a folder name only") << u"/s/x.scpt/run"_s << false;
+        QTest::newRow("two extensions, last counts") << u"/s/a.scpt.txt"_s << false;
     }
     void scriptOrDocument()
     {
@@ -52,10 +53,10 @@ private Q_SLOTS:
         QTest::addColumn<std::optional<ScriptDescriptor>>("result");
         QTest::addColumn<bool>("mailResults");
         QTest::addColumn<QList<Mail>>("mails");
-        const auto text = ScriptDescriptor::fromText(QStringLiteral("done"));
-        const auto list = ScriptDescriptor::fromList({ ScriptDescriptor::fromText(QStringLiteral("a")), ScriptDescriptor::fromText(QStringLiteral("b")) });
-        const ScriptDescriptor record { ScriptDescriptor::Type::Record, {}, {}, { { QStringLiteral("k"), text } } };
-        const QString subject = QStringLiteral("Quillon Script Result");
+        const auto text = ScriptDescriptor::fromText(u"done"_s);
+        const auto list = ScriptDescriptor::fromList({ ScriptDescriptor::fromText(u"a"_s), ScriptDescriptor::fromText(u"b"_s) });
+        const ScriptDescriptor record { ScriptDescriptor::Type::Record, {}, {}, { { u"k"_s, text } } };
+        const QString subject = u"Quillon Script Result"_s;
         QTest::newRow("text, mailing on") << true << std::optional(text) << true << QList<Mail> { { "done", subject } };
         QTest::newRow("text, mailing off") << true << std::optional(text) << false << QList<Mail> {};
         QTest::newRow("empty text is still text") << true << std::optional(ScriptDescriptor::fromText({})) << true << QList<Mail> { { "", subject } };
@@ -70,7 +71,7 @@ private Q_SLOTS:
         QFETCH(std::optional<ScriptDescriptor>, result);
         QFETCH(bool, mailResults);
         QFETCH(QList<Mail>, mails);
-        const QString path = QStringLiteral("/s/job.scpt");
+        const QString path = u"/s/job.scpt"_s;
         m_scripts.outcomes[path] = { loaded, result, {}, {}, {}, {} };
         // Launch notices are on, and must not matter for scripts.
         m_prefs.setValues({ { Keys::EmailScriptResults, mailResults }, { Keys::SendEmail, true } });
@@ -82,13 +83,13 @@ private Q_SLOTS:
 
     void scriptSettingIsReadFromTheFileAtEachRun()
     {
-        const QString path = QStringLiteral("/s/job.scpt");
-        m_scripts.outcomes[path] = { true, ScriptDescriptor::fromText(QStringLiteral("x")), {}, {}, {}, {} };
+        const QString path = u"/s/job.scpt"_s;
+        m_scripts.outcomes[path] = { true, ScriptDescriptor::fromText(u"x"_s), {}, {}, {}, {} };
         m_launcher->launchItem(path);
         QVERIFY(m_mails.isEmpty());
         // Another writer (the preferences window of another instance) turns it on.
         QSettings other(m_prefs.fileName(), QSettings::IniFormat);
-        other.setValue(QStringLiteral("emailAppleScriptResults"), true);
+        other.setValue(u"emailAppleScriptResults"_s, true);
         other.sync();
         m_launcher->launchItem(path);
         QCOMPARE(m_mails.size(), 1);
@@ -108,23 +109,23 @@ private Q_SLOTS:
         QFETCH(bool, opens);
         m_prefs.setValue(Keys::SendEmail, notices);
         m_workspace.openSucceeds = opens;
-        const QString path = QStringLiteral("/home/me/Report 1.txt");
+        const QString path = u"/home/me/Report 1.txt"_s;
         m_launcher->launchItem(path);
         QCOMPARE(m_workspace.opened, QStringList { path });
-        QCOMPARE(m_mails, (notices ? QList<Mail> { { path, QStringLiteral("Quillon launched path...") } } : QList<Mail> {}));
-        QCOMPARE(m_log, notices ? QStringList {} : QStringList { QStringLiteral("Email notifications are off.") });
+        QCOMPARE(m_mails, (notices ? QList<Mail> { { path, u"Quillon launched path..."_s } } : QList<Mail> {}));
+        QCOMPARE(m_log, notices ? QStringList {} : QStringList { u"Email notifications are off."_s });
     }
 
     void launchAllNowGoesTopToBottom()
     {
-        const QStringList paths = { QStringLiteral("/a"), QStringLiteral("/b.scpt"), QStringLiteral("/c") };
-        m_scripts.outcomes[QStringLiteral("/b.scpt")] = { true, ScriptDescriptor::fromText(QStringLiteral("r")), {}, {}, {}, {} };
+        const QStringList paths = { u"/a"_s, u"/b.scpt"_s, u"/c"_s };
+        m_scripts.outcomes[u"/b.scpt"_s] = { true, ScriptDescriptor::fromText(u"r"_s), {}, {}, {}, {} };
         m_prefs.setValue(Keys::EmailScriptResults, true);
         m_prefs.setValue(Keys::SendEmail, true);
         m_launcher->launchAllNow(paths);
         QCOMPARE(m_workspace.opened, (QStringList { "/a", "/c" }));
-        const QString notice = QStringLiteral("Quillon launched path...");
-        QCOMPARE(m_mails, (QList<Mail> { { "/a", notice }, { "r", QStringLiteral("Quillon Script Result") }, { "/c", notice } }));
+        const QString notice = u"Quillon launched path..."_s;
+        QCOMPARE(m_mails, (QList<Mail> { { "/a", notice }, { "r", u"Quillon Script Result"_s }, { "/c", notice } }));
         m_launcher->launchAllNow({});
         QCOMPARE(m_workspace.opened.size(), 2);
     }
@@ -133,8 +134,8 @@ private Q_SLOTS:
     void itemsWaitBehindARunningScript()
     {
         m_scripts.hold = true;
-        m_launcher->launchAllNow({ QStringLiteral("/a.scpt"), QStringLiteral("/doc"), QStringLiteral("/b.scpt"), QStringLiteral("/doc2") });
-        m_launcher->launchItem(QStringLiteral("/due-meanwhile"));
+        m_launcher->launchAllNow({ u"/a.scpt"_s, u"/doc"_s, u"/b.scpt"_s, u"/doc2"_s });
+        m_launcher->launchItem(u"/due-meanwhile"_s);
         QCOMPARE(m_scripts.ran, QStringList { "/a.scpt" });
         QVERIFY(m_workspace.opened.isEmpty());
         m_scripts.finishRunning();
@@ -144,7 +145,7 @@ private Q_SLOTS:
         QCOMPARE(m_scripts.stopped, QStringList { "/b.scpt" });
         m_scripts.finishRunning();
         m_scripts.hold = false;
-        m_launcher->launchItem(QStringLiteral("/next"));
+        m_launcher->launchItem(u"/next"_s);
         QCOMPARE(m_workspace.opened, (QStringList { "/doc", "/next" }));
     }
 
@@ -164,8 +165,8 @@ private Q_SLOTS:
         QFETCH(int, runs);
         m_scripts.hold = true;
         for (quint64 row : rows)
-            m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, row);
-        m_launcher->launchAllNow({ QStringLiteral("/slow.scpt") });
+            m_launcher->launchItem(u"/slow.scpt"_s, Launcher::Origin::Schedule, row);
+        m_launcher->launchAllNow({ u"/slow.scpt"_s });
         while (m_scripts.isRunning())
             m_scripts.finishRunning();
         QCOMPARE(m_scripts.ran.size(), runs + 1);
@@ -175,9 +176,9 @@ private Q_SLOTS:
     void stopDropsOnlyScheduledRuns()
     {
         m_scripts.hold = true;
-        m_launcher->launchItem(QStringLiteral("/slow.scpt"), Launcher::Origin::Schedule, 1);
-        m_launcher->launchItem(QStringLiteral("/doc"), Launcher::Origin::Schedule, 2);
-        m_launcher->launchAllNow({ QStringLiteral("/slow.scpt") });
+        m_launcher->launchItem(u"/slow.scpt"_s, Launcher::Origin::Schedule, 1);
+        m_launcher->launchItem(u"/doc"_s, Launcher::Origin::Schedule, 2);
+        m_launcher->launchAllNow({ u"/slow.scpt"_s });
         bool idle = false;
         m_launcher->whenIdle([&idle] { idle = true; });
         const QList<Launch> dropped = m_launcher->dropScheduled();
@@ -200,7 +201,7 @@ private Q_SLOTS:
         m_launcher->setScriptWait(std::chrono::milliseconds(200));
         QStringList late;
         connect(m_launcher.get(), &Launcher::opened, this, [&late](const Launch &launch) { late << launch.path + QLatin1String(": ") + launch.waitedFor; });
-        m_launcher->launchAllNow({ QStringLiteral("/b/backup.scpt"), QStringLiteral("/doc"), QStringLiteral("/next.scpt"), QStringLiteral("/doc2") });
+        m_launcher->launchAllNow({ u"/b/backup.scpt"_s, u"/doc"_s, u"/next.scpt"_s, u"/doc2"_s });
         QCOMPARE(m_scripts.limit, std::chrono::seconds(0));
         QVERIFY(m_workspace.opened.isEmpty());
         QTRY_COMPARE(m_workspace.opened, (QStringList { "/doc", "/doc2" }));

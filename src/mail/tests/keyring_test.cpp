@@ -9,6 +9,7 @@
 #include <QTest>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 namespace {
 // A keyring whose every prompt the user dismisses.
@@ -18,15 +19,15 @@ public:
     int calls = 0;
     void read(const QString &, ReadDone done) override
     {
-        answerLater([done] { done(Result::Unavailable, {}, QStringLiteral("dismissed")); });
+        answerLater([done] { done(Result::Unavailable, {}, u"dismissed"_s); });
     }
     void write(const QString &, const QString &, Done done) override
     {
-        answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); });
+        answerLater([done] { done(Result::Unavailable, u"dismissed"_s); });
     }
     void remove(const QString &, Done done) override
     {
-        answerLater([done] { done(Result::Unavailable, QStringLiteral("dismissed")); });
+        answerLater([done] { done(Result::Unavailable, u"dismissed"_s); });
     }
 
 private:
@@ -37,8 +38,8 @@ private:
     }
 };
 
-const QString Old = QStringLiteral("old-p\u00e4ssword");
-const QString New = QStringLiteral("new-p\u00e4ssword");
+const QString Old = u"old-p\u00e4ssword"_s;
+const QString New = u"new-p\u00e4ssword"_s;
 } // namespace
 
 // The mail password with a real GNOME Keyring, and with no Secret Service (QUILLON_NO_KEYRING).
@@ -46,7 +47,7 @@ class KeyringTest : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { m_store = std::make_unique<SecretServiceStore>(QStringLiteral("org.quillon.Quillon.test")); }
+    void initTestCase() { m_store = std::make_unique<SecretServiceStore>(u"org.quillon.Quillon.test"_s); }
     void init()
     {
         // A login session of its own for each test: what one remembers must not reach the next.
@@ -64,15 +65,15 @@ private Q_SLOTS:
     {
         if (!qEnvironmentVariableIsSet("QUILLON_SILENT_KEYRING"))
             QSKIP("Runs on a bus whose Secret Service never answers (with_silent_keyring.sh).");
-        SecretServiceStore silent(QStringLiteral("org.quillon.Quillon.test"), std::chrono::milliseconds(500));
+        SecretServiceStore silent(u"org.quillon.Quillon.test"_s, std::chrono::milliseconds(500));
         QStringList answers;
         for (int i = 0; i < 2; ++i)
             silent.read(QString::fromLatin1(Keys::LoginPassword), [&answers](SecretStore::Result result, const QString &secret, const QString &error) {
-                answers << QStringLiteral("%1 %2 %3").arg(int(result)).arg(secret, error);
+                answers << u"%1 %2 %3"_s.arg(int(result)).arg(secret, error);
             });
         QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 2, 5'000);
-        QCOMPARE(answers.at(0), QStringLiteral("%1  the keyring did not answer in time").arg(int(SecretStore::Result::Unavailable)));
-        QCOMPARE(m_log.filter(QStringLiteral("did not answer within")).size(), 1);
+        QCOMPARE(answers.at(0), u"%1  the keyring did not answer in time"_s.arg(int(SecretStore::Result::Unavailable)));
+        QCOMPARE(m_log.filter(u"did not answer within"_s).size(), 1);
     }
 
     void passwordMovesIntoTheKeyringOrStaysInTheFile()
@@ -85,14 +86,14 @@ private Q_SLOTS:
         password.set(New);
         QTRY_COMPARE(read(password), New);
         m_prefs.flush();
-        const QString inFile = m_settings.read(QStringLiteral("loginPassword")).toString();
+        const QString inFile = m_settings.read(u"loginPassword"_s).toString();
         if (noKeyring()) {
             QCOMPARE(inFile, New);
-            QCOMPARE(m_log.filter(QStringLiteral("keyring cannot be used")).size(), 1);
+            QCOMPARE(m_log.filter(u"keyring cannot be used"_s).size(), 1);
             return;
         }
-        QTRY_VERIFY(m_settings.read(QStringLiteral("loginPassword")).isNull());
-        QCOMPARE(m_log.filter(QStringLiteral("moved from the settings file")).size(), 1);
+        QTRY_VERIFY(m_settings.read(u"loginPassword"_s).isNull());
+        QCOMPARE(m_log.filter(u"moved from the settings file"_s).size(), 1);
         // Really in the keyring: a store of its own reads it back.
         auto direct = std::make_shared<QString>();
         m_store->read(MailPassword::Key, [direct](SecretStore::Result, const QString &secret, const QString &) { *direct = secret; });
@@ -135,7 +136,7 @@ private Q_SLOTS:
         QCOMPARE(read(second), New); // answered after the move was tried, if it was
         QCOMPARE(store.calls, 1 + askedAfterRestart);
         m_prefs.flush();
-        QCOMPARE(m_settings.read(QStringLiteral("loginPassword")).toString(), New);
+        QCOMPARE(m_settings.read(u"loginPassword"_s).toString(), New);
     }
 
     // Only an item stored under Quillon's schema is ours, or one an earlier version stored through
@@ -146,11 +147,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("schema");
         QTest::addColumn<QStringList>("attributes");
         QTest::addColumn<bool>("ours");
-        const QString key = MailPassword::Key, service = QStringLiteral("org.quillon.Quillon.test");
-        QTest::newRow("an earlier version's") << "org.qt.keychain" << QStringList { "user", key, "server", service, "type", "plaintext" } << true;
-        QTest::newRow("another's, with our attributes") << "org.example.Mail" << QStringList { "service", service, "key", key } << false;
+        const QString key = MailPassword::Key, service = u"org.quillon.Quillon.test"_s;
+        QTest::newRow("an earlier version's") << u"org.qt.keychain"_s << QStringList { "user", key, "server", service, "type", "plaintext" } << true;
+        QTest::newRow("another's, with our attributes") << u"org.example.Mail"_s << QStringList { "service", service, "key", key } << false;
         QTest::newRow("another's, with the earlier attributes")
-            << "org.example.Mail" << QStringList { "user", key, "server", service, "type", "plaintext" } << false;
+            << u"org.example.Mail"_s << QStringList { "user", key, "server", service, "type", "plaintext" } << false;
     }
     void onlyOurOwnItemIsRead()
     {
@@ -161,24 +162,24 @@ private Q_SLOTS:
             QSKIP("Needs a keyring.");
         const auto secretTool = [](const QStringList &arguments, const QByteArray &input = {}) {
             QProcess tool;
-            tool.start(QStringLiteral("secret-tool"), arguments);
+            tool.start(u"secret-tool"_s, arguments);
             tool.write(input);
             tool.closeWriteChannel();
             tool.waitForFinished();
             return tool.readAllStandardOutput();
         };
-        const QStringList item = QStringList { QStringLiteral("xdg:schema"), schema } + attributes;
-        secretTool(QStringList { QStringLiteral("store"), QStringLiteral("--label=test") } + item, Old.toUtf8());
-        QCOMPARE(secretTool(QStringList { QStringLiteral("lookup") } + item), Old.toUtf8());
+        const QStringList item = QStringList { u"xdg:schema"_s, schema } + attributes;
+        secretTool(QStringList { u"store"_s, u"--label=test"_s } + item, Old.toUtf8());
+        QCOMPARE(secretTool(QStringList { u"lookup"_s } + item), Old.toUtf8());
 
         auto answer = std::make_shared<std::optional<std::pair<SecretStore::Result, QString>>>();
         m_store->read(MailPassword::Key, [answer](SecretStore::Result result, const QString &secret, const QString &) { *answer = { result, secret }; });
         QTRY_VERIFY(answer->has_value());
         QCOMPARE(**answer, std::pair(ours ? SecretStore::Result::Ok : SecretStore::Result::NotFound, ours ? Old : QString()));
         // An earlier version's item is moved; another's is left where it is.
-        QTRY_COMPARE(secretTool(QStringList { QStringLiteral("lookup") } + item), ours ? QByteArray() : Old.toUtf8());
+        QTRY_COMPARE(secretTool(QStringList { u"lookup"_s } + item), ours ? QByteArray() : Old.toUtf8());
         if (!ours)
-            secretTool(QStringList { QStringLiteral("clear") } + item);
+            secretTool(QStringList { u"clear"_s } + item);
         auto again = std::make_shared<std::optional<QString>>();
         m_store->read(MailPassword::Key, [again](SecretStore::Result, const QString &secret, const QString &) { *again = secret; });
         QTRY_VERIFY(again->has_value());
@@ -193,17 +194,17 @@ private Q_SLOTS:
     {
         QTemporaryDir certs;
         MailTest::Server server;
-        QVERIFY(server.start(certs, { QStringLiteral("--user"), QStringLiteral("ann"), QStringLiteral("--password"), New }));
+        QVERIFY(server.start(certs, { u"--user"_s, u"ann"_s, u"--password"_s, New }));
         MailPassword password(m_prefs, m_store.get());
         password.set(New);
         QTRY_COMPARE(read(password), New);
-        m_prefs.setValues({ { Keys::RecipientEmail, QStringLiteral("ann@example.org") }, { Keys::ServerAddress, QStringLiteral("127.0.0.1") },
-            { Keys::ServerPort, server.port }, { Keys::SelectedAuthentication, 1 }, { Keys::LoginUsername, QStringLiteral("ann") } });
+        m_prefs.setValues({ { Keys::RecipientEmail, u"ann@example.org"_s }, { Keys::ServerAddress, u"127.0.0.1"_s }, { Keys::ServerPort, server.port },
+            { Keys::SelectedAuthentication, 1 }, { Keys::LoginUsername, u"ann"_s } });
         MailTest::Host host(m_prefs);
         host.password = &password;
         SimpleSMTP delivery;
         QSignalSpy finished(&delivery, &SimpleSMTP::finished);
-        delivery.sendMail(host, QStringLiteral("body"), QStringLiteral("subject"));
+        delivery.sendMail(host, u"body"_s, u"subject"_s);
         QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 20'000);
         QTRY_COMPARE(server.messages().size(), 1);
         QVERIFY(server.messages().first().value(QLatin1String("authenticated")).toBool());
@@ -217,7 +218,7 @@ private:
         auto answer = std::make_shared<std::optional<QString>>();
         password.get(this, [answer](const QString &p) { *answer = p; });
         [&] { QTRY_VERIFY_WITH_TIMEOUT(answer->has_value(), 20'000); }();
-        return answer->value_or(QStringLiteral("(no answer)"));
+        return answer->value_or(u"(no answer)"_s);
     }
 
     TestSettings m_settings; // first: it points the preferences at their folder

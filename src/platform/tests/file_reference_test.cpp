@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 // A file's name and its reference bring back that file, and no other.
 class FileReferenceTest : public QObject
@@ -28,12 +29,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("after"); // what happens to docs/report.sh once it is referenced
         QTest::addColumn<bool>("found");
-        QTest::newRow("moved by the user") << "mv" << true;
-        QTest::newRow("deleted; another user's new file in a shared folder gets its inode") << "nobody" << false;
-        QTest::newRow("deleted; another file of the user's own gets its inode") << "own" << false;
+        QTest::newRow("moved by the user") << u"mv"_s << true;
+        QTest::newRow("deleted; another user's new file in a shared folder gets its inode") << u"nobody"_s << false;
+        QTest::newRow("deleted; another file of the user's own gets its inode") << u"own"_s << false;
         // Name, size and the second it was written are not identity.
-        QTest::newRow("deleted; a new file of the same name elsewhere gets its inode") << "same name" << false;
-        QTest::newRow("deleted; a new file of the same size and second gets its inode") << "same size" << false;
+        QTest::newRow("deleted; a new file of the same name elsewhere gets its inode") << u"same name"_s << false;
+        QTest::newRow("deleted; a new file of the same size and second gets its inode") << u"same size"_s << false;
     }
     void onlyTheSameFileIsFoundAgain()
     {
@@ -43,17 +44,17 @@ private Q_SLOTS:
             QSKIP("Needs root to mount a filesystem image and to create a file as another user.");
         if (m_mount.isEmpty()) {
             QVERIFY(makeImage());
-            if (!Test::run(QStringLiteral("mount"), { QStringLiteral("-o"), QStringLiteral("loop"), image(), m_dir.filePath(QStringLiteral("mnt")) }))
+            if (!Test::run(u"mount"_s, { u"-o"_s, u"loop"_s, image(), m_dir.filePath(u"mnt"_s) }))
                 QSKIP("Loop devices are not available here.");
-            m_mount = m_dir.filePath(QStringLiteral("mnt"));
+            m_mount = m_dir.filePath(u"mnt"_s);
         }
         const QString root
             = m_mount + QLatin1Char('/') + QString::fromLatin1(QTest::currentDataTag()).left(8).simplified().replace(QLatin1Char(' '), QLatin1Char('-'));
-        QVERIFY(QDir().mkpath(root + QStringLiteral("/docs")) && QDir().mkpath(root + QStringLiteral("/kept")));
-        const QString shared = root + QStringLiteral("/shared");
+        QVERIFY(QDir().mkpath(root + u"/docs"_s) && QDir().mkpath(root + u"/kept"_s));
+        const QString shared = root + u"/shared"_s;
         QVERIFY(QDir().mkpath(shared));
         ::chmod(QFile::encodeName(shared).constData(), 01777);
-        const QString item = root + QStringLiteral("/docs/report.sh");
+        const QString item = root + u"/docs/report.sh"_s;
         QVERIFY(Test::writeFile(item, "#!/bin/sh\necho mine\n", true));
         const QByteArray reference = FileReference::make(item);
         QVERIFY(!reference.isEmpty());
@@ -64,20 +65,18 @@ private Q_SLOTS:
 
         QString other;
         if (after == QLatin1String("mv")) {
-            other = root + QStringLiteral("/kept/report.sh");
+            other = root + u"/kept/report.sh"_s;
             QVERIFY(QFile::rename(item, other));
         } else {
             QVERIFY(QFile::remove(item));
-            other = after == QLatin1String("nobody")  ? shared + QStringLiteral("/evil.sh")
-                : after == QLatin1String("same name") ? root + QStringLiteral("/kept/report.sh")
-                : after == QLatin1String("same size") ? root + QStringLiteral("/kept/other.sh")
-                                                      : root + QStringLiteral("/kept/notes.txt");
+            other = after == QLatin1String("nobody")  ? shared + u"/evil.sh"_s
+                : after == QLatin1String("same name") ? root + u"/kept/report.sh"_s
+                : after == QLatin1String("same size") ? root + u"/kept/other.sh"_s
+                                                      : root + u"/kept/notes.txt"_s;
             const QByteArray text = after.startsWith(QLatin1String("same")) ? "#!/bin/sh\necho evil\n" : "other things entirely\n";
-            const QStringList as = after == QLatin1String("nobody")
-                ? QStringList { QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups") }
-                : QStringList { QStringLiteral("--reuid=0") };
-            QVERIFY(Test::run(QStringLiteral("setpriv"),
-                as + QStringList { QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("printf '%1' > '%2'").arg(QString::fromLatin1(text), other) }));
+            const QStringList as = after == QLatin1String("nobody") ? QStringList { u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s }
+                                                                    : QStringList { u"--reuid=0"_s };
+            QVERIFY(Test::run(u"setpriv"_s, as + QStringList { u"sh"_s, u"-c"_s, u"printf '%1' > '%2'"_s.arg(QString::fromLatin1(text), other) }));
             const timespec times[2] = { before.st_atim, before.st_mtim };
             QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         }
@@ -113,19 +112,18 @@ private Q_SLOTS:
         QCOMPARE(FileName::display(text), QString::fromUtf8(bytes));
         QUrl url;
         url.setPath(QString::fromLatin1(bytes.toPercentEncoding("/")), QUrl::TolerantMode);
-        url.setScheme(QStringLiteral("file"));
+        url.setScheme(u"file"_s);
         QCOMPARE(FileName::fromUrl(url), text);
     }
 
 private:
-    QString image() const { return m_dir.filePath(QStringLiteral("fs.img")); }
+    QString image() const { return m_dir.filePath(u"fs.img"_s); }
     bool makeImage()
     {
         QFile file(image());
         // Another user must be able to reach the shared folder.
-        return file.open(QIODevice::WriteOnly) && file.resize(qint64(8) * 1024 * 1024) && QDir().mkpath(m_dir.filePath(QStringLiteral("mnt")))
-            && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0
-            && Test::run(QStringLiteral("mkfs.ext4"), { QStringLiteral("-q"), QStringLiteral("-F"), QStringLiteral("-I"), QStringLiteral("128"), image() });
+        return file.open(QIODevice::WriteOnly) && file.resize(qint64(8) * 1024 * 1024) && QDir().mkpath(m_dir.filePath(u"mnt"_s))
+            && ::chmod(QFile::encodeName(m_dir.path()).constData(), 0755) == 0 && Test::run(u"mkfs.ext4"_s, { u"-q"_s, u"-F"_s, u"-I"_s, u"128"_s, image() });
     }
 
     QTemporaryDir m_dir;

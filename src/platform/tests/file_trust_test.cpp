@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 // What may run as the user: whose file it is, who can change it or its folder, and whether a
 // desktop entry is marked executable.
@@ -22,15 +23,15 @@ private Q_SLOTS:
         QTest::addColumn<uint>("fileMode");
         QTest::addColumn<bool>("others"); // the file belongs to another user (root only)
         QTest::addColumn<QString>("refusal"); // empty: it runs
-        QTest::newRow("own script") << "s.scpt" << 0755u << 0644u << false << "";
-        QTest::newRow("another user's script") << "s.scpt" << 0755u << 0644u << true << "another user";
-        QTest::newRow("a script anyone can write") << "s.scpt" << 0755u << 0666u << false << "others can change it";
-        QTest::newRow("in a folder anyone can write") << "s.scpt" << 0777u << 0644u << false << "its folder";
-        QTest::newRow("in a sticky shared folder, such as /tmp") << "s.scpt" << 01777u << 0644u << false << "";
-        QTest::newRow("desktop entry not marked executable") << "e.desktop" << 0755u << 0644u << false << "marked executable";
-        QTest::newRow("desktop entry marked executable") << "e.desktop" << 0755u << 0755u << false << "";
-        QTest::newRow("another user's executable desktop entry") << "e.desktop" << 0755u << 0755u << true << "another user";
-        QTest::newRow("in the user's applications folder") << "applications/e.desktop" << 0755u << 0644u << false << "";
+        QTest::newRow("own script") << u"s.scpt"_s << 0755u << 0644u << false << u""_s;
+        QTest::newRow("another user's script") << u"s.scpt"_s << 0755u << 0644u << true << u"another user"_s;
+        QTest::newRow("a script anyone can write") << u"s.scpt"_s << 0755u << 0666u << false << u"others can change it"_s;
+        QTest::newRow("in a folder anyone can write") << u"s.scpt"_s << 0777u << 0644u << false << u"its folder"_s;
+        QTest::newRow("in a sticky shared folder, such as /tmp") << u"s.scpt"_s << 01777u << 0644u << false << u""_s;
+        QTest::newRow("desktop entry not marked executable") << u"e.desktop"_s << 0755u << 0644u << false << u"marked executable"_s;
+        QTest::newRow("desktop entry marked executable") << u"e.desktop"_s << 0755u << 0755u << false << u""_s;
+        QTest::newRow("another user's executable desktop entry") << u"e.desktop"_s << 0755u << 0755u << true << u"another user"_s;
+        QTest::newRow("in the user's applications folder") << u"applications/e.desktop"_s << 0755u << 0644u << false << u""_s;
     }
     void whoMayRunWhat()
     {
@@ -53,7 +54,7 @@ private Q_SLOTS:
         const QString why = FileTrust::whyNotRun(file, kind);
         QVERIFY2(refusal.isEmpty() ? why.isEmpty() : why.contains(refusal), qPrintable(why));
         // Through a link from a folder of the user's own, the file it leads to is what counts.
-        const QString link = home.filePath(QStringLiteral("link"));
+        const QString link = home.filePath(u"link"_s);
         QVERIFY(QFile::link(file, link));
         QCOMPARE(FileTrust::whyNotRun(link, kind), why);
     }

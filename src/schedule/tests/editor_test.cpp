@@ -36,24 +36,35 @@ private Q_SLOTS:
     {
         QTest::addColumn<std::function<void(ScheduleEditor &)>>("edit");
         QTest::addColumn<QStringList>("after");
+        QTest::addColumn<int>("steps"); // on the undo stack; a stepped date is one
         using Edit = std::function<void(ScheduleEditor &)>;
-        QTest::newRow("add") << Edit([](ScheduleEditor &e) { e.add({ "/x", "/y" }, at(900)); }) << QStringList { "/a", "/b", "/c", "/d", "/e", "/x", "/y" };
+        const QStringList all { "/a", "/b", "/c", "/d", "/e" };
+        QTest::newRow("add") << Edit([](ScheduleEditor &e) { e.add({ "/x", "/y" }, at(900)); }) << all + QStringList { "/x", "/y" } << 1;
         QTest::newRow("drop between rows") << Edit([](ScheduleEditor &e) {
             e.drop(2, { "/x", "/y" });
-        }) << QStringList { "/a", "/b", "/x", "/y", "/c", "/d", "/e" };
-        QTest::newRow("remove rows apart") << Edit([](ScheduleEditor &e) { e.remove({ 4, 0, 2, 2 }); }) << QStringList { "/b", "/d" };
-        QTest::newRow("remove a run") << Edit([](ScheduleEditor &e) { e.remove({ 1, 2, 3 }); }) << QStringList { "/a", "/e" };
-        QTest::newRow("clear") << Edit([](ScheduleEditor &e) { e.clear(); }) << QStringList {};
-        QTest::newRow("move down") << Edit([](ScheduleEditor &e) { e.move(0, 3); }) << QStringList { "/b", "/c", "/d", "/a", "/e" };
+        }) << QStringList { "/a", "/b", "/x", "/y", "/c", "/d", "/e" }
+                                           << 1;
+        QTest::newRow("remove rows apart") << Edit([](ScheduleEditor &e) { e.remove({ 4, 0, 2, 2 }); }) << QStringList { "/b", "/d" } << 1;
+        QTest::newRow("remove a run") << Edit([](ScheduleEditor &e) { e.remove({ 1, 2, 3 }); }) << QStringList { "/a", "/e" } << 1;
+        QTest::newRow("clear") << Edit([](ScheduleEditor &e) { e.clear(); }) << QStringList {} << 1;
+        QTest::newRow("move down") << Edit([](ScheduleEditor &e) { e.move(0, 3); }) << QStringList { "/b", "/c", "/d", "/a", "/e" } << 1;
         QTest::newRow("date change, stepped twice") << Edit([](ScheduleEditor &e) {
             e.setDate({ 3, 1 }, at(700));
             e.setDate({ 1, 3 }, at(800));
-        }) << QStringList { "/a", "/b", "/c", "/d", "/e" };
+        }) << all << 1;
+        // What changes nothing is not an edit.
+        QTest::newRow("nothing changed") << Edit([](ScheduleEditor &e) {
+            e.setDate({ 0 }, at(100));
+            e.remove({ 5 });
+            e.move(0, 0);
+            e.add({ QString() });
+        }) << all << 0;
     }
     void undoAndRedoGiveBackTheListExactly()
     {
         QFETCH(std::function<void(ScheduleEditor &)>, edit);
         QFETCH(QStringList, after);
+        QFETCH(int, steps);
         TestSettings settings;
         Preferences preferences;
         FakeClock clock(Test::Now);
@@ -65,30 +76,13 @@ private Q_SLOTS:
         edit(editor);
         const State done = state(schedule);
         QCOMPARE(done.paths, after);
-        QCOMPARE(editor.undoStack()->count(), 1); // a stepped date is one undo
-        for (int round = 0; round < 2; ++round) {
+        QCOMPARE(editor.undoStack()->count(), steps);
+        for (int round = 0; round < 2 && steps > 0; ++round) {
             editor.undoStack()->undo();
             QCOMPARE(state(schedule), before);
             editor.undoStack()->redo();
             QCOMPARE(state(schedule), done);
         }
-    }
-
-    // What changes nothing is not an edit.
-    void nothingChangedIsNotAnEdit()
-    {
-        TestSettings settings;
-        Preferences preferences;
-        FakeClock clock(Test::Now);
-        Schedule schedule(preferences, clock);
-        ScheduleEditor editor(schedule, preferences);
-        editor.add({ "/a" }, at(100));
-        editor.undoStack()->clear();
-        editor.setDate({ 0 }, at(100));
-        editor.remove({ 5 });
-        editor.move(0, 0);
-        editor.add({ QString() });
-        QCOMPARE(editor.undoStack()->count(), 0);
     }
 };
 

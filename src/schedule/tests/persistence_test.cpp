@@ -18,6 +18,7 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 using Test::at;
 using Test::Now;
@@ -62,8 +63,8 @@ private Q_SLOTS:
             ScheduleEditor editor(*s, m_prefs);
             editor.add(paths, dates);
             // Each rule belongs to its own item, wherever the items around it went.
-            QCOMPARE(editor.setRepeat({ 0 }, *Repeat::fromRule(QStringLiteral("daily"))), QString());
-            QCOMPARE(editor.setRepeat({ 1 }, *Repeat::fromRule(QStringLiteral("weekly"))), QString());
+            QCOMPARE(editor.setRepeat({ 0 }, *Repeat::fromRule(u"daily"_s)), QString());
+            QCOMPARE(editor.setRepeat({ 1 }, *Repeat::fromRule(u"weekly"_s)), QString());
             s->startTimers(true);
             if (deleteMiddle)
                 QVERIFY(QFile::remove(paths[1]));
@@ -82,7 +83,7 @@ private Q_SLOTS:
             kept << paths[r];
         QCOMPARE(s->paths(), kept);
         QCOMPARE(s->dates(), dates);
-        const QStringList rules { QStringLiteral("FREQ=DAILY"), QStringLiteral("FREQ=WEEKLY"), QString() };
+        const QStringList rules { u"FREQ=DAILY"_s, u"FREQ=WEEKLY"_s, QString() };
         for (int row = 0; row < rows.size(); ++row)
             QCOMPARE(s->repeatAt(row).rule(), rules.at(rows.at(row)));
         QCOMPARE(s->timersRemaining(), armed);
@@ -123,14 +124,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("to");
-        QTest::newRow("renamed in its folder") << "docs/report.txt"
-                                               << "docs/final report.txt";
-        QTest::newRow("moved to a sibling folder") << "docs/report.txt"
-                                                   << "archive/report.txt";
-        QTest::newRow("moved and renamed, old folder gone") << "old/deep/report.txt"
-                                                            << "new/place/r.txt";
-        QTest::newRow("moved into a subfolder") << "report.txt"
-                                                << "a/b/c/report.txt";
+        QTest::newRow("renamed in its folder") << u"docs/report.txt"_s << u"docs/final report.txt"_s;
+        QTest::newRow("moved to a sibling folder") << u"docs/report.txt"_s << u"archive/report.txt"_s;
+        QTest::newRow("moved and renamed, old folder gone") << u"old/deep/report.txt"_s << u"new/place/r.txt"_s;
+        QTest::newRow("moved into a subfolder") << u"report.txt"_s << u"a/b/c/report.txt"_s;
         // Names from a Latin-1 system are not UTF-8: found by their bytes all the same.
         QTest::newRow("Latin-1, renamed") << FileName::decode("caf\xe9.txt") << FileName::decode("d\xe9j\xe0.txt");
     }
@@ -147,7 +144,7 @@ private Q_SLOTS:
         // QTemporaryDir cannot see a name that is not UTF-8 to remove it.
         const auto remove = qScopeGuard([&] { ::unlink(FileName::encode(after).constData()); });
         if (from.startsWith(QLatin1String("old/")))
-            QVERIFY(QDir(m_files->filePath(QStringLiteral("old"))).removeRecursively());
+            QVERIFY(QDir(m_files->filePath(u"old"_s)).removeRecursively());
         QCOMPARE(FileReference::resolve(ref), std::optional<QString>(after));
     }
 
@@ -170,9 +167,9 @@ private Q_SLOTS:
         // Longer than the 1023 bytes a saved path may have.
         QString longPath = m_files->path();
         while (longPath.toUtf8().size() <= 1023)
-            longPath += QStringLiteral("/") + QString(200, QLatin1Char('d'));
+            longPath += u"/"_s + QString(200, QLatin1Char('d'));
         QCOMPARE(FileReference::make(longPath), QByteArray());
-        QCOMPARE(FileReference::make(m_files->filePath(QStringLiteral("missing"))), QByteArray());
+        QCOMPARE(FileReference::make(m_files->filePath(u"missing"_s)), QByteArray());
     }
 
     // Read as far as it can be, a date that is not one as now, stopped and unalerted. TWO: two existing files.

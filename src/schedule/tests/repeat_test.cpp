@@ -4,6 +4,7 @@
 #include <QTest>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 namespace {
 QDateTime utc(const char *text)
@@ -29,41 +30,43 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("expected"); // fewer than three: the rule ends
 
         const QByteArray berlin = "Europe/Berlin", none;
-        QTest::newRow("07:00 stays 07:00 at spring-forward") << "daily" << berlin << none << "2027-03-26T07:00" << QStringList() << utc("2027-03-26T07:00Z")
-                                                             << QStringList { "2027-03-27T06:00Z", "2027-03-28T05:00Z", "2027-03-29T05:00Z" };
+        QTest::newRow("07:00 stays 07:00 at spring-forward")
+            << u"daily"_s << berlin << none << u"2027-03-26T07:00"_s << QStringList() << utc("2027-03-26T07:00Z")
+            << QStringList { "2027-03-27T06:00Z", "2027-03-28T05:00Z", "2027-03-29T05:00Z" };
         QTest::newRow("a skipped 02:30 runs as the gap ends")
-            << "FREQ=DAILY" << berlin << none << "2027-03-26T02:30" << QStringList() << utc("2027-03-26T02:00Z")
+            << u"FREQ=DAILY"_s << berlin << none << u"2027-03-26T02:30"_s << QStringList() << utc("2027-03-26T02:00Z")
             << QStringList { "2027-03-27T01:30Z", "2027-03-28T01:00Z", "2027-03-29T00:30Z" };
-        QTest::newRow("a doubled 02:30 runs once, first") << "FREQ=DAILY" << berlin << none << "2027-10-29T02:30" << QStringList() << utc("2027-10-29T12:00Z")
-                                                          << QStringList { "2027-10-30T00:30Z", "2027-10-31T00:30Z", "2027-11-01T01:30Z" };
+        QTest::newRow("a doubled 02:30 runs once, first")
+            << u"FREQ=DAILY"_s << berlin << none << u"2027-10-29T02:30"_s << QStringList() << utc("2027-10-29T12:00Z")
+            << QStringList { "2027-10-30T00:30Z", "2027-10-31T00:30Z", "2027-11-01T01:30Z" };
         QTest::newRow("weekdays across Sydney's autumn change")
-            << "weekdays" << QByteArray("Australia/Sydney") << none << "2027-03-29T07:00" << QStringList() << utc("2027-04-01T12:00Z")
+            << u"weekdays"_s << QByteArray("Australia/Sydney") << none << u"2027-03-29T07:00"_s << QStringList() << utc("2027-04-01T12:00Z")
             << QStringList { "2027-04-01T20:00Z", "2027-04-04T21:00Z", "2027-04-05T21:00Z" };
-        QTest::newRow("Lord Howe's half-hour gap") << "FREQ=DAILY" << QByteArray("Australia/Lord_Howe") << none << "2027-10-01T02:15" << QStringList()
+        QTest::newRow("Lord Howe's half-hour gap") << u"FREQ=DAILY"_s << QByteArray("Australia/Lord_Howe") << none << u"2027-10-01T02:15"_s << QStringList()
                                                    << utc("2027-10-01T00:00Z") << QStringList { "2027-10-01T15:45Z", "2027-10-02T15:30Z", "2027-10-03T15:15Z" };
         QTest::newRow("the 31st skips short months of a leap year")
-            << "FREQ=MONTHLY;BYMONTHDAY=31" << QByteArray("UTC") << none << "2028-01-31T09:00" << QStringList() << utc("2028-01-01T00:00Z")
+            << u"FREQ=MONTHLY;BYMONTHDAY=31"_s << QByteArray("UTC") << none << u"2028-01-31T09:00"_s << QStringList() << utc("2028-01-01T00:00Z")
             << QStringList { "2028-01-31T09:00Z", "2028-03-31T09:00Z", "2028-05-31T09:00Z" };
         QTest::newRow("the last day is February 29th")
-            << "last-day" << QByteArray("UTC") << none << "2028-01-31T09:00" << QStringList() << utc("2028-01-31T09:00Z")
+            << u"last-day"_s << QByteArray("UTC") << none << u"2028-01-31T09:00"_s << QStringList() << utc("2028-01-31T09:00Z")
             << QStringList { "2028-02-29T09:00Z", "2028-03-31T09:00Z", "2028-04-30T09:00Z" };
-        QTest::newRow("second Monday") << "FREQ=MONTHLY;BYDAY=2MO" << QByteArray("UTC") << none << "2028-01-01T08:00" << QStringList()
+        QTest::newRow("second Monday") << u"FREQ=MONTHLY;BYDAY=2MO"_s << QByteArray("UTC") << none << u"2028-01-01T08:00"_s << QStringList()
                                        << utc("2028-01-01T00:00Z") << QStringList { "2028-01-10T08:00Z", "2028-02-14T08:00Z", "2028-03-13T08:00Z" };
         QTest::newRow("every 2 hours from 09:00 to 17:00")
-            << "FREQ=HOURLY;INTERVAL=2;BYHOUR=9,10,11,12,13,14,15,16,17" << QByteArray("UTC") << none << "2028-01-01T09:00" << QStringList()
+            << u"FREQ=HOURLY;INTERVAL=2;BYHOUR=9,10,11,12,13,14,15,16,17"_s << QByteArray("UTC") << none << u"2028-01-01T09:00"_s << QStringList()
             << utc("2028-01-01T14:00Z") << QStringList { "2028-01-01T15:00Z", "2028-01-01T17:00Z", "2028-01-02T09:00Z" };
-        QTest::newRow("COUNT ends after the third") << "FREQ=DAILY;COUNT=3" << QByteArray("UTC") << none << "2027-06-01T08:00" << QStringList()
+        QTest::newRow("COUNT ends after the third") << u"FREQ=DAILY;COUNT=3"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s << QStringList()
                                                     << utc("2027-06-01T08:00Z") << QStringList { "2027-06-02T08:00Z", "2027-06-03T08:00Z" };
-        QTest::newRow("UNTIL keeps its last day") << "FREQ=WEEKLY;UNTIL=20270615T235959" << QByteArray("UTC") << none << "2027-06-01T08:00" << QStringList()
-                                                  << utc("2027-06-01T08:00Z") << QStringList { "2027-06-08T08:00Z", "2027-06-15T08:00Z" };
+        QTest::newRow("UNTIL keeps its last day") << u"FREQ=WEEKLY;UNTIL=20270615T235959"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s
+                                                  << QStringList() << utc("2027-06-01T08:00Z") << QStringList { "2027-06-08T08:00Z", "2027-06-15T08:00Z" };
         QTest::newRow("an exception date does not happen")
-            << "FREQ=DAILY" << QByteArray("UTC") << none << "2027-06-01T08:00" << QStringList { "2027-06-02T08:00" } << utc("2027-06-01T08:00Z")
+            << u"FREQ=DAILY"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s << QStringList { "2027-06-02T08:00" } << utc("2027-06-01T08:00Z")
             << QStringList { "2027-06-03T08:00Z", "2027-06-04T08:00Z", "2027-06-05T08:00Z" };
         QTest::newRow("a pinned zone ignores the system's")
-            << "FREQ=DAILY" << berlin << QByteArray("Asia/Tokyo") << "2027-06-01T07:00" << QStringList() << utc("2027-06-01T12:00Z")
+            << u"FREQ=DAILY"_s << berlin << QByteArray("Asia/Tokyo") << u"2027-06-01T07:00"_s << QStringList() << utc("2027-06-01T12:00Z")
             << QStringList { "2027-06-02T05:00Z", "2027-06-03T05:00Z", "2027-06-04T05:00Z" };
         QTest::newRow("an unpinned rule follows the system's")
-            << "FREQ=DAILY" << none << QByteArray("Asia/Tokyo") << "2027-06-01T07:00" << QStringList() << utc("2027-06-01T12:00Z")
+            << u"FREQ=DAILY"_s << none << QByteArray("Asia/Tokyo") << u"2027-06-01T07:00"_s << QStringList() << utc("2027-06-01T12:00Z")
             << QStringList { "2027-06-01T22:00Z", "2027-06-02T22:00Z", "2027-06-03T22:00Z" };
     }
     void nextMoments()
@@ -87,7 +90,7 @@ private Q_SLOTS:
 
         QStringList got;
         for (const QDateTime &moment : repeat->upcoming(after, 3))
-            got << moment.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm'Z'"));
+            got << moment.toUTC().toString(u"yyyy-MM-ddTHH:mm'Z'"_s);
         QCOMPARE(got, expected);
 
         // The saved form gives the same moments back.
@@ -100,18 +103,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("rule");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("no frequency") << "BYDAY=MO"
-                                      << "needs FREQ";
-        QTest::newRow("a part libical cannot read") << "FREQ=DAILY;BYDAY=XX"
-                                                    << "“BYDAY=XX”";
-        QTest::newRow("more often than a minute") << "FREQ=SECONDLY"
-                                                  << "once a minute";
-        QTest::newRow("a day that does not exist") << "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30"
-                                                   << "never happens";
-        QTest::newRow("a zone nobody knows") << "DTSTART;TZID=Mars/Olympus:20270101T070000\nRRULE:FREQ=DAILY"
-                                             << "Mars/Olympus";
-        QTest::newRow("a policy that is not one") << "RRULE:FREQ=DAILY\nX-QUILLON-MISSED:sometimes"
-                                                  << "“sometimes”";
+        QTest::newRow("no frequency") << u"BYDAY=MO"_s << u"needs FREQ"_s;
+        QTest::newRow("a part libical cannot read") << u"FREQ=DAILY;BYDAY=XX"_s << u"“BYDAY=XX”"_s;
+        QTest::newRow("more often than a minute") << u"FREQ=SECONDLY"_s << u"once a minute"_s;
+        QTest::newRow("a day that does not exist") << u"FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30"_s << u"never happens"_s;
+        QTest::newRow("a zone nobody knows") << u"DTSTART;TZID=Mars/Olympus:20270101T070000\nRRULE:FREQ=DAILY"_s << u"Mars/Olympus"_s;
+        QTest::newRow("a policy that is not one") << u"RRULE:FREQ=DAILY\nX-QUILLON-MISSED:sometimes"_s << u"“sometimes”"_s;
     }
     void refusedWithTheirReason()
     {
@@ -126,20 +123,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("rule");
         QTest::addColumn<QString>("words");
-        QTest::newRow("weekdays") << "weekdays"
-                                  << "Weekdays at 07:00";
-        QTest::newRow("daily") << "FREQ=DAILY"
-                               << "Every day at 07:00";
-        QTest::newRow("chosen days") << "FREQ=WEEKLY;BYDAY=MO,WE"
-                                     << "Every week on Mon, Wed at 07:00";
-        QTest::newRow("last day, five times") << "FREQ=MONTHLY;BYMONTHDAY=-1;COUNT=5"
-                                              << "Every month on the last day at 07:00, 5 times";
-        QTest::newRow("n-th weekday") << "FREQ=MONTHLY;BYDAY=-1FR"
-                                      << "Every month on the last Friday at 07:00";
-        QTest::newRow("hours between") << "FREQ=DAILY;BYHOUR=9,11,13,15,17;BYMINUTE=0"
-                                       << "Every 2 hours from 09:00 to 17:00";
-        QTest::newRow("anything else") << "FREQ=YEARLY;BYWEEKNO=20"
-                                       << "Custom: FREQ=YEARLY;BYWEEKNO=20";
+        QTest::newRow("weekdays") << u"weekdays"_s << u"Weekdays at 07:00"_s;
+        QTest::newRow("daily") << u"FREQ=DAILY"_s << u"Every day at 07:00"_s;
+        QTest::newRow("chosen days") << u"FREQ=WEEKLY;BYDAY=MO,WE"_s << u"Every week on Mon, Wed at 07:00"_s;
+        QTest::newRow("last day, five times") << u"FREQ=MONTHLY;BYMONTHDAY=-1;COUNT=5"_s << u"Every month on the last day at 07:00, 5 times"_s;
+        QTest::newRow("n-th weekday") << u"FREQ=MONTHLY;BYDAY=-1FR"_s << u"Every month on the last Friday at 07:00"_s;
+        QTest::newRow("hours between") << u"FREQ=DAILY;BYHOUR=9,11,13,15,17;BYMINUTE=0"_s << u"Every 2 hours from 09:00 to 17:00"_s;
+        QTest::newRow("anything else") << u"FREQ=YEARLY;BYWEEKNO=20"_s << u"Custom: FREQ=YEARLY;BYWEEKNO=20"_s;
     }
     void inWords()
     {

@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 class PreferencesTest : public QObject
 {
@@ -46,7 +47,7 @@ private Q_SLOTS:
     {
         QDir(m_settings.configDir()).removeRecursively();
         const mode_t old = ::umask(022);
-        m_p.setValue(Keys::LoginPassword, QStringLiteral("secret"));
+        m_p.setValue(Keys::LoginPassword, u"secret"_s);
         m_p.flush();
         QCOMPARE(Test::modeOf(m_settings.file()), 0600u);
         QCOMPARE(Test::modeOf(m_settings.configDir()), 0700u);
@@ -59,8 +60,8 @@ private Q_SLOTS:
         ::umask(old);
         QCOMPARE(Test::modeOf(m_settings.file()), 0640u);
         QCOMPARE(Test::modeOf(m_settings.configDir()), 0750u);
-        QCOMPARE(m_settings.read(QStringLiteral("loginPassword")).toString(), QStringLiteral("secret"));
-        QVERIFY(!QFile::exists(m_settings.file() + QStringLiteral(".bak")));
+        QCOMPARE(m_settings.read(u"loginPassword"_s).toString(), u"secret"_s);
+        QVERIFY(!QFile::exists(m_settings.file() + u".bak"_s));
     }
 
     // Programs started on another thread while the list is saved must get the user's umask.
@@ -71,7 +72,7 @@ private Q_SLOTS:
         QSet<QByteArray> seen;
         std::thread watcher([&] {
             while (!done) {
-                QFile status(QStringLiteral("/proc/self/status"));
+                QFile status(u"/proc/self/status"_s);
                 status.open(QIODevice::ReadOnly);
                 for (const QByteArray &line : status.readAll().split('\n')) {
                     if (line.startsWith("Umask:"))
@@ -101,25 +102,25 @@ private Q_SLOTS:
     {
         QFETCH(bool, byTheEventLoop);
         auto prefs = std::make_unique<Preferences>();
-        prefs->setValues({ { Keys::ServerPort, 1 }, { Keys::RecipientEmail, QStringLiteral("ann@example.org") } });
+        prefs->setValues({ { Keys::ServerPort, 1 }, { Keys::RecipientEmail, u"ann@example.org"_s } });
         prefs->flush();
         for (int i = 2; i <= 100; ++i)
             prefs->setValue(Keys::ServerPort, i);
         prefs->remove(Keys::RecipientEmail);
         QCOMPARE(prefs->intValue(Keys::ServerPort), 100);
         QVERIFY(!prefs->contains(Keys::RecipientEmail));
-        QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 1);
+        QCOMPARE(m_settings.read(u"serverPort"_s).toInt(), 1);
         if (byTheEventLoop)
-            QTRY_COMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 100);
+            QTRY_COMPARE(m_settings.read(u"serverPort"_s).toInt(), 100);
         else
             prefs.reset();
-        QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 100);
-        QVERIFY(m_settings.read(QStringLiteral("recipientEmail")).isNull());
+        QCOMPARE(m_settings.read(u"serverPort"_s).toInt(), 100);
+        QVERIFY(m_settings.read(u"recipientEmail"_s).isNull());
     }
 
     void fallbackFilesAreNotRead()
     {
-        const QString parentConf = QFileInfo(m_settings.configDir()).absolutePath() + QStringLiteral("/Quillon.conf");
+        const QString parentConf = QFileInfo(m_settings.configDir()).absolutePath() + u"/Quillon.conf"_s;
         QVERIFY(Test::writeFile(parentConf, "[General]\nrememberItems=false\nsendEmail=true\n"));
         Preferences fresh;
         QFile::remove(parentConf);
@@ -135,14 +136,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("gone"); // a key left out of the working file, but kept in the copy
         const QByteArray bad = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x7)";
         const QByteArray good = "@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x8e\\xed\\x1\\xee\\x62\\x80\\x1)";
-        QTest::newRow("malformed section") << QByteArray("serverPort=25\nrecipientEmail=ann@example.org\n[General\nsendEmail=true\n") << "";
-        QTest::newRow("damaged date") << "serverPort=25\nrecipientEmail=ann@example.org\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n"
-                                      << "When";
+        QTest::newRow("malformed section") << QByteArray("serverPort=25\nrecipientEmail=ann@example.org\n[General\nsendEmail=true\n") << u""_s;
+        QTest::newRow("damaged date") << "serverPort=25\nrecipientEmail=ann@example.org\nWhen=" + bad + "\nDates=" + good + ", " + bad + "\n" << u"When"_s;
         QByteArray junk;
         for (int i = 0; i < 2000; ++i)
             junk += "\x7f" + QByteArray::number(i, 36) + "=\x01\n";
-        QTest::newRow("junk that parses as keys") << "serverPort=25\nrecipientEmail=ann@example.org\n" + junk + "[General\n"
-                                                  << "";
+        QTest::newRow("junk that parses as keys") << "serverPort=25\nrecipientEmail=ann@example.org\n" + junk + "[General\n" << u""_s;
     }
     void damagedFileKeepsEveryReadableKey()
     {
@@ -155,17 +154,17 @@ private Q_SLOTS:
         fresh.flush();
         fresh.setValue(Keys::RepeatSeconds, 6);
         fresh.flush();
-        QVERIFY2(log.filter(QStringLiteral("Could not write")).isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
-        QCOMPARE(m_settings.read(QStringLiteral("repeatSeconds")).toInt(), 6);
-        QCOMPARE(m_settings.read(QStringLiteral("serverPort")).toInt(), 25);
-        QCOMPARE(m_settings.read(QStringLiteral("recipientEmail")).toString(), QStringLiteral("ann@example.org"));
+        QVERIFY2(log.filter(u"Could not write"_s).isEmpty(), qPrintable(log.join(QLatin1Char('\n'))));
+        QCOMPARE(m_settings.read(u"repeatSeconds"_s).toInt(), 6);
+        QCOMPARE(m_settings.read(u"serverPort"_s).toInt(), 25);
+        QCOMPARE(m_settings.read(u"recipientEmail"_s).toString(), u"ann@example.org"_s);
         // Only keys of ours are saved anew; the rest stays in the kept copy.
         const QStringList saved = QSettings(m_settings.file(), QSettings::IniFormat).allKeys();
         QVERIFY2(
             std::all_of(saved.begin(), saved.end(), [](const QString &key) { return Keys::isKnown(key); }), qPrintable(saved.join(QLatin1Char(' ')).left(300)));
         if (!gone.isEmpty())
-            QVERIFY(m_settings.read(gone).isNull() && m_settings.read(QStringLiteral("Dates")).toList().size() == 2);
-        const QStringList kept = QDir(m_settings.configDir()).entryList({ QStringLiteral("Quillon.conf.unreadable-*") });
+            QVERIFY(m_settings.read(gone).isNull() && m_settings.read(u"Dates"_s).toList().size() == 2);
+        const QStringList kept = QDir(m_settings.configDir()).entryList({ u"Quillon.conf.unreadable-*"_s });
         QCOMPARE(kept.size(), 1);
         QCOMPARE(Test::readFile(m_settings.configDir() + QLatin1Char('/') + kept.first()).toUtf8(), "[General]\n" + ini);
         QDir(m_settings.configDir()).remove(kept.first());

@@ -12,21 +12,21 @@
 #include <unistd.h>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 namespace {
 constexpr uid_t Nobody = 65534;
 
-const QStringList AsNobody { QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups") };
+const QStringList AsNobody { u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s };
 
 // The probe saves a one-item list with its settings under home, as uid 65534 where asked; -1 if it hung.
 int runProbe(QProcess &probe, const QString &home, bool asNobody = false)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home);
+    env.insert(u"XDG_CONFIG_HOME"_s, home);
     probe.setProcessEnvironment(env);
     // setpriv with no options runs the program as it is.
-    probe.start(
-        QStringLiteral("setpriv"), (asNobody ? AsNobody : QStringList()) + QStringList { QStringLiteral(SETTINGS_PROBE), QStringLiteral("/etc/hostname") });
+    probe.start(u"setpriv"_s, (asNobody ? AsNobody : QStringList()) + QStringList { QStringLiteral(SETTINGS_PROBE), u"/etc/hostname"_s });
     return probe.waitForFinished(20'000) ? probe.exitCode() : -1;
 }
 } // namespace
@@ -57,8 +57,8 @@ private Q_SLOTS:
         QFETCH(uint, fileMode);
         QFETCH(uint, dirMode);
         QTemporaryDir home;
-        const QString dir = home.filePath(QStringLiteral("Quillon"));
-        const QString file = dir + QStringLiteral("/Quillon.conf");
+        const QString dir = home.filePath(u"Quillon"_s);
+        const QString file = dir + u"/Quillon.conf"_s;
         QVERIFY(Test::writeFile(file, ini));
         for (const QString &p : { home.path(), dir, file })
             QCOMPARE(::chown(QFile::encodeName(p).constData(), Nobody, Nobody), 0);
@@ -102,9 +102,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("folder"); // the one given away, under XDG_CONFIG_HOME
         QTest::addColumn<uint>("mode");
         QTest::addColumn<bool>("others"); // owned by another user (root only)
-        QTest::newRow("config home anyone can write") << "" << 0777u << false;
-        QTest::newRow("our folder anyone can write") << "Quillon" << 0777u << false;
-        QTest::newRow("our folder, another user's") << "Quillon" << 0700u << true;
+        QTest::newRow("config home anyone can write") << u""_s << 0777u << false;
+        QTest::newRow("our folder anyone can write") << u"Quillon"_s << 0777u << false;
+        QTest::newRow("our folder, another user's") << u"Quillon"_s << 0700u << true;
     }
     void aFolderNotOurOwnIsRefused()
     {
@@ -114,7 +114,7 @@ private Q_SLOTS:
         if (others && ::geteuid() != 0)
             QSKIP("Giving a folder to another user needs root.");
         QTemporaryDir home;
-        const QString file = home.filePath(QStringLiteral("Quillon/Quillon.conf"));
+        const QString file = home.filePath(u"Quillon/Quillon.conf"_s);
         const QByteArray planted = "[General]\nItems=/etc/passwd\nTimersRunning=true\n";
         QVERIFY(Test::writeFile(file, planted));
         ::chmod(QFile::encodeName(file).constData(), 0666);
@@ -128,7 +128,7 @@ private Q_SLOTS:
         QVERIFY2(log.contains(QLatin1String("is not yours alone")), qPrintable(log));
         QCOMPARE(Test::readFile(file).toUtf8(), planted);
         QCOMPARE(Test::modeOf(file), 0666u);
-        QCOMPARE(QDir(home.filePath(QStringLiteral("Quillon"))).entryList(QDir::Files | QDir::Hidden), QStringList { QStringLiteral("Quillon.conf") });
+        QCOMPARE(QDir(home.filePath(u"Quillon"_s)).entryList(QDir::Files | QDir::Hidden), QStringList { u"Quillon.conf"_s });
     }
 
     // A FIFO would block open for ever, a folder as lock every save: set aside with a log line, and the list is saved.
@@ -136,21 +136,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kind");
-        QTest::newRow("FIFO as the settings file") << "Quillon.conf"
-                                                   << "fifo";
-        QTest::newRow("FIFO as the window state") << "window.conf"
-                                                  << "fifo";
-        QTest::newRow("folder as the settings file") << "Quillon.conf"
-                                                     << "folder";
-        QTest::newRow("folder as the settings lock") << "Quillon.conf.lock"
-                                                     << "folder";
+        QTest::newRow("FIFO as the settings file") << u"Quillon.conf"_s << u"fifo"_s;
+        QTest::newRow("FIFO as the window state") << u"window.conf"_s << u"fifo"_s;
+        QTest::newRow("folder as the settings file") << u"Quillon.conf"_s << u"folder"_s;
+        QTest::newRow("folder as the settings lock") << u"Quillon.conf.lock"_s << u"folder"_s;
     }
     void oddFilesInTheSettingsFolder()
     {
         QFETCH(QString, name);
         QFETCH(QString, kind);
         QTemporaryDir home;
-        const QString dir = home.filePath(QStringLiteral("Quillon"));
+        const QString dir = home.filePath(u"Quillon"_s);
         QVERIFY(QDir().mkpath(dir));
         const QByteArray odd = QFile::encodeName(dir + QLatin1Char('/') + name);
         if (kind == QLatin1String("fifo"))
@@ -160,11 +156,11 @@ private Q_SLOTS:
         QProcess probe;
         QCOMPARE(runProbe(probe, home.path()), 0); // -1: it hung
         const QString log = QString::fromUtf8(probe.readAllStandardError());
-        const QString conf = dir + QStringLiteral("/Quillon.conf");
+        const QString conf = dir + u"/Quillon.conf"_s;
         QVERIFY2(log.contains(QLatin1String("set aside")), qPrintable(log));
         QVERIFY(QFileInfo(conf).isFile());
         QVERIFY(Test::readFile(conf).contains(QLatin1String("QUILLON-REF")));
-        QCOMPARE(QDir(dir).entryList({ name + QStringLiteral(".unreadable-*") }, QDir::AllEntries | QDir::System).size(), 1);
+        QCOMPARE(QDir(dir).entryList({ name + u".unreadable-*"_s }, QDir::AllEntries | QDir::System).size(), 1);
     }
 
     // In a folder of mode 0755 the new settings file is never readable by others, not even for an instant.
@@ -173,14 +169,14 @@ private Q_SLOTS:
         if (::geteuid() != 0)
             QSKIP("Needs root to read as another user.");
         QTemporaryDir home;
-        const QString dir = home.filePath(QStringLiteral("Quillon"));
+        const QString dir = home.filePath(u"Quillon"_s);
         QVERIFY(QDir().mkpath(dir));
         for (const QString &p : { home.path(), dir })
             ::chmod(QFile::encodeName(p).constData(), 0755);
         QProcess reader;
-        reader.start(QStringLiteral("setpriv"),
+        reader.start(u"setpriv"_s,
             AsNobody
-                + QStringList { QStringLiteral("/usr/bin/python3"), QStringLiteral("-c"), QStringLiteral(R"(
+                + QStringList { u"/usr/bin/python3"_s, u"-c"_s, QStringLiteral(R"(
 import contextlib, os, sys
 d, stop, seen = sys.argv[1], sys.argv[2], b''
 print('ready', flush=True)
@@ -190,18 +186,18 @@ while not os.path.exists(stop):
             seen += f.read()
 sys.stdout.buffer.write(seen)
 )"),
-                    dir, home.filePath(QStringLiteral("stop")) });
+                    dir, home.filePath(u"stop"_s) });
         QVERIFY(reader.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(reader.canReadLine() || reader.state() != QProcess::Running, 10'000);
         const bool ready = reader.readLine() == "ready\n";
-        QVERIFY2(ready, qPrintable(QStringLiteral("the reader could not start as uid 65534: ") + QString::fromUtf8(reader.readAllStandardError())));
+        QVERIFY2(ready, qPrintable(u"the reader could not start as uid 65534: "_s + QString::fromUtf8(reader.readAllStandardError())));
         for (int i = 0; i < 20; ++i) {
-            QFile::remove(dir + QStringLiteral("/Quillon.conf"));
+            QFile::remove(dir + u"/Quillon.conf"_s);
             QProcess writer;
             QCOMPARE(runProbe(writer, home.path()), 0);
-            QCOMPARE(Test::modeOf(dir + QStringLiteral("/Quillon.conf")), 0600u);
+            QCOMPARE(Test::modeOf(dir + u"/Quillon.conf"_s), 0600u);
         }
-        QVERIFY(Test::writeFile(home.filePath(QStringLiteral("stop"))));
+        QVERIFY(Test::writeFile(home.filePath(u"stop"_s)));
         QVERIFY(reader.waitForFinished(10'000));
         const QByteArray seen = reader.readAllStandardOutput();
         QVERIFY2(!seen.contains("Items"), seen.left(200).constData());
@@ -223,16 +219,16 @@ sys.stdout.buffer.write(seen)
         QTemporaryDir &mountPoint = m_mountPoint;
         QVERIFY(::mount("quillon-test", QFile::encodeName(mountPoint.path()).constData(), "tmpfs", 0, "size=64k,mode=0700") == 0);
         auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(mountPoint.path()).constData(), MNT_DETACH); });
-        const QString real = mountPoint.filePath(QStringLiteral("dotfiles/Quillon.conf"));
+        const QString real = mountPoint.filePath(u"dotfiles/Quillon.conf"_s);
         if (throughLink) {
-            QVERIFY(Test::writeFile(real, "[General]\n") && QDir().mkpath(mountPoint.filePath(QStringLiteral("Quillon"))));
-            QVERIFY(QFile::link(real, mountPoint.filePath(QStringLiteral("Quillon/Quillon.conf"))));
+            QVERIFY(Test::writeFile(real, "[General]\n") && QDir().mkpath(mountPoint.filePath(u"Quillon"_s)));
+            QVERIFY(QFile::link(real, mountPoint.filePath(u"Quillon/Quillon.conf"_s)));
         }
         const Test::ScopedEnv home("XDG_CONFIG_HOME", mountPoint.path().toUtf8());
 
         const Test::CapturedLog log;
         Preferences prefs;
-        prefs.setValues({ { Keys::LoginPassword, QStringLiteral("secret") }, { Keys::Items, QVariantList { QByteArray(200, 'a') } } });
+        prefs.setValues({ { Keys::LoginPassword, u"secret"_s }, { Keys::Items, QVariantList { QByteArray(200, 'a') } } });
         prefs.flush();
         const QString before = Test::readFile(prefs.fileName());
         QVERIFY(before.contains(QLatin1String("secret")));
@@ -242,7 +238,7 @@ sys.stdout.buffer.write(seen)
         {
         };
         QCOMPARE(::statvfs(QFile::encodeName(mountPoint.path()).constData(), &fs), 0);
-        QFile filler(mountPoint.filePath(QStringLiteral("filler")));
+        QFile filler(mountPoint.filePath(u"filler"_s));
         QVERIFY(filler.open(QIODevice::WriteOnly));
         filler.write(QByteArray(qint64(fs.f_bavail * fs.f_frsize) - 8192, 'x'));
         filler.close();
@@ -255,7 +251,7 @@ sys.stdout.buffer.write(seen)
         const QString said = log.join(QLatin1Char('\n'));
         QVERIFY2(said.contains(QLatin1String("Could not write the settings file %1").arg(throughLink ? real : prefs.fileName())), qPrintable(said));
         QCOMPARE(QFileInfo(prefs.fileName()).isSymLink(), throughLink);
-        QVERIFY(!QFile::exists(prefs.fileName() + QStringLiteral(".bak")) && !QFile::exists(real + QStringLiteral(".bak")));
+        QVERIFY(!QFile::exists(prefs.fileName() + u".bak"_s) && !QFile::exists(real + u".bak"_s));
     }
 
 private:

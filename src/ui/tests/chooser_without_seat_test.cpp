@@ -8,6 +8,7 @@
 #include <cstdio>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 // The Add… chooser on a compositor with no seat (with_weston.sh: headless weston has none), started
 // the way the program starts. Without the guard, Qt crashes as soon as the name field draws its
@@ -31,7 +32,7 @@ int main(int argc, char *argv[])
     chooser.open();
     if (!QTest::qWaitForWindowExposed(&chooser))
         return fail("the chooser was never shown");
-    auto *name = chooser.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    auto *name = chooser.findChild<QLineEdit *>(u"fileNameEdit"_s);
     if (!name)
         return fail("no name field");
     name->setFocus();

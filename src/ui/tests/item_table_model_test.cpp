@@ -19,6 +19,7 @@
 #include <QUrl>
 
 using namespace Quillon;
+using namespace Qt::StringLiterals;
 
 using Test::Now;
 
@@ -44,24 +45,11 @@ private Q_SLOTS:
         m_schedule.reset();
     }
 
-    // The icon of something inside a bundle is the outermost bundle's.
-    void pathCells_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("iconPath");
-        QTest::newRow("plain file") << "/home/me/Documents/Report.txt"
-                                    << "Report.txt"
-                                    << "/home/me/Documents/Report.txt";
-        QTest::newRow("nested: outermost") << "/A.app/Contents/B.app/Contents/x"
-                                           << "x"
-                                           << "/A.app";
-    }
     // A file that changes (made executable, replaced) is asked for its icon again; one that does not, never.
     void iconFollowsTheFile()
     {
         QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("tool"));
+        const QString path = dir.filePath(u"tool"_s);
         QVERIFY(Test::writeFile(path, "#!/bin/sh\n"));
         m_editor->add({ path });
         const auto paint = [this] { m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole); };
@@ -76,6 +64,16 @@ private Q_SLOTS:
         paint();
         QCOMPARE(m_workspace.iconPaths.size(), 3);
     }
+
+    // The icon of something inside a bundle is the outermost bundle's.
+    void pathCells_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("iconPath");
+        QTest::newRow("plain file") << u"/home/me/Documents/Report.txt"_s << u"Report.txt"_s << u"/home/me/Documents/Report.txt"_s;
+        QTest::newRow("nested: outermost") << u"/A.app/Contents/B.app/Contents/x"_s << u"x"_s << u"/A.app"_s;
+    }
     void pathCells()
     {
         QFETCH(QString, path);
@@ -83,21 +81,18 @@ private Q_SLOTS:
         QFETCH(QString, iconPath);
         m_editor->add({ path });
         m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
-        m_model->data(m_model->index(0, ItemTableModel::IconColumn), Qt::DecorationRole);
-        QCOMPARE(m_workspace.iconPaths, QStringList { iconPath }); // asked once, not at every paint
-        QCOMPARE(m_model->cellValue(QStringLiteral("Name"), 0).toString(), name);
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), path);
-        QCOMPARE(m_model->cellValue(QStringLiteral("Launch Time"), 0).toString(), formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(Now)));
+        QCOMPARE(m_workspace.iconPaths, QStringList { iconPath });
+        QCOMPARE(m_model->cellValue(u"Name"_s, 0).toString(), name);
+        QCOMPARE(m_model->cellValue(u"File"_s, 0).toString(), path);
+        QCOMPARE(m_model->cellValue(u"Launch Time"_s, 0).toString(), formatMediumDateTime(QDateTime::fromMSecsSinceEpoch(Now)));
     }
 
     void mediumDateStyle_data()
     {
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("en_US") << "en_US"
-                               << "Mar 1, 2026, 8:30:05 AM";
-        QTest::newRow("de_DE") << "de_DE"
-                               << "01.03.2026, 08:30:05";
+        QTest::newRow("en_US") << u"en_US"_s << u"Mar 1, 2026, 8:30:05 AM"_s;
+        QTest::newRow("de_DE") << u"de_DE"_s << u"01.03.2026, 08:30:05"_s;
     }
     void mediumDateStyle()
     {
@@ -112,34 +107,34 @@ private Q_SLOTS:
     void countdownAndStatusCells()
     {
         for (int i = 0; i < 4; ++i)
-            m_editor->add({ QStringLiteral("/p%1").arg(i) });
+            m_editor->add({ u"/p%1"_s.arg(i) });
         m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
         m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + 3725'000));
         m_editor->setDate({ 2 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         m_schedule->startTimers(true);
-        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 3).isValid()); // placeholder
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QStringLiteral("0 secs"));
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("1 hr 2 mins 5 secs "));
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 3).toString(), QString());
-        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Pending.tiff"));
+        QVERIFY(!m_model->cellValue(u"Check"_s, 3).isValid()); // placeholder
+        QCOMPARE(m_model->cellValue(u"File"_s, 0).toString(), u"0 secs"_s);
+        QCOMPARE(m_model->cellValue(u"File"_s, 1).toString(), u"1 hr 2 mins 5 secs "_s);
+        QCOMPARE(m_model->cellValue(u"File"_s, 3).toString(), QString());
+        QCOMPARE(m_model->cellValue(u"Check"_s, 1).value<QIcon>().cacheKey(), statusIcon("Pending.tiff"));
         m_clock->advance(400);
         // Fired: a check mark, and no countdown.
-        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 0).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 0).toString(), QString());
+        QCOMPARE(m_model->cellValue(u"Check"_s, 0).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
+        QCOMPARE(m_model->cellValue(u"File"_s, 0).toString(), QString());
         // Due this very moment but not yet served: no image, neither pending nor opened.
         m_clock->setClock(Now + 1000);
-        QVERIFY(!m_model->cellValue(QStringLiteral("Check"), 2).isValid());
+        QVERIFY(!m_model->cellValue(u"Check"_s, 2).isValid());
         // Stopped with timers kept: paths again, check marks stay.
         m_schedule->invalidateTimers(true);
-        QCOMPARE(m_model->cellValue(QStringLiteral("File"), 1).toString(), QStringLiteral("/p1"));
-        QCOMPARE(m_model->cellValue(QStringLiteral("Check"), 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
+        QCOMPARE(m_model->cellValue(u"File"_s, 1).toString(), u"/p1"_s);
+        QCOMPARE(m_model->cellValue(u"Check"_s, 1).value<QIcon>().cacheKey(), statusIcon("Check.tiff"));
     }
 
     // Told as their rows, once, at the end of the turn: a burst must not redraw the whole table at each launch.
     void firingsUpdateOnlyTheirRows()
     {
         for (int i = 0; i < 6; ++i)
-            m_editor->add({ QStringLiteral("/p%1").arg(i) });
+            m_editor->add({ u"/p%1"_s.arg(i) });
         m_editor->setDate({ 1, 2, 4 }, QDateTime::fromMSecsSinceEpoch(Now + 1000));
         m_editor->setDate({ 0, 3, 5 }, QDateTime::fromMSecsSinceEpoch(Now + 9000));
         m_schedule->startTimers(true);
@@ -158,8 +153,8 @@ private Q_SLOTS:
 
     void toolTipsSayWhen()
     {
-        m_editor->add({ QStringLiteral("/soon") });
-        m_editor->add({ QStringLiteral("/later") });
+        m_editor->add({ u"/soon"_s });
+        m_editor->add({ u"/later"_s });
         m_editor->setDate({ 0 }, QDateTime::fromMSecsSinceEpoch(Now + 400));
         m_editor->setDate({ 1 }, QDateTime::fromMSecsSinceEpoch(Now + qint64(3) * 86'400'000 + 5000));
         m_schedule->startTimers(true);
@@ -168,10 +163,9 @@ private Q_SLOTS:
             tip(1, ItemTableModel::FileColumn).startsWith(QLatin1String("Opens ")) && tip(1, ItemTableModel::FileColumn).endsWith(QLatin1String("(in 3 days)")),
             qPrintable(tip(1, ItemTableModel::FileColumn)));
         QVERIFY(!tip(0, ItemTableModel::FileColumn).contains(QLatin1String("days")));
-        QCOMPARE(tip(0, ItemTableModel::CheckColumn), QStringLiteral("Waiting"));
+        QCOMPARE(tip(0, ItemTableModel::CheckColumn), u"Waiting"_s);
         m_clock->advance(400);
-        QCOMPARE(tip(0, ItemTableModel::CheckColumn),
-            QStringLiteral("Opened at %1").arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(QStringLiteral("HH:mm:ss"))));
+        QCOMPARE(tip(0, ItemTableModel::CheckColumn), u"Opened at %1"_s.arg(QDateTime::fromMSecsSinceEpoch(Now + 400).time().toString(u"HH:mm:ss"_s)));
     }
 
     void movingRows_data()
@@ -227,15 +221,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("dropped");
         QTest::addColumn<QStringList>("items");
         const QStringList top = { "f1.txt", "Tool.app", "AppDir" };
-        QTest::newRow("folder as itself") << false << false << "top" << QStringList { "top" };
-        QTest::newRow("recursive alone changes nothing") << false << true << "top" << QStringList { "top" };
-        QTest::newRow("top-level files and packages") << true << false << "top" << top;
+        QTest::newRow("folder as itself") << false << false << u"top"_s << QStringList { "top" };
+        QTest::newRow("recursive alone changes nothing") << false << true << u"top"_s << QStringList { "top" };
+        QTest::newRow("top-level files and packages") << true << false << u"top"_s << top;
         QTest::newRow("every depth, inside packages and hidden folders too")
-            << true << true << "top"
+            << true << true << u"top"_s
             << QStringList { "f1.txt", "Tool.app", "Tool.app/Contents/MacOS/Tool", "AppDir", "AppDir/AppRun", "sub/s1.txt", ".hid/v.txt" };
-        QTest::newRow("a package dropped is one item") << true << true << "top/Tool.app" << QStringList { "top/Tool.app" };
-        QTest::newRow("a hidden file dropped itself is taken") << true << true << "top/.dot" << QStringList { "top/.dot" };
-        QTest::newRow("a link to a folder counts as the folder") << true << false << "link" << QStringList { "link/f1.txt", "link/Tool.app", "link/AppDir" };
+        QTest::newRow("a package dropped is one item") << true << true << u"top/Tool.app"_s << QStringList { "top/Tool.app" };
+        QTest::newRow("a hidden file dropped itself is taken") << true << true << u"top/.dot"_s << QStringList { "top/.dot" };
+        QTest::newRow("a link to a folder counts as the folder") << true << false << u"link"_s << QStringList { "link/f1.txt", "link/Tool.app", "link/AppDir" };
     }
     void droppedFolders()
     {
@@ -244,12 +238,12 @@ private Q_SLOTS:
         QFETCH(QString, dropped);
         QFETCH(QStringList, items);
         QTemporaryDir tree;
-        const QString topDir = tree.filePath(QStringLiteral("top"));
+        const QString topDir = tree.filePath(u"top"_s);
         for (const char *f : { "f1.txt", ".dot", "listed.txt", "Tool.app/Contents/MacOS/Tool", "sub/s1.txt", ".hid/v.txt", "sub/.inner" })
             QVERIFY(Test::writeFile(topDir + QLatin1Char('/') + QLatin1String(f)));
-        QVERIFY(Test::writeFile(topDir + QStringLiteral("/AppDir/AppRun"), {}, true));
-        QVERIFY(QFile::link(topDir, tree.filePath(QStringLiteral("link"))));
-        QVERIFY(Test::writeFile(topDir + QStringLiteral("/.hidden"), "listed.txt\n"));
+        QVERIFY(Test::writeFile(topDir + u"/AppDir/AppRun"_s, {}, true));
+        QVERIFY(QFile::link(topDir, tree.filePath(u"link"_s)));
+        QVERIFY(Test::writeFile(topDir + u"/.hidden"_s, "listed.txt\n"));
         m_prefs.setValues({ { Keys::AddFolderFiles, folderFiles }, { Keys::AddFolderFilesRecursively, recursive } });
 
         QMimeData data;
