@@ -35,9 +35,7 @@ QByteArray validToken(const QByteArray &token)
 // What stands at a path that should hold a lock file, in words; empty for a regular file or nothing.
 QString notALockFile(const QString &path)
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     if (::lstat(QFile::encodeName(path).constData(), &st) != 0 || S_ISREG(st.st_mode))
         return {};
     return S_ISFIFO(st.st_mode) ? QStringLiteral("a FIFO")
@@ -48,9 +46,7 @@ QString notALockFile(const QString &path)
 
 bool isPrivateFolder(const QString &path)
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid() && (st.st_mode & 077) == 0;
 }
 } // namespace
@@ -69,9 +65,7 @@ QString SingleInstance::privateFolder(const QString &settingsFile)
     ::mkdir(QFile::encodeName(settings).constData(), 0700);
     // A settings folder of the user's that others cannot write to may hold a private one of ours.
     QString folder = settings;
-    struct stat st
-    {
-    };
+    struct stat st = {};
     if (!isPrivateFolder(folder) && ::lstat(QFile::encodeName(settings).constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid()
         && (st.st_mode & 022) == 0) {
         folder = settings + QStringLiteral("/instance");

@@ -190,17 +190,13 @@ History::Opening History::open()
     // there is a database. Non-blocking, so that even a FIFO answers at once.
     const QByteArray name = QFile::encodeName(m_fileName);
     const int fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
-    struct stat st
-    {
-    };
+    struct stat st = {};
     const bool regular = fd >= 0 && ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
     const int error = errno;
     if (fd >= 0)
         ::close(fd);
     if (!regular) {
-        struct stat found
-        {
-        };
+        struct stat found = {};
         const QString what = ::lstat(name.constData(), &found) != 0 ? QString::fromLocal8Bit(std::strerror(error))
             : S_ISFIFO(found.st_mode)                               ? QStringLiteral("it is a FIFO")
             : S_ISDIR(found.st_mode)                                ? QStringLiteral("it is a folder")

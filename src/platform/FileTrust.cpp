@@ -53,9 +53,7 @@ QString whyNotRun(const QString &path, Kind kind)
 
 QString whyNotOwnFolder(const QString &folder)
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     if (::stat(FileName::encode(folder).constData(), &st) != 0)
         return {};
     if (st.st_uid != ::geteuid())

@@ -85,9 +85,7 @@ qsizetype keyLinesIn(const QByteArray &ini)
 bool SettingsFile::setAsideIfNotRegular(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
-    struct stat st
-    {
-    };
+    struct stat st = {};
     if (::lstat(name.constData(), &st) != 0 || S_ISREG(st.st_mode))
         return false;
     // A link is followed: its target is what QSettings would open.
@@ -249,9 +247,7 @@ void SettingsFile::flush()
 
 SettingsFile::FileStamp SettingsFile::currentStamp() const
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     if (::stat(QFile::encodeName(m_settings.fileName()).constData(), &st) != 0)
         return {};
     return { quint64(st.st_ino), qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec };
@@ -428,9 +424,7 @@ void SettingsFile::writeOut()
     // reached by others whatever its mode. Never the umask: it is the whole process's, and programs
     // started meanwhile would inherit it. A folder or file we did not create keeps its mode.
     makeFolder();
-    struct stat before
-    {
-    };
+    struct stat before = {};
     const bool fileExisted = ::stat(file.constData(), &before) == 0;
 
     // QSettings replaces the file by renaming a new one over it; a hard link keeps the old one
@@ -456,9 +450,7 @@ void SettingsFile::writeOut()
         m_readStamp = currentStamp();
         return;
     }
-    struct stat after
-    {
-    };
+    struct stat after = {};
     const bool replaced = ::stat(file.constData(), &after) == 0 && (!fileExisted || after.st_ino != before.st_ino);
     QString outcome = QStringLiteral("the file was left as it was.");
     if (replaced && haveBackup && ::rename(backup.constData(), file.constData()) == 0)
@@ -469,9 +461,7 @@ void SettingsFile::writeOut()
         outcome = QStringLiteral("the previous file could not be put back.");
     ::unlink(backup.constData());
     // QSettings says only "access error"; what the folder and the disk look like says which.
-    struct statvfs disk
-    {
-    };
+    struct statvfs disk = {};
     const bool full = ::statvfs(dir.constData(), &disk) == 0 && quint64(disk.f_bavail) * disk.f_frsize < quint64(64) * 1024;
     const bool writable = ::access(dir.constData(), W_OK) == 0 && (!fileExisted || ::access(file.constData(), W_OK) == 0);
     QString why = QStringLiteral("it did not read back as written (is the disk full?)");

@@ -99,9 +99,7 @@ QVariant ItemTableModel::cellValue(const QString &identifier, int row) const
 // path, and again only when the file changed (its status-change time moved, or it came or went).
 QIcon ItemTableModel::iconFor(const QString &path) const
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     const qint64 changed = ::stat(FileName::encode(path).constData(), &st) == 0 ? qint64(st.st_ctim.tv_sec) * 1'000'000'000 + st.st_ctim.tv_nsec : -1;
     if (const auto cached = m_icons.constFind(path); cached != m_icons.cend() && cached->changed == changed)
         return cached->icon;

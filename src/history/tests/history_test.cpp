@@ -151,9 +151,7 @@ private Q_SLOTS:
         // Said once however often it is tried again, and once more when it works again.
         QVERIFY2(m_log.filter(logged).size() == 1, qPrintable(m_log.join(QLatin1Char('|'))));
         QCOMPARE(m_log.filter(u"can be written again"_s).size(), int(logged.startsWith(QLatin1String("cannot be written"))));
-        struct stat st
-        {
-        };
+        struct stat st = {};
         QCOMPARE(::lstat(name.constData(), &st), 0);
         QCOMPARE(S_ISFIFO(st.st_mode), found == QLatin1String("fifo"));
         QCOMPARE(S_ISDIR(st.st_mode), found == QLatin1String("folder"));

@@ -61,9 +61,7 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
     const int fd = ::open(FileName::encode(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0)
         return false;
-    struct stat st
-    {
-    };
+    struct stat st = {};
     bool ok = ::write(fd, text.constData(), size_t(text.size())) == text.size();
     if (executable)
         ok = ok && ::fstat(fd, &st) == 0 && ::fchmod(fd, st.st_mode | S_IXUSR) == 0;
@@ -73,9 +71,7 @@ inline bool writeFile(const QString &path, const QByteArray &text = {}, bool exe
 // The permission bits, 0 for a file that is not there.
 inline uint modeOf(const QString &path)
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     return ::stat(FileName::encode(path).constData(), &st) == 0 ? uint(st.st_mode & 07777) : 0;
 }
 

@@ -162,9 +162,7 @@ bool isProgramByContent(const QByteArray &file)
 
 bool isExecutableFile(const QByteArray &file)
 {
-    struct stat st
-    {
-    };
+    struct stat st = {};
     return ::stat(file.constData(), &st) == 0 && S_ISREG(st.st_mode) && ::access(file.constData(), X_OK) == 0;
 }
 
@@ -330,9 +328,7 @@ bool DesktopWorkspace::openFile(const QString &path, OpenDone done)
 {
     // Looked at by its bytes: Qt's file classes cannot name a file whose name is not UTF-8.
     const QByteArray file = FileName::encode(QDir::isAbsolutePath(path) ? path : QDir::current().absoluteFilePath(path));
-    struct stat st
-    {
-    };
+    struct stat st = {};
     const bool exists = ::stat(file.constData(), &st) == 0;
     // Refused before anything starts: logged now, told from the event loop as every answer is.
     const auto refuse = [&](const Opening &opening) {

@@ -100,9 +100,7 @@ bool sameFile(const Identity &saved, const Identity &found, const QByteArray &fo
     if (found.uid != ::geteuid())
         return false;
     // Another user could put a file there, or swap it, between now and the launch.
-    struct stat folder
-    {
-    };
+    struct stat folder = {};
     if (::stat(parentOf(foundPath).constData(), &folder) != 0 || (folder.st_mode & S_IWOTH) || (folder.st_uid != ::geteuid() && folder.st_uid != 0))
         return false;
     if (!saved.handle.isEmpty() && !found.handle.isEmpty())
@@ -185,9 +183,7 @@ private:
             DIR *d = opendir(dir.constData());
             if (!d)
                 continue;
-            struct stat dirStat
-            {
-            };
+            struct stat dirStat = {};
             if (fstat(dirfd(d), &dirStat) != 0 || !m_devices.contains(quint64(dirStat.st_dev))) {
                 closedir(d);
                 continue;
@@ -203,9 +199,7 @@ private:
                     match(child, e->d_ino);
                 bool isDir = e->d_type == DT_DIR;
                 if (e->d_type == DT_UNKNOWN) {
-                    struct stat st
-                    {
-                    };
+                    struct stat st = {};
                     isDir = lstat(child.constData(), &st) == 0 && S_ISDIR(st.st_mode);
                 }
                 if (isDir)

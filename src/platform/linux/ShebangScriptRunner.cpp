@@ -42,9 +42,7 @@ bool interpreterOf(const QByteArray &script, QString &interpreter, QStringList &
     const int fd = ::open(script.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         return false;
-    struct stat st
-    {
-    };
+    struct stat st = {};
     QFile file;
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(fd);

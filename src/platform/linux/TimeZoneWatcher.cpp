@@ -55,9 +55,7 @@ QByteArray TimeZoneWatcher::identity()
 {
     char target[4096] = {};
     const ssize_t n = ::readlink(LocalTime, target, sizeof target - 1);
-    struct stat st
-    {
-    };
+    struct stat st = {};
     ::stat(LocalTime, &st);
     return QByteArray(target, n > 0 ? int(n) : 0) + ' ' + QByteArray::number(quint64(st.st_dev)) + ':' + QByteArray::number(quint64(st.st_ino)) + ':'
         + QByteArray::number(qint64(st.st_mtim.tv_sec)) + '.' + QByteArray::number(qint64(st.st_mtim.tv_nsec));

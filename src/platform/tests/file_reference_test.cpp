@@ -58,9 +58,7 @@ private Q_SLOTS:
         QVERIFY(Test::writeFile(item, "#!/bin/sh\necho mine\n", true));
         const QByteArray reference = FileReference::make(item);
         QVERIFY(!reference.isEmpty());
-        struct stat before
-        {
-        };
+        struct stat before = {};
         ::stat(QFile::encodeName(item).constData(), &before);
 
         QString other;
@@ -80,9 +78,7 @@ private Q_SLOTS:
             const timespec times[2] = { before.st_atim, before.st_mtim };
             QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(other).constData(), times, 0), 0);
         }
-        struct stat now
-        {
-        };
+        struct stat now = {};
         ::stat(QFile::encodeName(other).constData(), &now);
         QCOMPARE(now.st_ino, before.st_ino); // the case this is about: the inode is the same
         QCOMPARE(FileReference::resolve(reference), found ? std::optional<QString>(other) : std::nullopt);

@@ -64,9 +64,7 @@ private Q_SLOTS:
             QCOMPARE(::chown(QFile::encodeName(p).constData(), Nobody, Nobody), 0);
         ::chmod(QFile::encodeName(file).constData(), fileMode);
         ::chmod(QFile::encodeName(dir).constData(), dirMode);
-        struct stat before
-        {
-        };
+        struct stat before = {};
         ::stat(QFile::encodeName(file).constData(), &before);
 
         QProcess probe;
@@ -87,9 +85,7 @@ private Q_SLOTS:
             QVERIFY2(!copy || !bytes.contains("secret"), path.toUtf8().constData());
         }
         QVERIFY2(kept, qPrintable(log));
-        struct stat after
-        {
-        };
+        struct stat after = {};
         if (::stat(QFile::encodeName(file).constData(), &after) == 0 && after.st_ino == before.st_ino)
             QCOMPARE(uint(after.st_mode & 07777), 0600u); // set back by us above: the probe left the inode alone
         QCOMPARE(Test::modeOf(home.path()), 0700u);
@@ -234,9 +230,7 @@ sys.stdout.buffer.write(seen)
         QVERIFY(before.contains(QLatin1String("secret")));
 
         // Leave less room than the new file needs.
-        struct statvfs fs
-        {
-        };
+        struct statvfs fs = {};
         QCOMPARE(::statvfs(QFile::encodeName(mountPoint.path()).constData(), &fs), 0);
         QFile filler(mountPoint.filePath(u"filler"_s));
         QVERIFY(filler.open(QIODevice::WriteOnly));
