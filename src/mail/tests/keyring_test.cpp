@@ -58,7 +58,6 @@ private Q_SLOTS:
     }
     void cleanup() { QVERIFY2(m_log.filter(Old).isEmpty() && m_log.filter(New).isEmpty(), qPrintable(m_log.join(QLatin1Char('\n')))); }
 
-    // Into the keyring from the settings file; without a keyring the file keeps it and the log says why, once.
     // A Secret Service that takes the call and never answers (an unlock prompt left open): each
     // call is answered as without a keyring once its time is up, and the log says so once.
     void aKeyringThatNeverAnswersIsLeft()
@@ -76,6 +75,7 @@ private Q_SLOTS:
         QCOMPARE(m_log.filter(u"did not answer within"_s).size(), 1);
     }
 
+    // Into the keyring from the settings file; without a keyring the file keeps it and the log says why, once.
     void passwordMovesIntoTheKeyringOrStaysInTheFile()
     {
         m_settings.writeRaw("[General]\nloginPassword=" + Old.toUtf8() + "\n");

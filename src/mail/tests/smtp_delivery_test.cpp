@@ -44,55 +44,40 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("log"); // after "Connecting..."; a line ending in * stands for any that begins with the rest
         QTest::addColumn<QString>("problem"); // what the user is told when nothing was sent
         const QStringList auth { u"--user"_s, u"ann"_s, u"--password"_s, Password };
-        const QString sent = u"Sent!"_s;
-        const QString closing = u"Closing the connection."_s;
-        const QString closed = u"Connection closed."_s;
+        const auto row = [](const char *tag, const QStringList &server, const QString &host, bool useSSL, int mechanism, const QStringList &log,
+                             const QString &problem = {},
+                             const QString &password = Password) { QTest::newRow(tag) << server << host << useSSL << mechanism << password << log << problem; };
+        const QString local = u"127.0.0.1"_s;
+        const QString sent = u"Sent!"_s, closing = u"Closing the connection."_s, closed = u"Connection closed."_s;
         const QString mechanisms = u"Available authentication mechanisms: *"_s;
         const QString authDone = u"Authentication completed! Sending the message..."_s;
-        QTest::newRow("STARTTLS + CRAM-MD5") << QStringList { u"--tls"_s, u"starttls"_s } + auth << u"127.0.0.1"_s << true << 3 << Password
-                                             << QStringList { "Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent,
-                                                    closing, closed }
-                                             << QString();
-        QTest::newRow("implicit TLS on 465 + LOGIN") << QStringList { u"--tls"_s, u"implicit"_s, u"--port"_s, u"465"_s } + auth << u"127.0.0.2"_s << true << 2
-                                                     << Password
-                                                     << QStringList { "Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent,
-                                                            closing, closed }
-                                                     << QString();
-        QTest::newRow("no TLS + PLAIN") << auth << u"127.0.0.1"_s << false << 1 << Password
-                                        << QStringList { "Connected!", mechanisms, authDone, sent, closing, closed } << QString();
-        QTest::newRow("mechanism 0 with a user name set: no AUTH")
-            << auth << u"127.0.0.1"_s << false << 0 << Password << QStringList { "Connected!", "Sending the message...", sent, closing, closed } << QString();
+        row("STARTTLS + CRAM-MD5", QStringList { u"--tls"_s, u"starttls"_s } + auth, local, true, 3,
+            { "Connected!", "SSL handshaking...", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed });
+        row("implicit TLS on 465 + LOGIN", QStringList { u"--tls"_s, u"implicit"_s, u"--port"_s, u"465"_s } + auth, u"127.0.0.2"_s, true, 2,
+            { "Connected!", "Starting SSL.", "SSL handshaking completed.", mechanisms, authDone, sent, closing, closed });
+        row("no TLS + PLAIN", auth, local, false, 1, { "Connected!", mechanisms, authDone, sent, closing, closed });
+        row("mechanism 0 with a user name set: no AUTH", auth, local, false, 0, { "Connected!", "Sending the message...", sent, closing, closed });
         // What the user is told names the setting to change: the password, or the kind of login.
         const QStringList refused { "Connected!", mechanisms, "Authentication failed! Closing the connection...", closed };
-        QTest::newRow("wrong password") << auth << u"127.0.0.1"_s << false << 1 << u"wrong"_s << refused << u"the server refused the login"_s;
-        QTest::newRow("PLAIN, the server offers no login") << QStringList { u"--no-auth"_s } << u"127.0.0.1"_s << false << 1 << Password << refused
-                                                           << u"the server offers no login; choose None for Login in Preferences"_s;
-        QTest::newRow("LOGIN, the server offers PLAIN only") << auth + QStringList { u"--plain-only"_s } << u"127.0.0.1"_s << false << 2 << Password << refused
-                                                             << u"the server does not offer the LOGIN login; it offers PLAIN"_s;
-        QTest::newRow("STARTTLS wanted, not offered") << QStringList {} << u"127.0.0.1"_s << true << 0 << Password
-                                                      << QStringList { "Connected!", "SSL handshaking...",
-                                                             "The mail session ended early: the server does not offer STARTTLS, and nothing is sent in clear.",
-                                                             closed }
-                                                      << QString();
-        QTest::newRow("certificate for another name") << QStringList { u"--tls"_s, u"starttls"_s } << u"127.0.0.3"_s << true << 0 << Password
-                                                      << QStringList { "Connected!", "SSL handshaking...",
-                                                             "The mail session ended early: the server's certificate could not be verified*", closed }
-                                                      << QString();
-        QTest::newRow("an address named by a DNS entry only")
-            << QStringList { u"--tls"_s, u"starttls"_s, u"--cert"_s, m_certs.filePath(u"dnsonly.pem"_s), u"--key"_s, m_certs.filePath(u"dnsonly-key.pem"_s) }
-            << u"127.0.0.9"_s << true << 0 << Password
-            << QStringList { "Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*",
-                   closed }
-            << QString();
-        QTest::newRow("password missing: logged, then the session idles out")
-            << auth << u"127.0.0.1"_s << false << 2 << QString()
-            << QStringList { "Connected!", mechanisms, "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
-                   "The mail session ended early: nothing happened for 1 s.", closed }
-            << QString();
-        QTest::newRow("refused message") << QStringList { u"--refuse"_s } << u"127.0.0.1"_s << false << 0 << Password
-                                         << QStringList { "Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks",
-                                                "Closing the connection.", closed }
-                                         << QString();
+        row("wrong password", auth, local, false, 1, refused, u"the server refused the login"_s, u"wrong"_s);
+        row("PLAIN, the server offers no login", { u"--no-auth"_s }, local, false, 1, refused,
+            u"the server offers no login; choose None for Login in Preferences"_s);
+        row("LOGIN, the server offers PLAIN only", auth + QStringList { u"--plain-only"_s }, local, false, 2, refused,
+            u"the server does not offer the LOGIN login; it offers PLAIN"_s);
+        row("STARTTLS wanted, not offered", {}, local, true, 0,
+            { "Connected!", "SSL handshaking...", "The mail session ended early: the server does not offer STARTTLS, and nothing is sent in clear.", closed });
+        row("certificate for another name", { u"--tls"_s, u"starttls"_s }, u"127.0.0.3"_s, true, 0,
+            { "Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate could not be verified*", closed });
+        row("an address named by a DNS entry only",
+            { u"--tls"_s, u"starttls"_s, u"--cert"_s, m_certs.filePath(u"dnsonly.pem"_s), u"--key"_s, m_certs.filePath(u"dnsonly-key.pem"_s) }, u"127.0.0.9"_s,
+            true, 0,
+            { "Connected!", "SSL handshaking...", "The mail session ended early: the server's certificate does not name the address 127.0.0.9*", closed });
+        row("password missing: logged, then the session idles out", auth, local, false, 2,
+            { "Connected!", mechanisms, "Error (NoPassword): The outgoing SMTP server 'Password:' preference value has not been specified.",
+                "The mail session ended early: nothing happened for 1 s.", closed },
+            {}, QString());
+        row("refused message", { u"--refuse"_s }, local, false, 0,
+            { "Connected!", "Sending the message...", "Message not sent. Server response: 550 Refused: no thanks", closing, closed });
     }
     void deliversToARealServer()
     {

@@ -29,45 +29,39 @@ private Q_SLOTS:
         QTest::addColumn<QDateTime>("after");
         QTest::addColumn<QStringList>("expected"); // fewer than three: the rule ends
 
-        const QByteArray berlin = "Europe/Berlin", none;
-        QTest::newRow("07:00 stays 07:00 at spring-forward")
-            << u"daily"_s << berlin << none << u"2027-03-26T07:00"_s << QStringList() << utc("2027-03-26T07:00Z")
-            << QStringList { "2027-03-27T06:00Z", "2027-03-28T05:00Z", "2027-03-29T05:00Z" };
-        QTest::newRow("a skipped 02:30 runs as the gap ends")
-            << u"FREQ=DAILY"_s << berlin << none << u"2027-03-26T02:30"_s << QStringList() << utc("2027-03-26T02:00Z")
-            << QStringList { "2027-03-27T01:30Z", "2027-03-28T01:00Z", "2027-03-29T00:30Z" };
-        QTest::newRow("a doubled 02:30 runs once, first")
-            << u"FREQ=DAILY"_s << berlin << none << u"2027-10-29T02:30"_s << QStringList() << utc("2027-10-29T12:00Z")
-            << QStringList { "2027-10-30T00:30Z", "2027-10-31T00:30Z", "2027-11-01T01:30Z" };
-        QTest::newRow("weekdays across Sydney's autumn change")
-            << u"weekdays"_s << QByteArray("Australia/Sydney") << none << u"2027-03-29T07:00"_s << QStringList() << utc("2027-04-01T12:00Z")
-            << QStringList { "2027-04-01T20:00Z", "2027-04-04T21:00Z", "2027-04-05T21:00Z" };
-        QTest::newRow("Lord Howe's half-hour gap") << u"FREQ=DAILY"_s << QByteArray("Australia/Lord_Howe") << none << u"2027-10-01T02:15"_s << QStringList()
-                                                   << utc("2027-10-01T00:00Z") << QStringList { "2027-10-01T15:45Z", "2027-10-02T15:30Z", "2027-10-03T15:15Z" };
-        QTest::newRow("the 31st skips short months of a leap year")
-            << u"FREQ=MONTHLY;BYMONTHDAY=31"_s << QByteArray("UTC") << none << u"2028-01-31T09:00"_s << QStringList() << utc("2028-01-01T00:00Z")
-            << QStringList { "2028-01-31T09:00Z", "2028-03-31T09:00Z", "2028-05-31T09:00Z" };
-        QTest::newRow("the last day is February 29th")
-            << u"last-day"_s << QByteArray("UTC") << none << u"2028-01-31T09:00"_s << QStringList() << utc("2028-01-31T09:00Z")
-            << QStringList { "2028-02-29T09:00Z", "2028-03-31T09:00Z", "2028-04-30T09:00Z" };
-        QTest::newRow("second Monday") << u"FREQ=MONTHLY;BYDAY=2MO"_s << QByteArray("UTC") << none << u"2028-01-01T08:00"_s << QStringList()
-                                       << utc("2028-01-01T00:00Z") << QStringList { "2028-01-10T08:00Z", "2028-02-14T08:00Z", "2028-03-13T08:00Z" };
-        QTest::newRow("every 2 hours from 09:00 to 17:00")
-            << u"FREQ=HOURLY;INTERVAL=2;BYHOUR=9,10,11,12,13,14,15,16,17"_s << QByteArray("UTC") << none << u"2028-01-01T09:00"_s << QStringList()
-            << utc("2028-01-01T14:00Z") << QStringList { "2028-01-01T15:00Z", "2028-01-01T17:00Z", "2028-01-02T09:00Z" };
-        QTest::newRow("COUNT ends after the third") << u"FREQ=DAILY;COUNT=3"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s << QStringList()
-                                                    << utc("2027-06-01T08:00Z") << QStringList { "2027-06-02T08:00Z", "2027-06-03T08:00Z" };
-        QTest::newRow("UNTIL keeps its last day") << u"FREQ=WEEKLY;UNTIL=20270615T235959"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s
-                                                  << QStringList() << utc("2027-06-01T08:00Z") << QStringList { "2027-06-08T08:00Z", "2027-06-15T08:00Z" };
-        QTest::newRow("an exception date does not happen")
-            << u"FREQ=DAILY"_s << QByteArray("UTC") << none << u"2027-06-01T08:00"_s << QStringList { "2027-06-02T08:00" } << utc("2027-06-01T08:00Z")
-            << QStringList { "2027-06-03T08:00Z", "2027-06-04T08:00Z", "2027-06-05T08:00Z" };
-        QTest::newRow("a pinned zone ignores the system's")
-            << u"FREQ=DAILY"_s << berlin << QByteArray("Asia/Tokyo") << u"2027-06-01T07:00"_s << QStringList() << utc("2027-06-01T12:00Z")
-            << QStringList { "2027-06-02T05:00Z", "2027-06-03T05:00Z", "2027-06-04T05:00Z" };
-        QTest::newRow("an unpinned rule follows the system's")
-            << u"FREQ=DAILY"_s << none << QByteArray("Asia/Tokyo") << u"2027-06-01T07:00"_s << QStringList() << utc("2027-06-01T12:00Z")
-            << QStringList { "2027-06-01T22:00Z", "2027-06-02T22:00Z", "2027-06-03T22:00Z" };
+        // zone: the rule's own, none for the system's (New York unless system names another).
+        const auto row = [](const char *tag, const char *rule, const QByteArray &zone, const char *start, const char *after, const QStringList &expected,
+                             const QStringList &exceptions = {}, const QByteArray &system = {}) {
+            QTest::newRow(tag) << QString::fromUtf8(rule) << zone << system << QString::fromUtf8(start) << exceptions << utc(after) << expected;
+        };
+        const QByteArray berlin = "Europe/Berlin", utcZone = "UTC", none;
+        row("07:00 stays 07:00 at spring-forward", "daily", berlin, "2027-03-26T07:00", "2027-03-26T07:00Z",
+            { "2027-03-27T06:00Z", "2027-03-28T05:00Z", "2027-03-29T05:00Z" });
+        row("a skipped 02:30 runs as the gap ends", "FREQ=DAILY", berlin, "2027-03-26T02:30", "2027-03-26T02:00Z",
+            { "2027-03-27T01:30Z", "2027-03-28T01:00Z", "2027-03-29T00:30Z" });
+        row("a doubled 02:30 runs once, first", "FREQ=DAILY", berlin, "2027-10-29T02:30", "2027-10-29T12:00Z",
+            { "2027-10-30T00:30Z", "2027-10-31T00:30Z", "2027-11-01T01:30Z" });
+        row("weekdays across Sydney's autumn change", "weekdays", QByteArray("Australia/Sydney"), "2027-03-29T07:00", "2027-04-01T12:00Z",
+            { "2027-04-01T20:00Z", "2027-04-04T21:00Z", "2027-04-05T21:00Z" });
+        row("Lord Howe's half-hour gap", "FREQ=DAILY", QByteArray("Australia/Lord_Howe"), "2027-10-01T02:15", "2027-10-01T00:00Z",
+            { "2027-10-01T15:45Z", "2027-10-02T15:30Z", "2027-10-03T15:15Z" });
+        row("the 31st skips short months of a leap year", "FREQ=MONTHLY;BYMONTHDAY=31", utcZone, "2028-01-31T09:00", "2028-01-01T00:00Z",
+            { "2028-01-31T09:00Z", "2028-03-31T09:00Z", "2028-05-31T09:00Z" });
+        row("the last day is February 29th", "last-day", utcZone, "2028-01-31T09:00", "2028-01-31T09:00Z",
+            { "2028-02-29T09:00Z", "2028-03-31T09:00Z", "2028-04-30T09:00Z" });
+        row("second Monday", "FREQ=MONTHLY;BYDAY=2MO", utcZone, "2028-01-01T08:00", "2028-01-01T00:00Z",
+            { "2028-01-10T08:00Z", "2028-02-14T08:00Z", "2028-03-13T08:00Z" });
+        row("every 2 hours from 09:00 to 17:00", "FREQ=HOURLY;INTERVAL=2;BYHOUR=9,10,11,12,13,14,15,16,17", utcZone, "2028-01-01T09:00", "2028-01-01T14:00Z",
+            { "2028-01-01T15:00Z", "2028-01-01T17:00Z", "2028-01-02T09:00Z" });
+        row("COUNT ends after the third", "FREQ=DAILY;COUNT=3", utcZone, "2027-06-01T08:00", "2027-06-01T08:00Z", { "2027-06-02T08:00Z", "2027-06-03T08:00Z" });
+        row("UNTIL keeps its last day", "FREQ=WEEKLY;UNTIL=20270615T235959", utcZone, "2027-06-01T08:00", "2027-06-01T08:00Z",
+            { "2027-06-08T08:00Z", "2027-06-15T08:00Z" });
+        row("an exception date does not happen", "FREQ=DAILY", utcZone, "2027-06-01T08:00", "2027-06-01T08:00Z",
+            { "2027-06-03T08:00Z", "2027-06-04T08:00Z", "2027-06-05T08:00Z" }, { "2027-06-02T08:00" });
+        row("a pinned zone ignores the system's", "FREQ=DAILY", berlin, "2027-06-01T07:00", "2027-06-01T12:00Z",
+            { "2027-06-02T05:00Z", "2027-06-03T05:00Z", "2027-06-04T05:00Z" }, {}, QByteArray("Asia/Tokyo"));
+        row("an unpinned rule follows the system's", "FREQ=DAILY", none, "2027-06-01T07:00", "2027-06-01T12:00Z",
+            { "2027-06-01T22:00Z", "2027-06-02T22:00Z", "2027-06-03T22:00Z" }, {}, QByteArray("Asia/Tokyo"));
     }
     void nextMoments()
     {
